@@ -1,0 +1,31 @@
+// The configuration store: text values by (configuration identifier, key), with a parent
+// configuration to fall back on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "KEPString.h"
+#include "KEPTypes.h"
+
+class KEPRbaConfiguration {
+ public:
+  /// Value of `key` in configuration `id` or, when missing there, in its parents.
+  /// Returns E_FAIL and leaves `out` untouched when the key is missing.
+  static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, KEPString& out);
+  static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key,
+                                      KEPUnicodeString& out);
+  /// Integer form: the whole text must be one decimal integer (blanks around it allowed) that
+  /// fits 32 bits; anything else is E_FAIL with `out` untouched.
+  static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, int& out);
+
+  // --- Store administration (host side)
+  static void SetValue(const KEPString& id, const KEPString& key, const KEPString& value);
+  static void SetParent(const KEPString& id, const KEPString& parentId);
+  static bool HasConfiguration(const KEPString& id);
+  static std::vector<KEPString> ConfigurationIds();
+  /// Keys of configuration `id` itself (not its parents), in file order.
+  static std::vector<KEPString> Keys(const KEPString& id);
+  /// Removes every configuration.
+  static void Clear();
+};

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "KEPIUnknown.h"
+#include "KEPString.h"
+
+/// The user-visible name of a shader node or a parameter.
+class KEPIAlias : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIAlias)
+  virtual HRESULT GetAlias(KEPUnicodeString& alias) = 0;
+  virtual HRESULT SetAlias(const KEPUnicodeString& alias) = 0;
+};

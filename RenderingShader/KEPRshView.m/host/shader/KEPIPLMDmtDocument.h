@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vector>
+
+#include "KEPIUnknown.h"
+#include "KEPString.h"
+
+/// An image document used as a texture parameter value: the image file, its resolution and the
+/// layer groups it offers.
+class KEPIPLMDmtDocument : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIPLMDmtDocument)
+  /// Full path of the image file.
+  virtual HRESULT GetImagePath(KEPUnicodeString& path) = 0;
+  /// Stored resolution in dots per inch; E_FAIL when none is stored.
+  virtual HRESULT GetDpi(double& dpi) = 0;
+  virtual HRESULT GetGroups(std::vector<KEPString>& groups) = 0;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vector>
+
+#include "KEPIUnknown.h"
+#include "KEPString.h"
+
+class KEPIRshShader;
+class KEPIPLMDmtDocument;
+
+/// A typed parameter of a shader node. Its type name is one of "KEPRmaBoolean",
+/// "KEPRmaInteger", "KEPRmaScalar", "KEPRmaColor", "KEPRmaVector", "KEPRmaTexture",
+/// "KEPRmaLightProfile", "KEPRmaVoid".
+///
+/// Value getters answer E_FAIL and leave their outputs untouched when the parameter does not
+/// hold that kind of value; boolean, integer and scalar values read and write as one another.
+class KEPIRshParameter : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIRshParameter)
+  virtual HRESULT GetName(KEPString& name) = 0;
+  virtual HRESULT GetTypeName(KEPString& typeName) = 0;
+
+  virtual HRESULT GetBooleanValue(unsigned char& value) = 0;
+  virtual HRESULT SetBooleanValue(unsigned char value) = 0;
+  virtual HRESULT GetIntegerValue(int& value) = 0;
+  virtual HRESULT SetIntegerValue(int value) = 0;
+  virtual HRESULT GetScalarValue(float& value) = 0;
+  virtual HRESULT SetScalarValue(float value) = 0;
+  /// Colour as red, green, blue and, when `alpha` is given, alpha.
+  virtual HRESULT GetColorValue(float& r, float& g, float& b, float* alpha = nullptr) = 0;
+  virtual HRESULT SetColorValue(float r, float g, float b, float alpha = 1.0f) = 0;
+  /// Vector of `Dimension()` components (2 to 4); unused components read 0.
+  virtual HRESULT GetVectorValue(float (&xyzw)[4]) = 0;
+  virtual HRESULT SetVectorValue(const float (&xyzw)[4]) = 0;
+  virtual int GetVectorDimension() = 0;
+  /// The texture document with a reference for the caller; S_OK with null when none is set.
+  virtual HRESULT GetTextureValue(KEPIPLMDmtDocument*& document) = 0;
+  virtual HRESULT SetTextureValue(KEPIPLMDmtDocument* document) = 0;
+
+  /// The shader node connected to this parameter with a reference for the caller; E_FAIL and
+  /// null when nothing is connected.
+  virtual HRESULT GetConnectedShader(KEPIRshShader*& shader) = 0;
+  /// Connects `shader` (null disconnects).
+  virtual HRESULT SetConnectedShader(KEPIRshShader* shader) = 0;
+};

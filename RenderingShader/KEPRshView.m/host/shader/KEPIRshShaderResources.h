@@ -1,0 +1,12 @@
+#pragma once
+
+#include "KEPIUnknown.h"
+#include "KEPString.h"
+
+/// Metadata that a shader type carries itself, by (parameter name, lower-case resource key).
+class KEPIRshShaderResources : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIRshShaderResources)
+  /// E_FAIL and `value` untouched when the type has no such resource.
+  virtual HRESULT GetResourceValue(const KEPString& parameterName, const KEPString& key,
+                                   KEPUnicodeString& value) = 0;
+};

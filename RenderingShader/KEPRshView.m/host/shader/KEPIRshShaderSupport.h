@@ -1,0 +1,22 @@
+#pragma once
+
+#include <vector>
+
+#include "KEPIUnknown.h"
+#include "KEPString.h"
+#include "KEP_var.h"
+
+class KEPIRshShader;
+
+/// The owner of a document's shader nodes.
+class KEPIRshShaderSupport : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIRshShaderSupport)
+  /// Every node of the document, in creation order.
+  virtual HRESULT GetShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) = 0;
+  /// The node with document identifier `id` (with a reference), or E_FAIL.
+  virtual HRESULT FindShader(const KEPString& id, KEPIRshShader*& shader) = 0;
+  /// Creates a node of library type `typeName` with its default values; `id` empty chooses a
+  /// fresh identifier. E_FAIL for an unknown type or a taken identifier.
+  virtual HRESULT CreateShader(const KEPString& typeName, const KEPString& id,
+                               KEPIRshShader*& shader) = 0;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "KEPBaseUnknown.h"
+
+/// A specification object: knows the object that owns it (a parameter's father is its shader).
+class KEPISpecObject : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPISpecObject)
+  /// The father with a reference for the caller; E_FAIL and null when there is none.
+  virtual HRESULT GetFather(KEPBaseUnknown*& father) = 0;
+};

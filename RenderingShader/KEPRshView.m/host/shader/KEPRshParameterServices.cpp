@@ -1,0 +1,64 @@
+#include "KEPRshParameterServices.h"
+
+#include "KEPIPLMDmtDocument.h"
+#include "KEPIRshParameter.h"
+#include "KEPIRshShader.h"
+#include "KEPISpecObject.h"
+
+KEPIRshShader* KEPRshParameterServices::FindShaderParent(KEPIRshParameter* parameter) {
+  auto spec = KEPQueryVar<KEPISpecObject>(parameter);
+  if (!spec) return nullptr;
+  KEPBaseUnknown* father = nullptr;
+  if (FAILED(spec->GetFather(father)) || !father) return nullptr;
+  KEPIRshShader* shader = KEPQuery<KEPIRshShader>(father);
+  father->Release();
+  return shader;
+}
+
+HRESULT KEPRshParameterServices::RetrieveParameterValue(KEPIRshParameter* parameter,
+                                                        const KEPString& name, float& value) {
+  auto shader = KEP_var<KEPIRshShader>::Adopt(FindShaderParent(parameter));
+  if (!shader) return E_FAIL;
+  KEP_var<KEPIRshParameter> sibling;
+  if (FAILED(shader->GetParameter(name, *sibling.Out()))) return E_FAIL;
+  return sibling->GetScalarValue(value);
+}
+
+HRESULT KEPRshParameterServices::RetrieveGroupList(KEPIRshParameter* parameter,
+                                                   std::vector<KEPString>& groups) {
+  if (!parameter) return E_INVALIDARG;
+  KEP_var<KEPIPLMDmtDocument> document;
+  if (FAILED(parameter->GetTextureValue(*document.Out())) || !document) return E_FAIL;
+  return document->GetGroups(groups);
+}
+
+HRESULT KEPRshParameterServices::RetrieveDpi(KEPIRshParameter* parameter, double& dpi) {
+  dpi = 72.0;
+  if (!parameter) return E_INVALIDARG;
+  KEP_var<KEPIPLMDmtDocument> document;
+  if (SUCCEEDED(parameter->GetTextureValue(*document.Out())) && document) {
+    double stored = 0.0;
+    if (SUCCEEDED(document->GetDpi(stored)) && stored > 0.0) dpi = stored;
+  }
+  return S_OK;
+}
+
+bool KEPRshParameterServices::IsSVGMapPresent(KEPIRshShader* shader) {
+  if (!shader) return false;
+  KEPListP<KEPIRshParameter>* list = nullptr;
+  if (FAILED(shader->GetParameters(list)) || !list) return false;
+  bool found = false;
+  for (int i = 1; i <= list->Size(); ++i) {
+    KEPIRshParameter* p = (*list)[i];
+    KEP_var<KEPIPLMDmtDocument> document;
+    if (!found && p && SUCCEEDED(p->GetTextureValue(*document.Out())) && document) {
+      KEPUnicodeString path;
+      document->GetImagePath(path);
+      const std::string text = KEPToLower(path.ToUTF8());
+      found = text.size() >= 4 && text.compare(text.size() - 4, 4, ".svg") == 0;
+    }
+    if (p) p->Release();
+  }
+  delete list;
+  return found;
+}

@@ -1,0 +1,25 @@
+// Shortcuts over the shader model used by the editors.
+#pragma once
+
+#include <vector>
+
+#include "KEPString.h"
+#include "KEPTypes.h"
+
+class KEPIRshParameter;
+class KEPIRshShader;
+
+class KEPRshParameterServices {
+ public:
+  /// The shader that owns `parameter`, with a reference for the caller, or null.
+  static KEPIRshShader* FindShaderParent(KEPIRshParameter* parameter);
+  /// Scalar value of the sibling parameter `name` in the same shader.
+  static HRESULT RetrieveParameterValue(KEPIRshParameter* parameter, const KEPString& name,
+                                        float& value);
+  /// Layer groups of the texture document held by `parameter`.
+  static HRESULT RetrieveGroupList(KEPIRshParameter* parameter, std::vector<KEPString>& groups);
+  /// Resolution of the texture document held by `parameter`; 72 when none is stored.
+  static HRESULT RetrieveDpi(KEPIRshParameter* parameter, double& dpi);
+  /// True when `shader` has a texture parameter whose image is a vector (SVG) map.
+  static bool IsSVGMapPresent(KEPIRshShader* shader);
+};

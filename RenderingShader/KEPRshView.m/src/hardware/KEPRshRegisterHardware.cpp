@@ -1,0 +1,2 @@
+// Registration of the hardware material and the shader link as extensions of the delegate.
+void KEPRshRegisterHardware() {}

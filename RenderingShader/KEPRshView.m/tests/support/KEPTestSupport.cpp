@@ -1,0 +1,167 @@
+#include "KEPTestSupport.h"
+
+#include "KEPTextureDocument.h"
+
+namespace keptest {
+
+TraceCapture::TraceCapture(int moduleLevel) : previousLevel_(KEPModuleTrace::GetLevel()) {
+  previous_ = KEPTraceSink::Set([this](const KEPTraceEntry& e) { entries_.push_back(e); });
+  KEPModuleTrace::SetLevel(moduleLevel);
+}
+
+TraceCapture::~TraceCapture() {
+  KEPTraceSink::Set(std::move(previous_));
+  KEPModuleTrace::SetLevel(previousLevel_);
+}
+
+std::vector<std::string> TraceCapture::Texts(const std::string& channel) const {
+  std::vector<std::string> texts;
+  for (const auto& e : entries_)
+    if (channel.empty() || e.channel == channel) texts.push_back(e.text);
+  return texts;
+}
+
+bool TraceCapture::Contains(const std::string& fragment) const {
+  for (const auto& e : entries_)
+    if (e.text.find(fragment) != std::string::npos) return true;
+  return false;
+}
+
+void Config(const std::string& id,
+            std::initializer_list<std::pair<std::string, std::string>> kv) {
+  for (const auto& [key, value] : kv) KEPRbaConfiguration::SetValue(id, key, value);
+}
+
+KEPRshValue Boolean(bool v) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Boolean;
+  value.boolean = v;
+  return value;
+}
+KEPRshValue Integer(int v) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Integer;
+  value.integer = v;
+  return value;
+}
+KEPRshValue Scalar(float v) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Scalar;
+  value.scalar = v;
+  return value;
+}
+KEPRshValue Color(float r, float g, float b, float a) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Color;
+  value.components[0] = r;
+  value.components[1] = g;
+  value.components[2] = b;
+  value.components[3] = a;
+  return value;
+}
+KEPRshValue Vector(std::initializer_list<float> components) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Vector;
+  value.dimension = static_cast<int>(components.size());
+  int i = 0;
+  for (float c : components) value.components[i++] = c;
+  for (; i < 4; ++i) value.components[i] = 0.0f;
+  return value;
+}
+KEPRshValue Texture(const std::string& imagePath) {
+  KEPRshValue value;
+  value.type = KEPRmaType::Texture;
+  if (!imagePath.empty())
+    value.texture = KEP_var<KEPIPLMDmtDocument>::Adopt(
+        KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(imagePath)));
+  return value;
+}
+KEPRshValue Void() { return KEPRshValue{}; }
+
+Type::Type(std::string name, std::string configurationId) {
+  definition_.name = std::move(name);
+  definition_.configurationId = std::move(configurationId);
+}
+
+Type& Type::Param(std::string name, KEPRshValue value) {
+  definition_.parameters.push_back({std::move(name), std::move(value), {}});
+  return *this;
+}
+
+Type& Type::Resource(const std::string& parameter, const std::string& key,
+                     const std::string& value) {
+  definition_.hasResources = true;
+  for (auto& p : definition_.parameters)
+    if (p.name == parameter) {
+      p.resources[key] = value;
+      return *this;
+    }
+  ADD_FAILURE() << "no parameter " << parameter << " in type " << definition_.name;
+  return *this;
+}
+
+Type& Type::Resources(bool offered) {
+  definition_.hasResources = offered;
+  return *this;
+}
+
+World::World() : library(std::make_shared<KEPRshShaderLibrary>()) { Rebuild(); }
+
+World::~World() {
+  document_.Reset();
+  KEPRshShaderManager::Install(nullptr);
+}
+
+void World::Rebuild() {
+  KEPRshShaderManager::Install(library);
+  if (!document_) document_ = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
+}
+
+World& World::Add(const Type& type) {
+  EXPECT_TRUE(library->AddType(type.Definition())) << "type added twice";
+  return *this;
+}
+
+World& World::Connectable(
+    const std::string& parameterType,
+    std::initializer_list<std::pair<std::string, std::string>> typeAndLabel) {
+  std::vector<KEPRshConnectableEntry> entries;
+  for (const auto& [type, label] : typeAndLabel) entries.push_back({type, label});
+  library->SetConnectable(parameterType, std::move(entries));
+  return *this;
+}
+
+KEPRshShaderNode* World::Node(const std::string& type, const std::string& id) {
+  KEPIRshShader* shader = nullptr;
+  if (FAILED(document_->CreateShader(type, id, shader))) {
+    ADD_FAILURE() << "cannot create node of type " << type;
+    return nullptr;
+  }
+  shader->Release();  // the document keeps its own reference
+  return document_->FindNode(id.empty() ? document_->Nodes().back()->Id() : id);
+}
+
+KEPRshParameterFeature* World::Param(KEPRshShaderNode* node, const std::string& name) {
+  if (node)
+    for (const auto& p : node->Parameters()) {
+      KEPString pname;
+      p->GetName(pname);
+      if (pname == name) return p.Get();
+    }
+  ADD_FAILURE() << "no parameter " << name;
+  return nullptr;
+}
+
+KEPRshShaderDocument* World::Document() { return document_.Get(); }
+
+void Reset() {
+  KEPRbaConfiguration::Clear();
+  KEPRshShaderManager::Install(nullptr);
+  KEPModuleTrace::SetLevel(0);
+}
+
+std::string SourcePath(const std::string& relative) {
+  return std::string(KEPRSH_SOURCE_ROOT) + "/" + relative;
+}
+
+}  // namespace keptest

@@ -1,0 +1,42 @@
+// The commands of rshview share one set of options and one loaded library and document.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "KEPRshShaderDocument.h"
+#include "KEPRshShaderLibrary.h"
+
+struct RshviewOptions {
+  std::string library;        ///< library directory; default: the bundled sample library
+  std::string doc;            ///< document file; default: the bundled sample document
+  std::string node;           ///< node identifier; empty: the command's default
+  std::string format = "text";  ///< "text" or "json"
+  bool trace = false;         ///< print the module's traces to standard error
+  bool sticker = false;       ///< material: sticker mode
+  std::vector<std::string> arguments;  ///< what is left after the options
+};
+
+struct RshviewContext {
+  RshviewOptions options;
+  std::shared_ptr<KEPRshShaderLibrary> library;
+  KEP_var<KEPRshShaderDocument> document;
+  std::ostream& out;
+  std::ostream& err;
+};
+
+/// One subcommand: runs with a loaded library and document; returns the process exit code.
+struct RshviewCommand {
+  const char* name;
+  const char* summary;  ///< one line for `rshview --help`
+  const char* help;     ///< the command's own help text (its options and what it prints)
+  int (*run)(RshviewContext& context);
+};
+
+/// Every command, in the order `rshview --help` lists them.
+const std::vector<RshviewCommand>& RshviewCommands();
+
+/// Runs rshview with `args` (without the program name); returns the exit code.
+int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
