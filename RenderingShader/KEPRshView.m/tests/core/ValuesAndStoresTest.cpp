@@ -1,0 +1,151 @@
+// Strings, the configuration store, atomic files and the shader model's values and connections.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "KEPAtomicFile.h"
+#include "KEPRbaConfiguration.h"
+#include "KEPRshParameterServices.h"
+#include "KEPTestSupport.h"
+
+namespace {
+using namespace keptest;
+
+TEST(Strings, UnicodeRoundTripAndCase) {
+  const std::string text = "Réflexion 反射 \xF0\x9F\x8E\xA8";
+  EXPECT_EQ(KEPUnicodeString::FromUTF8(text).ToUTF8(), text);
+  EXPECT_EQ(KEPUnicodeString::FromUTF8("\xFF"
+                                       "a")
+                .ToUTF8(),
+            "\xEF\xBF\xBD"
+            "a");
+  EXPECT_EQ(KEPUnicodeString::FromUTF8("cm").ToUpper(), KEPUnicodeString(u"CM"));
+  EXPECT_EQ(KEPToLower("DeG"), "deg");
+}
+
+class Configuration : public Fixture {};
+
+TEST_F(Configuration, HierarchicalLookupAndIntegers) {
+  KEPRbaConfiguration::SetParent("child", "base");
+  Config(
+      "base",
+      {{"x.Min", "1"}, {"x.Max", "9"}, {"n", " 12 "}, {"bad", "12abc"}, {"huge", "99999999999"}});
+  Config("child", {{"x.Min", "2"}});
+  KEPString text = "untouched";
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Min", text), S_OK);
+  EXPECT_EQ(text, "2");
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Max", text), S_OK);
+  EXPECT_EQ(text, "9");
+  text = "untouched";
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Step", text), E_FAIL);
+  EXPECT_EQ(text, "untouched");
+  int n = -1;
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "n", n), S_OK);
+  EXPECT_EQ(n, 12);
+  n = -1;
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "bad", n), E_FAIL);
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "huge", n), E_FAIL);
+  EXPECT_EQ(n, -1);
+}
+
+TEST_F(Configuration, ParentCycleEndsTheWalk) {
+  KEPRbaConfiguration::SetParent("a", "b");
+  KEPRbaConfiguration::SetParent("b", "a");
+  KEPString text;
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("a", "missing", text), E_FAIL);
+}
+
+TEST(AtomicFile, ReplacesWholeFileAndReportsBadDirectory) {
+  const auto dir = std::filesystem::temp_directory_path() / "keprsh-atomic-test";
+  std::filesystem::create_directories(dir);
+  const std::string path = (dir / "out.txt").string();
+  std::string error;
+  ASSERT_TRUE(KEPWriteFileAtomically(path, "first", error)) << error;
+  ASSERT_TRUE(KEPWriteFileAtomically(path, "second", error)) << error;
+  std::ifstream in(path);
+  std::string content((std::istreambuf_iterator<char>(in)), {});
+  EXPECT_EQ(content, "second");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1) << "no temporary left";
+  EXPECT_FALSE(KEPWriteFileAtomically((dir / "no/such/dir/x").string(), "x", error));
+  EXPECT_NE(error.find("no/such/dir/x"), std::string::npos);
+  std::filesystem::remove_all(dir);
+}
+
+class ShaderModel : public Fixture {};
+
+TEST_F(ShaderModel, NumericValuesConvertOthersRefuse) {
+  World world;
+  world.Add(Type("t")
+                .Param("flag", Boolean(true))
+                .Param("n", Integer(3))
+                .Param("s", Scalar(2.5f))
+                .Param("c", Color(0.1f, 0.2f, 0.3f))
+                .Param("v", Vector({1, 2})));
+  KEPRshShaderNode* node = world.Node("t", "n1");
+  float f = -1;
+  EXPECT_EQ(world.Param(node, "flag")->GetScalarValue(f), S_OK);
+  EXPECT_EQ(f, 1.0f);
+  unsigned char b = 0;
+  EXPECT_EQ(world.Param(node, "n")->GetBooleanValue(b), S_OK);
+  EXPECT_EQ(b, 1);
+  EXPECT_EQ(world.Param(node, "s")->SetIntegerValue(7), S_OK);
+  EXPECT_EQ(world.Param(node, "s")->GetScalarValue(f), S_OK);
+  EXPECT_EQ(f, 7.0f);
+  f = -1;
+  EXPECT_EQ(world.Param(node, "c")->GetScalarValue(f), E_FAIL);
+  EXPECT_EQ(f, -1) << "untouched on failure";
+  float r = 0, g = 0, bl = 0;
+  EXPECT_EQ(world.Param(node, "c")->GetColorValue(r, g, bl), S_OK);
+  EXPECT_FLOAT_EQ(g, 0.2f);
+  float xyzw[4] = {9, 9, 9, 9};
+  EXPECT_EQ(world.Param(node, "v")->GetVectorValue(xyzw), S_OK);
+  EXPECT_EQ(xyzw[1], 2.0f);
+  EXPECT_EQ(xyzw[2], 0.0f);
+  EXPECT_EQ(world.Param(node, "v")->GetVectorDimension(), 2);
+  EXPECT_EQ(world.Param(node, "n")->SetScalarValue(std::numeric_limits<float>::quiet_NaN()),
+            E_FAIL);
+}
+
+TEST_F(ShaderModel, ConnectionsFathersAndPointingComponents) {
+  World world;
+  world.Add(Type("mat").Param("slot", Void()).Param("other", Void()))
+      .Add(Type("tex").Param("image", Texture("a.png")));
+  KEPRshShaderNode* mat = world.Node("mat", "m");
+  KEPRshShaderNode* tex = world.Node("tex", "t");
+  auto* slot = world.Param(mat, "slot");
+  ASSERT_EQ(slot->SetConnectedShader(tex), S_OK);
+  world.Param(mat, "other")->SetConnectedShader(tex);
+  std::vector<KEP_var<KEPIRshParameter>> pointing;
+  tex->GetPointingComponents(pointing);
+  EXPECT_EQ(pointing.size(), 2u);
+  KEPIRshShader* connected = nullptr;
+  ASSERT_EQ(slot->GetConnectedShader(connected), S_OK);
+  EXPECT_EQ(connected, static_cast<KEPIRshShader*>(tex));
+  connected->Release();
+  slot->SetConnectedShader(nullptr);
+  tex->GetPointingComponents(pointing);
+  EXPECT_EQ(pointing.size(), 1u);
+
+  auto parent = KEP_var<KEPIRshShader>::Adopt(KEPRshParameterServices::FindShaderParent(slot));
+  EXPECT_EQ(parent.Get(), static_cast<KEPIRshShader*>(mat));
+  double dpi = 0;
+  EXPECT_EQ(KEPRshParameterServices::RetrieveDpi(world.Param(tex, "image"), dpi), S_OK);
+  EXPECT_EQ(dpi, 72.0);
+  // Resources are offered only by types that declare them.
+  EXPECT_FALSE(KEPQueryVar<KEPIRshShaderResources>(static_cast<KEPIRshShader*>(mat)));
+}
+
+TEST_F(ShaderModel, ParameterOutlivingItsNodeHasNoFather) {
+  KEP_var<KEPIRshParameter> kept;
+  {
+    World world;
+    world.Add(Type("t").Param("x", Scalar(1)));
+    kept = KEP_var<KEPIRshParameter>(world.Param(world.Node("t", "a"), "x"));
+  }
+  EXPECT_EQ(KEPRshParameterServices::FindShaderParent(kept.Get()), nullptr);
+  float f = 0;
+  EXPECT_EQ(kept->GetScalarValue(f), S_OK);
+}
+
+}  // namespace
