@@ -2,6 +2,8 @@
 // radian) in which models store values, and a current display unit that the user chooses.
 #pragma once
 
+#include <vector>
+
 #include "KEPIUnknown.h"
 #include "KEPString.h"
 #include "KEPTypes.h"
@@ -10,6 +12,8 @@ class KEPICkeMagnitude;
 
 /// The host's degree-to-radian constant (pi/180).
 extern const double KEPDegreeToRadian;
+/// The host's radian-to-degree constant (180/pi).
+extern const double KEPRadianToDegree;
 
 class KEPICkeUnit : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPICkeUnit)
@@ -38,10 +42,27 @@ class KEPICkeMagnitude : public virtual KEPIUnknown {
 
 class KEPParmDictionary {
  public:
+  /// Names of the magnitudes every host offers, for FindMagnitude.
+  static const KEPUnicodeString LengthType;  ///< "LENGTH", base unit millimetre
+  static const KEPUnicodeString AngleType;   ///< "ANGLE", base unit radian
+
   /// The unit named exactly `name` (borrowed, lives for the process), or null if unknown.
   static KEPICkeUnit* FindUnit(const KEPUnicodeString& name);
   /// The magnitude named exactly `name` (borrowed), or null if unknown.
   static KEPICkeMagnitude* FindMagnitude(const KEPUnicodeString& name);
   /// Restores every magnitude's display unit to its base unit (tests).
   static void ResetCurrentUnits();
+
+  // --- Listing (for tools that offer the user a choice of display unit)
+  /// Every magnitude, in registration order (borrowed).
+  static std::vector<KEPICkeMagnitude*> Magnitudes();
+  /// The distinct units measuring `magnitude`, base unit first (borrowed); empty for null.
+  static std::vector<KEPICkeUnit*> UnitsOf(const KEPICkeMagnitude* magnitude);
+
+  // --- Tests
+  /// Makes the unit registered under `name` unknown to FindUnit (the object itself stays alive,
+  /// so pointers handed out earlier remain valid). Returns false when `name` is not registered.
+  static bool RemoveUnitForTest(const KEPUnicodeString& name);
+  /// Registers again every name removed with RemoveUnitForTest.
+  static void RestoreUnitsForTest();
 };

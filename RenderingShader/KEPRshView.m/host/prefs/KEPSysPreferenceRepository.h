@@ -1,0 +1,76 @@
+// The user's preference repositories: named sets of key -> value, kept in one file in the user's
+// configuration directory and written only when a repository is committed.
+//
+// A value is either a short text or a list of short integers (the group collapse states of the
+// immersive editor are one short each). The file is read on the first request of any repository;
+// each repository keeps the state it last committed apart from its working state, so committing
+// one repository never writes another's uncommitted changes.
+#pragma once
+
+#include <map>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "KEPString.h"
+#include "KEPTypes.h"
+
+class KEPSysPreferenceRepository {
+ public:
+  /// The repository named `name` (borrowed, lives until Unload), created empty on first request.
+  /// Null for an empty name or a name made unavailable with SetUnavailableForTest.
+  static KEPSysPreferenceRepository* GetRepository(const KEPString& name);
+
+  const KEPString& Name() const { return name_; }
+
+  // --- Text values
+  /// The text stored under `key`; E_FAIL with `value` untouched when the key is missing or holds
+  /// short values.
+  HRESULT GetValue(const KEPString& key, KEPString& value) const;
+  /// Stores a text under `key`, replacing what was there; E_INVALIDARG for an empty key.
+  HRESULT SetValue(const KEPString& key, const KEPString& value);
+
+  // --- Short values
+  /// Copies at most `capacity` short values stored under `key` into `values` and returns how many
+  /// were copied: 0 when the key is missing, holds a text, or `values` is null.
+  int ReadSetting(const KEPString& key, short* values, int capacity) const;
+  /// Stores `count` short values under `key` and returns how many were stored: 0 (nothing
+  /// changed) for an empty key, a null `values` or a count below 1.
+  int WriteSetting(const KEPString& key, const short* values, int count);
+
+  // --- Keys
+  bool HasKey(const KEPString& key) const;
+  /// Removes `key`; E_FAIL when it was missing.
+  HRESULT RemoveKey(const KEPString& key);
+  /// Keys of the working state, in lexicographic order.
+  std::vector<KEPString> Keys() const;
+
+  /// Makes the working state the committed state and writes the preference file atomically.
+  /// E_FAIL (traced, naming the file) when the file cannot be written; the working state stays.
+  HRESULT Commit();
+
+  // --- Store administration
+  /// The preference file: $KEPRSH_PREFERENCES when set, else
+  /// $XDG_CONFIG_HOME/rshview/preferences.json, else $HOME/.config/rshview/preferences.json;
+  /// empty when none of those variables is set.
+  static std::string FilePath();
+  /// Forgets every repository; the next request reads the file again (from FilePath as it is
+  /// then). Pointers handed out before become invalid.
+  static void Unload();
+  /// Makes GetRepository answer null for `name` (or available again); survives Unload.
+  static void SetUnavailableForTest(const KEPString& name, bool unavailable);
+
+  using Value = std::variant<KEPString, std::vector<short>>;
+  using Values = std::map<KEPString, Value>;
+
+  KEPSysPreferenceRepository(const KEPSysPreferenceRepository&) = delete;
+  KEPSysPreferenceRepository& operator=(const KEPSysPreferenceRepository&) = delete;
+
+ private:
+  friend struct KEPPreferenceStore;
+  explicit KEPSysPreferenceRepository(KEPString name) : name_(std::move(name)) {}
+
+  KEPString name_;
+  Values values_;     ///< working state
+  Values committed_;  ///< state in the file (or to be written to it)
+};
