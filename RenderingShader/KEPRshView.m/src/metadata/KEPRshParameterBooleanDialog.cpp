@@ -1,0 +1,36 @@
+#include "KEPRshParameterBooleanDialog.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshParameterBooleanDialog, KEPRshParameterDialog, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRmaBoolean")
+
+KEP_DEFINE_TIE(KEPIRshParameterDialog, KEPRshParameterBooleanDialog)
+
+KEPBaseUnknown* KEPRshParameterBooleanDialog::CreateItself() {
+  return new KEPRshParameterBooleanDialog();
+}
+
+KEPRshParameterBooleanDialog::~KEPRshParameterBooleanDialog() {
+  KEPModuleTrace::Trace(
+      2, "(KEPRshParameterBooleanDialog::~KEPRshParameterBooleanDialog) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterBooleanDialog::~KEPRshParameterBooleanDialog) Done\n");
+}
+
+HRESULT KEPRshParameterBooleanDialog::GetTypedDefault(bool& value) {
+  KEPString text;
+  if (FAILED(GetDefault(text))) {
+    // No default configured at all: a boolean is on.
+    value = true;
+    return S_OK;
+  }
+  return KEPRshParameterContext::ParseBoolean(text, value) ? S_OK : E_FAIL;
+}
+
+const char* KEPRshParameterBooleanDialog::DefaultWidgetKind() const {
+  return "check";
+}
+
+std::vector<KEPString> KEPRshParameterBooleanDialog::WidgetKinds() const {
+  return {};
+}

@@ -1,0 +1,32 @@
+#include "KEPRshParameterColorDialog.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshParameterColorDialog, KEPRshParameterDialog, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRmaColor")
+
+KEP_DEFINE_TIE(KEPIRshParameterDialog, KEPRshParameterColorDialog)
+
+KEPBaseUnknown* KEPRshParameterColorDialog::CreateItself() {
+  return new KEPRshParameterColorDialog();
+}
+
+KEPRshParameterColorDialog::~KEPRshParameterColorDialog() {
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterColorDialog::~KEPRshParameterColorDialog) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterColorDialog::~KEPRshParameterColorDialog) Done\n");
+}
+
+HRESULT KEPRshParameterColorDialog::GetTypedDefault(float (&value)[4]) {
+  KEPString text;
+  if (FAILED(GetDefault(text))) return E_FAIL;
+  return KEPRshParameterContext::ParseFourFloats(text, value) ? S_OK : E_FAIL;
+}
+
+const char* KEPRshParameterColorDialog::DefaultWidgetKind() const {
+  return "color";
+}
+
+std::vector<KEPString> KEPRshParameterColorDialog::WidgetKinds() const {
+  return {};
+}

@@ -1,0 +1,34 @@
+#include "KEPRshParameterScalarDialog.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshParameterScalarDialog, KEPRshParameterDialog, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRmaScalar")
+
+KEP_DEFINE_TIE(KEPIRshParameterDialog, KEPRshParameterScalarDialog)
+
+KEPBaseUnknown* KEPRshParameterScalarDialog::CreateItself() {
+  return new KEPRshParameterScalarDialog();
+}
+
+KEPRshParameterScalarDialog::~KEPRshParameterScalarDialog() {
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterScalarDialog::~KEPRshParameterScalarDialog) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterScalarDialog::~KEPRshParameterScalarDialog) Done\n");
+}
+
+HRESULT KEPRshParameterScalarDialog::GetTypedDefault(float& value) {
+  KEPString text;
+  double number = 0.0;
+  if (FAILED(GetDefault(text)) || !KEPRshParameterContext::ParseDouble(text, number)) return E_FAIL;
+  value = static_cast<float>(number);
+  return S_OK;
+}
+
+const char* KEPRshParameterScalarDialog::DefaultWidgetKind() const {
+  return "spinner";
+}
+
+std::vector<KEPString> KEPRshParameterScalarDialog::WidgetKinds() const {
+  return {"slider", "wheel", "blackbody"};
+}

@@ -1,0 +1,26 @@
+#include "KEPRshParameterShaderDialog.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshParameterShaderDialog, KEPRshParameterDialog, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRmaVoid")
+
+KEP_DEFINE_TIE(KEPIRshParameterDialog, KEPRshParameterShaderDialog)
+
+KEPBaseUnknown* KEPRshParameterShaderDialog::CreateItself() {
+  return new KEPRshParameterShaderDialog();
+}
+
+KEPRshParameterShaderDialog::~KEPRshParameterShaderDialog() {
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterShaderDialog::~KEPRshParameterShaderDialog) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterShaderDialog::~KEPRshParameterShaderDialog) Done\n");
+}
+
+const char* KEPRshParameterShaderDialog::DefaultWidgetKind() const {
+  return "shader";
+}
+
+std::vector<KEPString> KEPRshParameterShaderDialog::WidgetKinds() const {
+  return {};
+}

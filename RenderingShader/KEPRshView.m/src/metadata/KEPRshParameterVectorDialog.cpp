@@ -1,0 +1,32 @@
+#include "KEPRshParameterVectorDialog.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshParameterVectorDialog, KEPRshParameterDialog, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRmaVector")
+
+KEP_DEFINE_TIE(KEPIRshParameterDialog, KEPRshParameterVectorDialog)
+
+KEPBaseUnknown* KEPRshParameterVectorDialog::CreateItself() {
+  return new KEPRshParameterVectorDialog();
+}
+
+KEPRshParameterVectorDialog::~KEPRshParameterVectorDialog() {
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterVectorDialog::~KEPRshParameterVectorDialog) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterVectorDialog::~KEPRshParameterVectorDialog) Done\n");
+}
+
+HRESULT KEPRshParameterVectorDialog::GetTypedDefault(float (&value)[4]) {
+  KEPString text;
+  if (FAILED(GetDefault(text))) return E_FAIL;
+  return KEPRshParameterContext::ParseFourFloats(text, value) ? S_OK : E_FAIL;
+}
+
+const char* KEPRshParameterVectorDialog::DefaultWidgetKind() const {
+  return "spinner";
+}
+
+std::vector<KEPString> KEPRshParameterVectorDialog::WidgetKinds() const {
+  return {"vector2d", "sliderx2", "sliderx3", "sliderx4"};
+}
