@@ -1,2 +1,34 @@
 // Registration of the hardware material and the shader link as extensions of the delegate.
-void KEPRshRegisterHardware() {}
+#include "KEPExtensionRegistry.h"
+#include "KEPRshShaderHardwareDefault.h"
+#include "KEPRshShaderHardwareLink.h"
+#include "KEPRshShaderNodeLink.h"
+
+namespace {
+void RegisterMaterial(const char* lateType) {
+  const char* className = KEPRshShaderHardwareDefault::ClassName();
+  KEPExtensionCreator create = &KEPRshShaderHardwareDefault::Create;
+  KEPExtensionRegistry::Register({lateType, KEPIHardwareMaterial::IID().name, className, create,
+                                  &CreateTIEKEPIHardwareMaterialKEPRshShaderHardwareDefault});
+  KEPExtensionRegistry::Register({lateType, KEPIOpenGLShaderMaterial::IID().name, className, create,
+                                  &CreateTIEKEPIOpenGLShaderMaterialKEPRshShaderHardwareDefault});
+  KEPExtensionRegistry::Register({lateType, KEPIRmaMappingManipulator::IID().name, className,
+                                  create,
+                                  &CreateTIEKEPIRmaMappingManipulatorKEPRshShaderHardwareDefault});
+  KEPExtensionRegistry::Register(
+      {lateType, KEPIRmaMappingManipulatorMaterial::IID().name, className, create,
+       &CreateTIEKEPIRmaMappingManipulatorMaterialKEPRshShaderHardwareDefault});
+}
+}  // namespace
+
+void KEPRshRegisterHardware() {
+  // Registering replaces an entry of the same (late type, interface), so this is idempotent.
+  KEPExtensionRegistry::Register(
+      {"KEPRshShaderDelegate", KEPIRshShaderLink::IID().name, KEPRshShaderHardwareLink::ClassName(),
+       &KEPRshShaderHardwareLink::Create, &CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink});
+  RegisterMaterial("KEPRshShaderDelegate");
+  // A shader node connected to a parameter answers the viewer too (the connected-texture
+  // fall-backs ask it): it is linked to itself by the host's node link.
+  KEPRegisterShaderNodeLink();
+  RegisterMaterial("KEPRshShader");
+}

@@ -1,0 +1,55 @@
+// Pixel images read from PNG files: 8-bit RGBA pixels, rows from the top.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "KEPBaseUnknown.h"
+#include "KEPString.h"
+
+/// Read-only state value given to KEPTexturePixelImage::GetImage.
+inline constexpr int KEPReadOnlyState = 1;
+
+class KEPPixelImage : public KEPBaseUnknown {
+  KEP_DECLARE_CLASS
+ public:
+  /// Reads a PNG file; a new image with one reference for the caller, or null when the file is
+  /// missing or not a readable PNG.
+  static KEPPixelImage* Load(const KEPUnicodeString& path);
+
+  int GetWidth() const { return width_; }
+  int GetHeight() const { return height_; }
+  /// width × height × 4 bytes, red, green, blue, alpha.
+  const std::vector<std::uint8_t>& GetPixels() const { return pixels_; }
+
+ protected:
+  KEPPixelImage() = default;
+  /// Decodes `path` into this image; false (image left empty) on any failure.
+  bool Read(const KEPUnicodeString& path);
+
+ private:
+  int width_ = 0;
+  int height_ = 0;
+  std::vector<std::uint8_t> pixels_;
+};
+
+/// An image used as a texture. Images are shared: asking twice for the same path gives the same
+/// image while the first is cached (see FlushCache).
+class KEPTexturePixelImage : public KEPPixelImage {
+  KEP_DECLARE_CLASS
+ public:
+  /// The image of the PNG file `path` with one reference for the caller, or null when the file
+  /// is missing or unreadable (a failure is not remembered: the next call tries again).
+  /// `readOnlyState` is KEPReadOnlyState for images the caller will not modify.
+  static KEPTexturePixelImage* GetImage(const KEPUnicodeString& path, int readOnlyState);
+  /// Forgets every cached image (images still referenced elsewhere stay alive).
+  static void FlushCache();
+
+  const KEPUnicodeString& GetPath() const { return path_; }
+  int GetReadOnlyState() const { return readOnlyState_; }
+
+ private:
+  KEPTexturePixelImage() = default;
+  KEPUnicodeString path_;
+  int readOnlyState_ = 0;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "KEPString.h"
+#include "KEPTypes.h"
+
+class KEPIPLMDmtDocument;
+
+/// Services on image documents and image paths.
+class KEPRbaImageServices {
+ public:
+  /// The image file path of a texture document; E_FAIL (path untouched) for a null document or
+  /// one without a path.
+  static HRESULT GetProjectionPath(KEPIPLMDmtDocument* document, KEPUnicodeString& path);
+
+  /// Splits `path` at the last "." of its last component. `base` keeps the directory (everything
+  /// before that dot), `extension` is the text after it without the dot, so that base + "." +
+  /// extension gives the path back. A last component without a dot gives base = path and an
+  /// empty extension. Both separators "/" and "\" end a component.
+  static void SplitPath(const KEPUnicodeString& path, KEPUnicodeString& base,
+                        KEPUnicodeString& extension);
+};

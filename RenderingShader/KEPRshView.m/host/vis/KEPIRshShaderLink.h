@@ -1,0 +1,14 @@
+#pragma once
+
+#include "KEPIUnknown.h"
+
+class KEPIRshShader;
+
+/// Links a component (a shader delegate) to the shader node it stands for.
+class KEPIRshShaderLink : public virtual KEPIUnknown {
+  KEP_DECLARE_INTERFACE(KEPIRshShaderLink)
+  /// Holds `shader` (one reference) instead of the previous one; E_FAIL for a null shader.
+  virtual HRESULT SetShader(KEPIRshShader* shader) = 0;
+  /// The held shader with a reference for the caller; E_FAIL, `out` untouched, when none.
+  virtual HRESULT GetShader(KEPIRshShader*& out) = 0;
+};

@@ -1,0 +1,34 @@
+#include "KEPRshShaderNodeLink.h"
+
+#include "KEPExtensionRegistry.h"
+#include "KEPIRshShader.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshShaderNodeLink, KEPBaseUnknown, "KEPNull", "System",
+                       KEPClassKind_Extension, "KEPRshShader")
+
+KEPBaseUnknown* KEPRshShaderNodeLink::Create() {
+  return new KEPRshShaderNodeLink();
+}
+
+HRESULT KEPRshShaderNodeLink::SetShader(KEPIRshShader*) {
+  return E_FAIL;
+}
+
+HRESULT KEPRshShaderNodeLink::GetShader(KEPIRshShader*& out) {
+  KEPBaseUnknown* node = GetExtendedObject();
+  if (!node) return E_FAIL;
+  // The node's own interface, never an extension: a node is a KEPIRshShader by itself.
+  auto* shader = dynamic_cast<KEPIRshShader*>(node);
+  if (!shader) return E_FAIL;
+  shader->AddRef();
+  out = shader;
+  return S_OK;
+}
+
+KEP_DEFINE_TIE(KEPIRshShaderLink, KEPRshShaderNodeLink)
+
+void KEPRegisterShaderNodeLink() {
+  KEPExtensionRegistry::Register({"KEPRshShader", KEPIRshShaderLink::IID().name,
+                                  KEPRshShaderNodeLink::ClassName(), &KEPRshShaderNodeLink::Create,
+                                  &CreateTIEKEPIRshShaderLinkKEPRshShaderNodeLink});
+}

@@ -1,0 +1,28 @@
+#include "KEPRshShaderHardwareDefault.h"
+
+#include "KEPTrace.h"
+
+KEP_IMPLEMENT_CLASS_EX(KEPRshShaderHardwareDefault, KEPRshShaderHardwareExt, "KEPNull",
+                       "RenderingShader", KEPClassKind_Extension, "KEPRshShaderDelegate")
+
+KEPBaseUnknown* KEPRshShaderHardwareDefault::Create() {
+  return new KEPRshShaderHardwareDefault();
+}
+
+KEPBaseUnknown* KEPRshShaderHardwareDefault::CreateItself() {
+  return Create();
+}
+
+// The base's own work (releasing the parameters) is done here, between the two traces, so that
+// "Done" follows it; the base destructor then finds nothing left to release.
+KEPRshShaderHardwareDefault::~KEPRshShaderHardwareDefault() {
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshShaderHardwareDefault::~KEPRshShaderHardwareDefault) Destructor\n");
+  CleanUp();
+  KEPModuleTrace::Trace(2, "(KEPRshShaderHardwareDefault::~KEPRshShaderHardwareDefault) Done\n");
+}
+
+KEP_DEFINE_TIE(KEPIHardwareMaterial, KEPRshShaderHardwareDefault)
+KEP_DEFINE_TIE(KEPIOpenGLShaderMaterial, KEPRshShaderHardwareDefault)
+KEP_DEFINE_TIE(KEPIRmaMappingManipulator, KEPRshShaderHardwareDefault)
+KEP_DEFINE_TIE(KEPIRmaMappingManipulatorMaterial, KEPRshShaderHardwareDefault)

@@ -1,0 +1,219 @@
+// KEPRshShaderHardwareExt: the hardware material of a shader node, as the viewer sees it.
+//
+// Used as an extension of a component that also carries a KEPIRshShaderLink; every answer is
+// computed from the typed parameters of the linked shader. A shader whose type name begins with
+// "MPM" (a physical shader) is read through its slot, BRDF and plain mapping parameters; any
+// other through the "_uv_mapping" family, falling back on the texture shader connected to one of
+// its parameters.
+#pragma once
+
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "KEPBaseUnknown.h"
+#include "KEPIHardwareMaterial.h"
+#include "KEPIOpenGLShaderMaterial.h"
+#include "KEPIRmaMappingManipulator.h"
+#include "KEPIRmaMappingManipulatorMaterial.h"
+#include "KEPIRshParameter.h"
+#include "KEPListP.h"
+#include "KEPVisTypes.h"
+
+class KEPIRshShader;
+class KEPIRshShaderLink;
+
+class KEPRshShaderHardwareExt : public KEPBaseUnknown,
+                                public KEPIHardwareMaterial,
+                                public KEPIOpenGLShaderMaterial,
+                                public KEPIRmaMappingManipulator,
+                                public KEPIRmaMappingManipulatorMaterial {
+  KEP_DECLARE_CLASS
+ public:
+  KEPRshShaderHardwareExt();
+  KEPRshShaderHardwareExt(const KEPRshShaderHardwareExt& other);
+  KEPRshShaderHardwareExt& operator=(const KEPRshShaderHardwareExt& other);
+  ~KEPRshShaderHardwareExt() override;
+
+  /// Null: the class is only ever instantiated through a derived extension.
+  virtual KEPBaseUnknown* CreateItself();
+
+  /// Forgets the parameters when the component moves from a live state to deleted (2).
+  HRESULT ChangeComponentState(int from, int to, const void* context) override;
+
+  // --- Lighting (KEPIHardwareMaterial)
+  void GetAmbient(float& coefficient, float* const color) override;
+  void GetDiffuse(float& coefficient, float* const color) override;
+  void GetSpecular(float& coefficient, float* const color, float& glossiness) override;
+  float GetTransparencyCoef() override;
+  float GetReflectivityCoef() override;
+  KEPRmaEnvironmentPixelImage* GetEnvironmentMap() override;
+  void GetNonLinearReflection(float& a, float& b) override;
+  int GetReflectionType() override;
+
+  // --- Texture (KEPIHardwareMaterial)
+  KEPTexturePixelImage* GetTextureImage() override;
+  void GetTextureWrapping(int& u, int& v) override;
+  void GetTextureFlip(unsigned char& u, unsigned char& v) override;
+  void GetTexturePosition(float& u, float& v) override;
+  void GetTextureSize(float& u, float& v) override;
+  float GetTextureAngle() override;
+
+  // --- Program and its parameters (KEPIOpenGLShaderMaterial)
+  KEPUnicodeString GetExternalShader() override;
+  int CheckExternalShaderImagesLink(KEPString& name) override;
+  int IsModifiedExternalShaderImageLink(int position) override;
+  void GetShaderFloatParameter(int position, float& value) override;
+  int CheckShaderFloatParameter(KEPString& name) override;
+  int IsModifiedShaderFloatParameter(int position) override;
+  void GetExternalShaderImageLink(int position, KEPIPLMDmtDocument*& document) override;
+  void GetExternalShaderImageLink(int position, KEPUnicodeString& path) override;
+  int CheckShaderColorParameter(KEPString& name) override;
+  int IsModifiedShaderColorParameter(int position) override;
+  void GetShaderColorParameter(int position, float& r, float& g, float& b) override;
+
+  // --- Texture placement (KEPIRmaMappingManipulator)
+  HRESULT GetMappingType(short& type) override;
+  HRESULT GetRatio(double& ratio) override;
+  HRESULT GetRotation(double& angle) override;
+  HRESULT GetScale(double& scale) override;
+  HRESULT GetFlipU(unsigned char& flip) override;
+  HRESULT GetFlipV(unsigned char& flip) override;
+  HRESULT GetTranslationU(double& translation) override;
+  HRESULT GetTranslationV(double& translation) override;
+  HRESULT GetSize(double& size) override;
+  HRESULT SetSize(const double& size) override;
+  HRESULT SetTranslationU(double& translation) override;
+  HRESULT SetTranslationV(double& translation) override;
+
+  // --- Material side of the placement (KEPIRmaMappingManipulatorMaterial)
+  HRESULT GetColor(double& r, double& g, double& b) override;
+  HRESULT GetTransparentColor(double& r, double& g, double& b) override;
+  HRESULT GetUseTranparentColor(unsigned char& use) override;
+  HRESULT GetLuminosity(double& luminosity) override;
+  HRESULT GetContrast(double& contrast) override;
+  HRESULT GetShininess(double& shininess) override;
+  HRESULT GetTransparency(double& transparency) override;
+  HRESULT GetTextureRepeat(unsigned char& repeat) override;
+  KEPTexturePixelImage* GetTexturePixelImage() override;
+
+  // --- Sticker mode: a sticker draws with the "_Stk" sibling of the program file
+  unsigned char IsStickerMode() override;
+  void SetStickerMode(unsigned char sticker) override;
+
+  // --- Operations with fixed results: the viewer cannot change a shader through this object,
+  // and it offers no internal images, string parameters or parameter counts.
+  HRESULT GetMatrix(KEPMathTransformation& matrix) override;
+  HRESULT SetMatrix(const KEPMathTransformation& matrix) override;
+  HRESULT SetExternalShaderImageLink(int position, KEPUnicodeString& path) override;
+  HRESULT SetInternalShaderImageLink(int position, KEPUnicodeString& path) override;
+  int CheckInternalShaderImagesLink(KEPString& name) override;
+  int CheckShaderStringParameter(KEPString& name) override;
+  int GetExternalShaderStatus() override;
+  int GetExternalShaderType() override;
+  int GetNbExternalShaderImageParamName() override;
+  int GetNbExternalShaderImagesLink() override;
+  int GetNbInternalShaderImageParamName() override;
+  int GetNbInternalShaderImagesLink() override;
+  int GetShaderColorNbParameter() override;
+  int GetShaderFloatNbParameter() override;
+  int GetShaderStringNbParameter() override;
+  int GetShaderType() override;
+  int IsModifiedInternalShaderImageLink(int position) override;
+  int IsModifiedShaderISLFile() override;
+  int IsModifiedShaderStringParameter(int position) override;
+  int IsResetParametersShaderISLFile() override;
+  KEPILinkableObject* GetExternalShaderLink() override;
+  int UpdateSubstanceOutputMaps(const KEPString& output) override;
+  int UseTextureRatio() override;
+  KEPUnicodeString GetPrevShaderExtFile() override;
+  KEPUnicodeString GetShaderISLFile() override;
+  KEPString GetExternalShaderImagesLinkName(int position) override;
+  KEPString GetInternalShaderImagesLinkName(int position) override;
+  KEPString GetShaderColorParameterName(int position) override;
+  KEPString GetShaderFloatParameterName(int position) override;
+  KEPString GetShaderStringParameterName(int position) override;
+  void GenerateSubstanceOutputMaps(unsigned char generate) override;
+  void GetInternalShaderImageLink(int position, KEPIPLMDmtDocument*& document) override;
+  void GetInternalShaderImageLink(int position, KEPUnicodeString& path) override;
+  void GetShaderStringParameter(int position, KEPUnicodeString& value) override;
+  void ModifyExternalShaderImageLink(int position, KEPIPLMDmtDocument* document, int mode) override;
+  void ModifyExternalShaderImageLink(int position, KEPUnicodeString& path, int mode) override;
+  void ModifyExternalShaderLink(KEPIPLMDmtDocument* document) override;
+  void ModifyInternalShaderImageLink(int position, KEPIPLMDmtDocument* document) override;
+  void ModifyInternalShaderImageLink(int position, KEPUnicodeString& path) override;
+  void ModifyShaderColorParameter(int position, float r, float g, float b, int mode) override;
+  void ModifyShaderFloatParameter(int position, float value, int mode) override;
+  void ModifyShaderISLFile(KEPUnicodeString& path) override;
+  void ModifyShaderStringParameter(int position, KEPUnicodeString& value, int mode) override;
+  void ResetParametersExternalShader(int mode) override;
+  void ResetParametersInternalShader() override;
+  void SetExternalShaderImageLink(int position, KEPIPLMDmtDocument* document) override;
+  void SetExternalShaderImagesLinkName(int position, KEPUnicodeString& name) override;
+  void SetExternalShaderLink(KEPIPLMDmtDocument* document) override;
+  void SetInternalShaderImageLink(int position, KEPIPLMDmtDocument* document) override;
+  void SetInternalShaderImagesLinkName(int position, KEPUnicodeString& name) override;
+  void SetShaderColorParameter(int position, float r, float g, float b) override;
+  void SetShaderFloatParameter(int position, float value) override;
+  void SetShaderISLFile(KEPUnicodeString& path) override;
+  void SetShaderStringParameter(int position, KEPUnicodeString& path) override;
+
+  /// Test hook: forgets the process-wide caches (the "KEPStartupPath" value and the directory
+  /// lists built from it) so that the next search reads the environment again. Only for tests:
+  /// the host never calls it, and it must not run while another search is in progress.
+  static void ResetProcessCachesForTests();
+
+ protected:
+  /// Reads the linked shader's parameters on first use (see the .cpp for the steps).
+  void Init();
+  /// Releases the parameter references and forgets the list; names and program file stay.
+  void CleanUp();
+  /// Parameter at position i (1-based, borrowed, possibly null), after Init.
+  KEPIRshParameter* GetParameter(int i);
+  /// First parameter whose name is `name` (exact, case-sensitive; borrowed), after Init.
+  KEPIRshParameter* GetParameter(std::string_view name);
+  /// Position (1-based) of `name` in the parameter names, or -1. Does not call Init.
+  int CheckParameter(std::string_view name);
+  /// 2 when position i holds a parameter, else 3.
+  int IsModifiedParameter(int i);
+  /// The material of the first shader connected to one of the parameters, with a reference for
+  /// the caller, or null.
+  KEPIHardwareMaterial* GetConnectedTexture();
+
+  /// True when the linked shader's type name begins with "MPM" (asked afresh on every call).
+  bool IsPhysicalShader();
+  /// The linked shader's type name; empty without a link or a shader.
+  KEPString GetLinkedTypeName();
+
+ private:
+  KEPIRshShaderLink* FindLink();
+  bool FindShaderFile(std::string_view baseName, KEPUnicodeString& found);
+  void AppendName(KEPString name);
+  void CopyFrom(const KEPRshShaderHardwareExt& other);
+  /// Reads "default_slot_diffuse_color" for GetColor and GetTransparentColor.
+  HRESULT GetDiffuseColor(double& r, double& g, double& b);
+  /// Runs `ask` on the connected texture's material; false when there is none, or when this
+  /// object is already asking one (a cycle of connections ends there).
+  template <class Interface, class Ask>
+  bool AskConnectedTexture(Ask&& ask);
+
+  KEPListValKEPString parameterNames_;
+  KEPListP<KEPIRshParameter>* parameters_ = nullptr;
+  KEPUnicodeString shaderFile_;
+  KEPString shaderType_;
+  unsigned char stickerMode_ = 0;
+
+  // Derived from the members above to keep the per-frame questions fast; rebuilt with them.
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
+  };
+  /// Name -> first position in parameterNames_.
+  std::unordered_map<KEPString, int, NameHash, std::equal_to<>> firstPosition_;
+  /// Positions of the parameters whose type name is "KEPRmaTexture", ascending.
+  std::vector<int> texturePositions_;
+  /// The sibling link extension of the component (borrowed: it lives as long as we do).
+  KEPIRshShaderLink* link_ = nullptr;
+  /// Set while a question is passed on to the connected texture.
+  bool askingConnected_ = false;
+};

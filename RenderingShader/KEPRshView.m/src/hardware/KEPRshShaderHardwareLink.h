@@ -1,0 +1,32 @@
+// KEPRshShaderHardwareLink: the extension of "KEPRshShaderDelegate" that holds the shader node
+// the delegate stands for.
+#pragma once
+
+#include "KEPBaseUnknown.h"
+#include "KEPExtensionRegistry.h"
+#include "KEPIRshShaderLink.h"
+
+class KEPRshShaderHardwareLink : public KEPBaseUnknown, public KEPIRshShaderLink {
+  KEP_DECLARE_CLASS
+ public:
+  /// A new extension object with one reference, for the extension registry.
+  static KEPBaseUnknown* Create();
+  KEPRshShaderHardwareLink() = default;
+  ~KEPRshShaderHardwareLink() override;
+
+  /// Holds `shader` with one reference, releasing the previous one; E_FAIL for null.
+  HRESULT SetShader(KEPIRshShader* shader) override;
+  /// The held shader with a reference for the caller; E_FAIL (out untouched) when none.
+  HRESULT GetShader(KEPIRshShader*& out) override;
+  /// Releases the shader when the component moves from a live state to deleted (2).
+  HRESULT ChangeComponentState(int from, int to, const void* context) override;
+
+ private:
+  KEPRshShaderHardwareLink(const KEPRshShaderHardwareLink&) = delete;
+  KEPRshShaderHardwareLink& operator=(const KEPRshShaderHardwareLink&) = delete;
+  void ReleaseShader();
+
+  KEPIRshShader* shader_ = nullptr;
+};
+
+KEP_DECLARE_TIE(KEPIRshShaderLink, KEPRshShaderHardwareLink)
