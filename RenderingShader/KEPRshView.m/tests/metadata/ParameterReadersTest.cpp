@@ -14,6 +14,8 @@ class ReadersTest : public MetadataTest {
  protected:
   void SetUp() override {
     MetadataTest::SetUp();
+    // The fixture's reset ran after the world was built: give the world its manager back.
+    KEPRshShaderManager::Install(world.library);
     world.Add(Type("plain", "plainCfg")
                   .Param("x", Scalar(1))
                   .Param("n", Integer(0))
