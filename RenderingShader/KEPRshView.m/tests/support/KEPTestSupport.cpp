@@ -1,5 +1,12 @@
 #include "KEPTestSupport.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "KEPParmDictionary.h"
+#include "KEPSysPreferenceRepository.h"
 #include "KEPTextureDocument.h"
 
 namespace keptest {
@@ -158,6 +165,18 @@ void Reset() {
   KEPRbaConfiguration::Clear();
   KEPRshShaderManager::Install(nullptr);
   KEPModuleTrace::SetLevel(0);
+  // Units as a new session finds them; preferences in a file of this test process, empty at the
+  // start of every test (never the user's own file).
+  KEPParmDictionary::RestoreUnitsForTest();
+  KEPParmDictionary::ResetCurrentUnits();
+  static const std::string preferences =
+      (std::filesystem::temp_directory_path() /
+       ("keprsh-test-" + std::to_string(::getpid()) + "-preferences.json"))
+          .string();
+  ::setenv("KEPRSH_PREFERENCES", preferences.c_str(), 1);
+  std::error_code ec;
+  std::filesystem::remove(preferences, ec);
+  KEPSysPreferenceRepository::Unload();
 }
 
 std::string SourcePath(const std::string& relative) {

@@ -84,7 +84,8 @@ class World {
   KEP_var<KEPRshShaderDocument> document_;
 };
 
-/// Clears the configuration store, uninstalls the shader manager and the trace sink.
+/// Clears the configuration store, uninstalls the shader manager and the trace sink, restores the
+/// units' display units, and points the preference repositories at an empty file of this process.
 void Reset();
 
 /// Fixture that resets process-wide state before and after each test.
