@@ -1,0 +1,17 @@
+// Reading a whole text file for the loaders, with a size limit so that a wrong path to a huge
+// file fails quickly instead of filling memory.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+class KEPFileText {
+ public:
+  static constexpr std::size_t kMaxBytes = 64u * 1024u * 1024u;
+
+  /// Reads `path` into `content`. On failure returns false with `message` ("cannot open ...",
+  /// "not a regular file", "larger than 64 MiB", "read error").
+  static bool Read(const std::string& path, std::string& content, std::string& message);
+  /// True when `text` is valid UTF-8; `line` receives the 1-based line of the first fault.
+  static bool IsValidUTF8(const std::string& text, int& line);
+};

@@ -1,0 +1,343 @@
+// Loading the configuration directory, the shader library and documents: the bundled sample loads
+// cleanly, every kind of bad input is refused with "file:line: key 'k': message", and a saved
+// document reads back the same.
+#include <unistd.h>
+#include <filesystem>
+#include <fstream>
+
+#include "KEPConfigurationLoader.h"
+#include "KEPJsonReader.h"
+#include "KEPShaderDocumentLoader.h"
+#include "KEPShaderDocumentWriter.h"
+#include "KEPShaderLibraryLoader.h"
+#include "KEPTestSupport.h"
+
+namespace {
+namespace fs = std::filesystem;
+
+std::string DataPath(const std::string& name) {
+  return keptest::SourcePath("RenderingShader/KEPRshView.m/tests/library/data/" + name);
+}
+
+/// A scratch directory removed at the end of the test.
+class TempDir {
+ public:
+  TempDir() {
+    path_ = fs::temp_directory_path() /
+            ("keprsh_library_" + std::to_string(::getpid()) + "_" + std::to_string(counter_++));
+    fs::create_directories(path_);
+  }
+  ~TempDir() {
+    std::error_code ec;
+    fs::remove_all(path_, ec);
+  }
+  std::string Write(const std::string& name, const std::string& content) const {
+    const fs::path file = path_ / name;
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file.string();
+  }
+  std::string Path() const { return path_.string(); }
+
+ private:
+  fs::path path_;
+  static inline int counter_ = 0;
+};
+
+bool HasError(const KEPLoadResult& result, const std::string& fragment) {
+  for (const std::string& error : result.Errors())
+    if (error.find(fragment) != std::string::npos) return true;
+  return false;
+}
+
+std::shared_ptr<KEPRshShaderLibrary> SampleLibrary() {
+  auto library = std::make_shared<KEPRshShaderLibrary>();
+  const KEPLoadResult result =
+      KEPShaderLibraryLoader::Load(keptest::SourcePath("samples/library"), *library);
+  EXPECT_TRUE(result.Ok()) << result.Text();
+  return library;
+}
+
+class LibraryLoader : public keptest::Fixture {};
+
+TEST_F(LibraryLoader, BundledSampleLoadsWithoutErrors) {
+  const KEPLoadResult config =
+      KEPConfigurationLoader::LoadDirectory(keptest::SourcePath("samples/library/config"));
+  ASSERT_TRUE(config.Ok()) << config.Text();
+  auto library = SampleLibrary();
+  KEP_var<KEPRshShaderDocument> document;
+  const std::string docPath = keptest::SourcePath("samples/documents/showroom.rshdoc.json");
+  std::string libraryDir;
+  ASSERT_TRUE(KEPShaderDocumentLoader::ReadLibraryPath(docPath, libraryDir).Ok());
+  EXPECT_EQ(fs::path(libraryDir),
+            fs::path(keptest::SourcePath("samples/library")).lexically_normal());
+  const KEPLoadResult loaded = KEPShaderDocumentLoader::Load(docPath, library, document);
+  ASSERT_TRUE(loaded.Ok()) << loaded.Text();
+
+  // Hierarchical configuration: "_uv_angle.Unit" comes from the parent configuration.
+  KEPString unit;
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("mia_phen_material", "_uv_angle.Unit", unit),
+            S_OK);
+  EXPECT_EQ(unit, "deg");
+  // Resources make the frosted glass nodes offer KEPIRshShaderResources.
+  EXPECT_TRUE(library->FindType("mia_phen_frosted_glass")->hasResources);
+  EXPECT_FALSE(library->FindType("MPM_car_paint")->hasResources);
+
+  EXPECT_EQ(document->materials,
+            (std::vector<std::string>{"red_paint", "floor", "window", "key_light"}));
+  KEPRshShaderNode* paint = document->FindNode("red_paint");
+  ASSERT_NE(paint, nullptr);
+  KEPUnicodeString alias;
+  paint->GetAlias(alias);
+  EXPECT_EQ(alias.ToUTF8(), "Red metallic paint");
+  KEP_var<KEPIRshParameter> slot;
+  ASSERT_EQ(paint->GetParameter("default_slot_diffuse_texture", *slot.Out()), S_OK);
+  KEP_var<KEPIRshShader> decal;
+  ASSERT_EQ(slot->GetConnectedShader(*decal.Out()), S_OK);
+  KEPString decalId;
+  decal->GetId(decalId);
+  EXPECT_EQ(decalId, "red_paint.decal");
+  // The texture image is resolved against the document's directory.
+  KEP_var<KEPIRshParameter> texture;
+  ASSERT_EQ(decal->GetParameter("texture", *texture.Out()), S_OK);
+  KEP_var<KEPIPLMDmtDocument> image;
+  ASSERT_EQ(texture->GetTextureValue(*image.Out()), S_OK);
+  KEPUnicodeString imagePath;
+  image->GetImagePath(imagePath);
+  EXPECT_EQ(
+      fs::path(imagePath.ToUTF8()),
+      fs::path(keptest::SourcePath("samples/startup/textures/checker.png")).lexically_normal());
+  double dpi = 0;
+  EXPECT_EQ(image->GetDpi(dpi), S_OK);
+  EXPECT_EQ(dpi, 150.0);
+}
+
+TEST_F(LibraryLoader, ConfigurationFaultsNameFileLineAndKey) {
+  const std::string file = DataPath("bad_config/config/broken.cfg");
+  const KEPLoadResult result = KEPConfigurationLoader::LoadDirectory(DataPath("bad_config/config"));
+  ASSERT_FALSE(result.Ok());
+  EXPECT_TRUE(HasError(result, file + ":3: expected 'Key = Value'")) << result.Text();
+  EXPECT_TRUE(HasError(result, file + ":4: key 'roughness.Min': repeated key (first at line 2)"))
+      << result.Text();
+  EXPECT_TRUE(HasError(result, file + ":5: key 'roughness.Step': 'nan' is not a finite number"))
+      << result.Text();
+  EXPECT_TRUE(HasError(result, file + ":6: key 'GroupCount':")) << result.Text();
+  EXPECT_TRUE(HasError(result, file + ":7: key '@include': unknown directive")) << result.Text();
+  // Nothing of a faulty directory reaches the store.
+  EXPECT_FALSE(KEPRbaConfiguration::HasConfiguration("broken"));
+}
+
+TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
+  const KEPLoadResult cycle =
+      KEPConfigurationLoader::LoadDirectory(DataPath("config_cycle/config"));
+  EXPECT_TRUE(HasError(cycle, "a.cfg:1: key '@parent': parent cycle: a -> b -> a")) << cycle.Text();
+  EXPECT_FALSE(KEPRbaConfiguration::HasConfiguration("a"));
+
+  TempDir dir;
+  dir.Write("config/child.cfg", "# comment\n\n@parent = nowhere\nx.Widget = slider\n");
+  const KEPLoadResult missing = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
+  EXPECT_TRUE(HasError(missing,
+                       "child.cfg:3: key '@parent': parent configuration 'nowhere' does "
+                       "not exist"))
+      << missing.Text();
+
+  dir.Write("config/nowhere.cfg", "x.Min = -1\n");
+  ASSERT_TRUE(KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config").Ok());
+  KEPString value;
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Min", value), S_OK);
+  EXPECT_EQ(value, "-1");
+
+  const KEPLoadResult absent = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/nothing");
+  EXPECT_TRUE(HasError(absent, "configuration directory does not exist"));
+}
+
+TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
+  const KEPLoadResult bad = [] {
+    KEPRshShaderLibrary library;
+    return KEPShaderLibraryLoader::Load(DataPath("bad_library"), library);
+  }();
+  EXPECT_TRUE(HasError(bad, "library.json:6: key 'type': unknown parameter type 'KEPRmaColour'"))
+      << bad.Text();
+
+  struct Case {
+    const char* json;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"{\"shaderTypes\": {\n\"a\": {\"parameters\": []},\n\"a\": {\"parameters\": []}}}",
+       ":3: key 'a': repeated key"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaScalar\","
+       " \"default\": 1e999}]}}}",
+       ":2: key 'default': number out of range"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaColor\","
+       " \"default\": [1, 2]}]}}}",
+       ":2: key 'default': parameter 'x' of type KEPRmaColor: expected a colour"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaScalar\","
+       " \"default\": 1e300}]}}}",
+       "expected a finite number within the single-precision range"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": "
+       "\"KEPRmaScalar\"},"
+       "\n{\"name\": \"x\", \"type\": \"KEPRmaBoolean\"}]}}}",
+       ":3: key 'name': repeated parameter name 'x'"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": []}},\n\"connectable\": {\"KEPRmaVoid\": "
+       "[{\"type\": \"ghost\"}]}}",
+       ":2: key 'type': unknown shader type 'ghost'"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [],\n \"colour\": 1}}}",
+       ":2: key 'colour': unknown key in shader type 'a'"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaScalar\","
+       " \"resources\": {\"min\": 0}}]}}}",
+       ":2: key 'min': expected a string, found number"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\" \"type\": 1}]}}}",
+       ":2: key 'name': expected ',' or '}'"},
+      {"{\"shaderTypes\": {}}\n,", ":2: unexpected text after the end of the document"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [",
+       ":1: key 'parameters': unexpected end of file"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaVector\","
+       " \"default\": [1, 2, 3, 4, 5]}]}}}",
+       "expected a vector [x, y], [x, y, z] or [x, y, z, w]"},
+  };
+  for (const Case& c : cases) {
+    TempDir dir;
+    const std::string file = dir.Write("library.json", c.json);
+    KEPRshShaderLibrary library;
+    const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
+    EXPECT_TRUE(HasError(result, file) && HasError(result, c.expected))
+        << "input: " << c.json << "\nerrors:\n"
+        << result.Text();
+    EXPECT_TRUE(library.Types().empty()) << "a failed load leaves the library untouched";
+  }
+}
+
+TEST_F(LibraryLoader, DeepNestingIsRefusedWithoutCrashing) {
+  TempDir dir;
+  dir.Write("library.json", std::string(100000, '[') + std::string(100000, ']'));
+  KEPRshShaderLibrary library;
+  const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
+  EXPECT_TRUE(HasError(result, "nesting deeper than 64 levels")) << result.Text();
+}
+
+TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
+  auto library = SampleLibrary();
+  KEP_var<KEPRshShaderDocument> document;
+  const KEPLoadResult cycle =
+      KEPShaderDocumentLoader::Load(DataPath("documents/cycle.rshdoc.json"), library, document);
+  EXPECT_TRUE(HasError(cycle,
+                       "cycle.rshdoc.json:4: key 'diffuse_texture': connection cycle: a -> "
+                       "b -> a"))
+      << cycle.Text();
+  EXPECT_FALSE(document) << "a failed load hands out no document";
+
+  const KEPLoadResult noLibrary = KEPShaderDocumentLoader::Load(
+      DataPath("documents/missing_library.rshdoc.json"), library, document);
+  EXPECT_TRUE(HasError(noLibrary, ":2: key 'library': library path '")) << noLibrary.Text();
+  EXPECT_TRUE(HasError(noLibrary, "does not exist")) << noLibrary.Text();
+
+  struct Case {
+    const char* json;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"{\"materials\": [\n{\"id\": \"m\", \"type\": \"mia_phen_materiel\"}]}",
+       ":2: key 'type': unknown shader type 'mia_phen_materiel'"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\",\n\"values\": "
+       "{\"difuse\": [1, 1, 1]}}]}",
+       ":2: key 'difuse': unknown parameter name for shader type 'mia_phen_material'"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"values\": {\n"
+       "\"brdf_fresnel\": 1}}]}",
+       ":2: key 'brdf_fresnel': KEPRmaBoolean: expected true or false"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"values\": {\n"
+       "\"anisotropy_direction\": [1, 0]}}]}",
+       ":2: key 'anisotropy_direction': KEPRmaVector: expected a vector of 3 finite numbers"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"values\": {\n"
+       "\"refl_gloss_samples\": 2.5}}]}",
+       ":2: key 'refl_gloss_samples': KEPRmaInteger: expected a 32-bit integer"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"kep_phen_texture\", \"values\": {\n"
+       "\"texture\": {\"image\": \"a.png\", \"dpi\": -3}}}]}",
+       ":2: key 'texture': KEPRmaTexture: texture 'dpi' must be a number above 0"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\",\n\"connections\": "
+       "{\"diffuse_texture\": \"ghost\"}}]}",
+       ":2: key 'diffuse_texture': connection to missing node 'ghost'"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\",\n\"connections\": "
+       "{\"diffuse_texture\": \"m\"}}]}",
+       ":2: key 'diffuse_texture': connection cycle: m -> m"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"subShaders\": [\n"
+       "{\"id\": \"m\", \"type\": \"kep_phen_texture\"}]}]}",
+       ":2: key 'id': duplicate node id 'm' (first at line 1)"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"values\": {\n"
+       "\"diffuse\": [1, 1, 1], \"diffuse\": [0, 0, 0]}}]}",
+       ":2: key 'diffuse': repeated key"},
+      {"{\"materials\": [{\"id\": \"m\", \"type\": \"mia_phen_material\", \"values\": {\n"
+       "\"diffuse\": [1, NaN, 1]}}]}",
+       ":2: key 'diffuse': invalid value"},
+      {"{\"materials\": {}}", ":1: key 'materials': expected a list of nodes"},
+  };
+  for (const Case& c : cases) {
+    TempDir dir;
+    const std::string file = dir.Write("doc.rshdoc.json", c.json);
+    KEP_var<KEPRshShaderDocument> out;
+    const KEPLoadResult result = KEPShaderDocumentLoader::Load(file, library, out);
+    EXPECT_TRUE(HasError(result, file) && HasError(result, c.expected))
+        << "input: " << c.json << "\nerrors:\n"
+        << result.Text();
+    EXPECT_FALSE(out);
+  }
+}
+
+TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
+  auto library = SampleLibrary();
+  KEP_var<KEPRshShaderDocument> original;
+  ASSERT_TRUE(KEPShaderDocumentLoader::Load(
+                  keptest::SourcePath("samples/documents/showroom.rshdoc.json"), library, original)
+                  .Ok());
+  // Change a few values so that the round trip does not just repeat the defaults.
+  KEPRshShaderNode* floor = original->FindNode("floor");
+  KEP_var<KEPIRshParameter> gloss;
+  ASSERT_EQ(floor->GetParameter("refl_gloss", *gloss.Out()), S_OK);
+  gloss->SetScalarValue(0.3f);
+
+  TempDir dir;
+  const std::string path = dir.Path() + "/nested/copy.rshdoc.json";
+  fs::create_directories(dir.Path() + "/nested");
+  const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*original, path);
+  ASSERT_TRUE(saved.Ok()) << saved.Text();
+  EXPECT_FALSE(fs::exists(path + ".tmp." + std::to_string(::getpid())));
+
+  std::string libraryDir;
+  ASSERT_TRUE(KEPShaderDocumentLoader::ReadLibraryPath(path, libraryDir).Ok());
+  EXPECT_EQ(fs::path(libraryDir), fs::path(library->root));
+  KEP_var<KEPRshShaderDocument> copy;
+  const KEPLoadResult reloaded = KEPShaderDocumentLoader::Load(path, library, copy);
+  ASSERT_TRUE(reloaded.Ok()) << reloaded.Text();
+  EXPECT_EQ(copy->materials, original->materials);
+  // Same text when saved again from the copy: every node, alias, value and connection survived.
+  EXPECT_EQ(KEPShaderDocumentWriter::Format(*copy, path),
+            KEPShaderDocumentWriter::Format(*original, path));
+  float value = 0;
+  KEP_var<KEPIRshParameter> copiedGloss;
+  ASSERT_EQ(copy->FindNode("floor")->GetParameter("refl_gloss", *copiedGloss.Out()), S_OK);
+  copiedGloss->GetScalarValue(value);
+  EXPECT_EQ(value, 0.3f);
+  EXPECT_NE(KEPShaderDocumentWriter::Format(*copy, path).find("\"refl_gloss\": 0.3,"),
+            std::string::npos);
+
+  const KEPLoadResult unwritable =
+      KEPShaderDocumentWriter::Save(*original, dir.Path() + "/no/such/dir/x.rshdoc.json");
+  EXPECT_TRUE(HasError(unwritable, "x.rshdoc.json")) << unwritable.Text();
+}
+
+TEST(JsonReader, RecordsLinesAndDecodesEscapes) {
+  KEPJsonValue value;
+  int line = 0;
+  std::string key, message;
+  ASSERT_TRUE(KEPJsonReader::Parse("{\n\"a\": \"\\u00e9\\ud83d\\ude00\",\n\"b\": [true, null]}",
+                                   value, line, key, message))
+      << message;
+  EXPECT_EQ(value.Find("a")->text, "\xC3\xA9\xF0\x9F\x98\x80");
+  EXPECT_EQ(value.Find("a")->line, 2);
+  EXPECT_EQ(value.Find("b")->line, 3);
+  for (const char* bad : {"", "01", "[1,]", "{\"a\":1,}", "\"\\ud800\"", "tru", "[\"\x01\"]"}) {
+    EXPECT_FALSE(KEPJsonReader::Parse(bad, value, line, key, message)) << bad;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,12 @@
+// The commands that rshview's command table lists, each in its own file.
+#pragma once
+
+#include "RshviewCommand.h"
+
+/// `rshview params`: every parameter's metadata as the editors resolve it.
+int RunParamsCommand(RshviewContext& context);
+extern const char* const kRshviewParamsHelp;
+
+/// `rshview material`: the viewer's answers for a node.
+int RunMaterialCommand(RshviewContext& context);
+extern const char* const kRshviewMaterialHelp;

@@ -1,0 +1,241 @@
+// rshview's entry point: options, help, loading the library, its configuration and the document,
+// then the command.
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <ostream>
+
+#include "KEPConfigurationLoader.h"
+#include "KEPRbaConfiguration.h"
+#include "KEPRshShaderManager.h"
+#include "KEPRshViewModule.h"
+#include "KEPShaderDocumentLoader.h"
+#include "KEPShaderLibraryLoader.h"
+#include "KEPTrace.h"
+#include "RshviewCommand.h"
+
+#ifndef RSHVIEW_VERSION
+#define RSHVIEW_VERSION "0.1.0"
+#endif
+
+namespace {
+namespace fs = std::filesystem;
+
+constexpr int kExitUsage = 2;
+constexpr int kExitFailure = 1;
+
+const char* const kGlobalOptions =
+    "Options shared by every command:\n"
+    "  --library DIR        shader library directory (library.json and config/); default: the\n"
+    "                       document's \"library\" entry, else the bundled sample library\n"
+    "  --doc FILE           material document (*.rshdoc.json); default: the bundled showroom\n"
+    "  --node ID            node to work on; default: the document's first material\n"
+    "  --format text|json   output format; default: text\n"
+    "  --trace              print the module's traces to standard error\n"
+    "  -h, --help           help (of the command when given after it)\n"
+    "\n"
+    "The bundled samples are looked up in $RSHVIEW_SAMPLES, else in the source tree.\n";
+
+void PrintGlobalHelp(std::ostream& out) {
+  out << "Usage: rshview COMMAND [OPTIONS]\n"
+         "       rshview --version\n"
+         "\n"
+         "Shows the shader editors' and the viewer's view of a material document.\n"
+         "\n"
+         "Commands:\n";
+  std::size_t width = 0;
+  for (const RshviewCommand& command : RshviewCommands())
+    width = std::max(width, std::string(command.name).size());
+  for (const RshviewCommand& command : RshviewCommands())
+    out << "  " << command.name << std::string(width + 3 - std::string(command.name).size(), ' ')
+        << command.summary << "\n";
+  out << "\n" << kGlobalOptions << "\nRun 'rshview COMMAND --help' for a command's own help.\n";
+}
+
+int UsageError(std::ostream& err, const std::string& message) {
+  err << "rshview: " << message << "\nTry 'rshview --help'.\n";
+  return kExitUsage;
+}
+
+const RshviewCommand* FindCommand(const std::string& name) {
+  for (const RshviewCommand& command : RshviewCommands())
+    if (name == command.name) return &command;
+  return nullptr;
+}
+
+std::string SamplesDirectory() {
+  if (const char* env = std::getenv("RSHVIEW_SAMPLES"); env && *env) return env;
+  return RSHVIEW_DEFAULT_SAMPLES;
+}
+
+/// Prints the module's traces while alive, and restores the previous sink and level.
+class TraceGuard {
+ public:
+  TraceGuard(bool enabled, std::ostream& err) : enabled_(enabled) {
+    if (!enabled_) return;
+    previousLevel_ = KEPModuleTrace::GetLevel();
+    previous_ = KEPTraceSink::Set(
+        [&err](const KEPTraceEntry& entry) { err << KEPTraceSink::Format(entry) << "\n"; });
+    KEPModuleTrace::SetLevel(9);
+  }
+  ~TraceGuard() {
+    if (!enabled_) return;
+    KEPTraceSink::Set(std::move(previous_));
+    KEPModuleTrace::SetLevel(previousLevel_);
+  }
+  TraceGuard(const TraceGuard&) = delete;
+  TraceGuard& operator=(const TraceGuard&) = delete;
+
+ private:
+  bool enabled_;
+  int previousLevel_ = 0;
+  KEPTraceSinkFn previous_;
+};
+
+/// Leaves the process-wide stores empty again when the command is done (tests run many).
+struct StoreCleanup {
+  ~StoreCleanup() {
+    KEPRshShaderManager::Install(nullptr);
+    KEPRbaConfiguration::Clear();
+  }
+};
+
+struct Parsed {
+  RshviewOptions options;
+  const RshviewCommand* command = nullptr;
+  bool help = false;
+  bool version = false;
+};
+
+// Options may come before or after the command; "--name value" and "--name=value" both work.
+int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& err) {
+  bool sticker = false;
+  for (std::size_t i = 0; i < args.size(); ++i) {
+    std::string arg = args[i];
+    if (arg == "-h" || arg == "--help") {
+      parsed.help = true;
+      continue;
+    }
+    if (arg == "--version") {
+      parsed.version = true;
+      continue;
+    }
+    if (arg == "--trace") {
+      parsed.options.trace = true;
+      continue;
+    }
+    if (arg == "--sticker") {
+      sticker = true;
+      continue;
+    }
+    if (arg.rfind("-", 0) == 0 && arg.size() > 1) {
+      std::string name = arg;
+      std::string value;
+      bool inlineValue = false;
+      if (const auto equals = arg.find('='); equals != std::string::npos) {
+        name = arg.substr(0, equals);
+        value = arg.substr(equals + 1);
+        inlineValue = true;
+      }
+      std::string* target = nullptr;
+      if (name == "--library")
+        target = &parsed.options.library;
+      else if (name == "--doc")
+        target = &parsed.options.doc;
+      else if (name == "--node")
+        target = &parsed.options.node;
+      else if (name == "--format")
+        target = &parsed.options.format;
+      else
+        return UsageError(err, "unknown option '" + name + "'");
+      if (!inlineValue) {
+        if (i + 1 >= args.size()) return UsageError(err, "option " + name + " needs a value");
+        value = args[++i];
+      }
+      if (value.empty()) return UsageError(err, "option " + name + " needs a value");
+      *target = value;
+      continue;
+    }
+    if (!parsed.command && arg == "help" && !parsed.help) {
+      parsed.help = true;  // "rshview help [COMMAND]"
+      continue;
+    }
+    if (!parsed.command) {
+      parsed.command = FindCommand(arg);
+      if (!parsed.command) return UsageError(err, "unknown command '" + arg + "'");
+      continue;
+    }
+    parsed.options.arguments.push_back(arg);
+  }
+  if (parsed.options.format != "text" && parsed.options.format != "json")
+    return UsageError(err, "--format must be text or json, not '" + parsed.options.format + "'");
+  if (sticker && parsed.command && std::string(parsed.command->name) != "material")
+    return UsageError(err, "--sticker applies to the material command only");
+  parsed.options.sticker = sticker;
+  return 0;
+}
+
+// Library, configuration and document, with every error printed as it is found.
+int Load(RshviewContext& context) {
+  RshviewOptions& options = context.options;
+  const std::string samples = SamplesDirectory();
+  if (options.doc.empty())
+    options.doc = (fs::path(samples) / "documents" / "showroom.rshdoc.json").string();
+
+  auto report = [&](const KEPLoadResult& result) {
+    for (const std::string& error : result.Errors()) context.err << error << "\n";
+    return result.Ok();
+  };
+  if (options.library.empty()) {
+    std::string fromDocument;
+    if (!report(KEPShaderDocumentLoader::ReadLibraryPath(options.doc, fromDocument)))
+      return kExitFailure;
+    options.library =
+        fromDocument.empty() ? (fs::path(samples) / "library").string() : fromDocument;
+  }
+
+  auto library = std::make_shared<KEPRshShaderLibrary>();
+  if (!report(KEPShaderLibraryLoader::Load(options.library, *library))) return kExitFailure;
+  const fs::path config = fs::path(options.library) / "config";
+  std::error_code ec;
+  if (fs::exists(config, ec) && !report(KEPConfigurationLoader::LoadDirectory(config.string())))
+    return kExitFailure;
+  KEPRshShaderManager::Install(library);
+
+  KEP_var<KEPRshShaderDocument> document;
+  if (!report(KEPShaderDocumentLoader::Load(options.doc, library, document))) return kExitFailure;
+  context.library = std::move(library);
+  context.document = std::move(document);
+  return 0;
+}
+}  // namespace
+
+int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  static std::once_flag registered;
+  std::call_once(registered, [] { KEPRshViewRegister(); });
+
+  Parsed parsed;
+  if (const int code = Parse(args, parsed, err)) return code;
+  if (parsed.help) {
+    if (parsed.command)
+      out << parsed.command->help << "\n" << kGlobalOptions;
+    else
+      PrintGlobalHelp(out);
+    return 0;
+  }
+  if (parsed.version) {
+    out << "rshview " << RSHVIEW_VERSION << "\n";
+    return 0;
+  }
+  if (!parsed.command) return UsageError(err, "no command given");
+
+  TraceGuard trace(parsed.options.trace, err);
+  StoreCleanup cleanup;
+  KEPRbaConfiguration::Clear();
+  RshviewContext context{parsed.options, nullptr, {}, out, err};
+  if (const int code = Load(context)) return code;
+  const int code = parsed.command->run(context);
+  context.document = NULL_var;
+  return code;
+}
