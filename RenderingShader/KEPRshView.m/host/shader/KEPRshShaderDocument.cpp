@@ -10,7 +10,15 @@ KEPRshShaderDocument* KEPRshShaderDocument::Create(
 }
 
 KEPRshShaderDocument::~KEPRshShaderDocument() {
-  for (auto& node : nodes_) node->DetachFather();
+  // Closing the document deletes its components: parameters move to the deleted state first, so
+  // that their behaviours give back what they hold (a behaviour may hold its node's resources).
+  for (auto& node : nodes_) {
+    for (const auto& parameter : node->Parameters())
+      if (parameter->GetComponentState() < KEPComponentState_Deleted)
+        parameter->ChangeComponentState(parameter->GetComponentState(), KEPComponentState_Deleted,
+                                        nullptr);
+    node->DetachFather();
+  }
 }
 
 HRESULT KEPRshShaderDocument::GetShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) {

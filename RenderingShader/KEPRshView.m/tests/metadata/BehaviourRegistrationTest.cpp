@@ -1,5 +1,6 @@
 // Behaviours as extensions of the feature types: registration, metaclasses, the lazily resolved
 // context and the release of the shader resources.
+#include "KEPBaseUnknown_WR.h"
 #include "KEPExtensionRegistry.h"
 #include "KEPRshParameterDialog.h"
 #include "KEPRshParameterImmLayout.h"
@@ -143,6 +144,20 @@ TEST_F(RegistrationTest, DeletedStateReleasesTheShaderResources) {
   Config("resCfg", {{"x.Widget", "slider"}});
   ASSERT_EQ(imm->GetWidget(kind), S_OK);
   EXPECT_EQ(kind, "slider");
+}
+
+TEST_F(RegistrationTest, ClosingTheDocumentFreesNodesHeldThroughTheirResources) {
+  KEPBaseUnknown_WR node;
+  {
+    World world;
+    world.Add(Type("res").Param("x", Scalar(1)).Resource("x", "widget", "wheel"));
+    KEPRshShaderNode* created = world.Node("res");
+    node.Set(created);
+    KEPString kind;
+    ASSERT_EQ(Imm(world.Param(created, "x"))->GetWidget(kind), S_OK);
+    ASSERT_EQ(Dlg(world.Param(created, "x"))->GetWidget(kind), S_OK);
+  }
+  EXPECT_FALSE(node.IsAlive());
 }
 
 TEST_F(RegistrationTest, ClassicBehaviourTracesItsDestruction) {
