@@ -41,9 +41,10 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   /// optional ".Step", as texts. Fails when min or max is missing.
   virtual HRESULT GetRange(KEPString& min, KEPString& max, KEPString& step) = 0;
 
-  // --- Typed range: min, max and (when configured) step in the type's stored form. Floats are in
-  // model units (millimetres, radians). The base answers E_FAIL; scalar and colour answer the
-  // float form, integer the int form.
+  // --- Typed range: min, max and (when configured) step in the type's stored form; a missing
+  // step leaves `step` as the caller preset it. The base answers E_FAIL. Scalar and colour answer
+  // the float form from ".HardMin"/".Min", ".HardMax"/".Max" and ".Step" ("%le"), multiplied by
+  // ConvertToModelUnit; integer answers the int form from GetRange's texts ("%d").
   virtual HRESULT GetTypedRange(float& min, float& max, float& step) = 0;
   virtual HRESULT GetTypedRange(int& min, int& max, int& step) = 0;
 
