@@ -1,0 +1,206 @@
+// Where the viewer's program file comes from: the search orders over "KEPStartupPath", the
+// common physical program, the fallback, and the sticker sibling.
+#include "HardwareTestSupport.h"
+#include "KEPRbaImageServices.h"
+
+using namespace keptest;
+using namespace hwtest;
+
+namespace {
+
+struct SearchCase {
+  const char* what;
+  const char* type;
+  std::vector<std::pair<std::string, std::string>> files;  // label, relative path
+  std::vector<std::string> path;                           // labels; "missing" is never created
+  std::string expectLabel;                                 // "" = no file
+  std::string expectRelative;
+};
+
+class ProgramFileTest : public HardwareFixture {};
+
+TEST_F(ProgramFileTest, SearchOrders) {
+  const std::vector<SearchCase> cases = {
+      {"physical type uses the common program, never its own",
+       "MPM_car_paint",
+       {{"A", "shaders/MPM_car_paint.cgfx"}, {"A", "materials/shaders/MPM_material.cgfx"}},
+       {"A"},
+       "A",
+       "materials/shaders/MPM_material.cgfx"},
+      {"every directory is tried for the common program before the type's own",
+       "MPM_car_paint",
+       {{"A", "shaders/MPM_car_paint.cgfx"}, {"B", "shaders/MPM_material.cgfx"}},
+       {"A", "B"},
+       "B",
+       "shaders/MPM_material.cgfx"},
+      {"within a directory materials/shaders comes before shaders",
+       "MPM_car_paint",
+       {{"A", "shaders/MPM_material.cgfx"}, {"A", "materials/shaders/MPM_material.cgfx"}},
+       {"A"},
+       "A",
+       "materials/shaders/MPM_material.cgfx"},
+      {"the first directory wins over a later materials/shaders",
+       "MPM_car_paint",
+       {{"A", "shaders/MPM_material.cgfx"}, {"B", "materials/shaders/MPM_material.cgfx"}},
+       {"A", "B"},
+       "A",
+       "shaders/MPM_material.cgfx"},
+      {"physical type without the common program uses its own",
+       "MPM_car_paint",
+       {{"B", "shaders/MPM_car_paint.cgfx"}, {"A", "materials/shaders/rsh_default.cgfx"}},
+       {"A", "B"},
+       "B",
+       "shaders/MPM_car_paint.cgfx"},
+      {"physical type falls back on rsh_default",
+       "MPM_glass",
+       {{"B", "shaders/rsh_default.cgfx"}},
+       {"A", "B"},
+       "B",
+       "shaders/rsh_default.cgfx"},
+      {"a missing and an empty directory are passed over",
+       "MPM_car_paint",
+       {{"B", "shaders/MPM_material.cgfx"}},
+       {"missing", "", "B"},
+       "B",
+       "shaders/MPM_material.cgfx"},
+      {"other type: its own program under materials/shaders",
+       "mia_phen_material",
+       {{"B", "materials/shaders/mia_phen_material.cgfx"},
+        {"A", "materials/shaders/rsh_default.cgfx"}},
+       {"A", "B"},
+       "B",
+       "materials/shaders/mia_phen_material.cgfx"},
+      {"other type without a program of its own falls back on rsh_default",
+       "mia_phen_clear_glass",
+       {{"A", "materials/shaders/rsh_default.cgfx"}},
+       {"A"},
+       "A",
+       "materials/shaders/rsh_default.cgfx"},
+      {"other type: a program under shaders is not looked at",
+       "mia_phen_material",
+       {{"A", "shaders/mia_phen_material.cgfx"}, {"A", "materials/shaders/rsh_default.cgfx"}},
+       {"A"},
+       "A",
+       "materials/shaders/rsh_default.cgfx"},
+      {"texture type under materials/shaders",
+       "kep_phen_texture",
+       {{"A", "materials/shaders/kep_phen_texture.cgfx"}},
+       {"A"},
+       "A",
+       "materials/shaders/kep_phen_texture.cgfx"},
+      {"nothing anywhere gives no file",
+       "mia_phen_material",
+       {{"A", "shaders/rsh_default.cgfx"}},
+       {"A"},
+       "",
+       ""},
+  };
+  for (const SearchCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    Startup startup;
+    for (const auto& [label, relative] : c.files) startup.File(label, relative);
+    startup.SetPath(c.path);
+    World world;
+    world.Add(Type(c.type).Param("x", Scalar(1)));
+    Delegate delegate(world.Node(c.type, "n"));
+    const std::string expected =
+        c.expectLabel.empty() ? "" : startup.Dir(c.expectLabel) + "/" + c.expectRelative;
+    EXPECT_EQ(delegate.Program()->GetExternalShader().ToUTF8(), expected);
+  }
+}
+
+TEST_F(ProgramFileTest, WithoutStartupPathNoShaderHasAProgram) {
+  World world;
+  world.Add(Type("MPM_car_paint").Param("x", Scalar(1)));
+  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  for (const char* type : {"MPM_car_paint", "mia_phen_material"}) {
+    SCOPED_TRACE(type);
+    Delegate delegate(world.Node(type));
+    EXPECT_TRUE(delegate.Program()->GetExternalShader().IsEmpty());
+  }
+}
+
+TEST_F(ProgramFileTest, StartupPathIsReadOnceForTheProcess) {
+  Startup startup;
+  startup.File("A", "materials/shaders/rsh_default.cgfx");
+  startup.File("B", "materials/shaders/rsh_default.cgfx");
+  startup.SetPath({"A"});
+  World world;
+  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  Delegate first(world.Node("mia_phen_material", "n1"));
+  EXPECT_EQ(first.Program()->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
+  setenv("KEPStartupPath", startup.Dir("B").c_str(), 1);  // too late: the value is cached
+  Delegate second(world.Node("mia_phen_material", "n2"));
+  EXPECT_EQ(second.Program()->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
+}
+
+TEST_F(ProgramFileTest, FileFoundOnceIsKeptForTheObjectsLife) {
+  Startup startup;
+  const std::string file = startup.File("A", "materials/shaders/MPM_material.cgfx");
+  startup.SetPath({"A"});
+  World world;
+  world.Add(Type("MPM_car_paint").Param("x", Scalar(1)));
+  Delegate delegate(world.Node("MPM_car_paint"));
+  EXPECT_EQ(delegate.Program()->GetExternalShader().ToUTF8(), file);
+  std::filesystem::remove(file);
+  EXPECT_EQ(delegate.Program()->GetExternalShader().ToUTF8(), file);
+}
+
+TEST_F(ProgramFileTest, StickerModeAsksForTheStkSibling) {
+  Startup startup;
+  const std::string file = startup.File("A", "materials/shaders/MPM_material.cgfx");
+  startup.File("A", "materials/shaders/rsh_default.cgfx");
+  startup.SetPath({"A"});
+  World world;
+  world.Add(Type("MPM_car_paint").Param("x", Scalar(1)));
+  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  Delegate physical(world.Node("MPM_car_paint"));
+  auto program = physical.Program();
+  EXPECT_EQ(program->IsStickerMode(), 0);
+  program->SetStickerMode(1);
+  EXPECT_EQ(program->IsStickerMode(), 1);
+  EXPECT_EQ(program->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/MPM_material_Stk.cgfx");
+  program->SetStickerMode(0);
+  EXPECT_EQ(program->GetExternalShader().ToUTF8(), file);
+
+  Delegate other(world.Node("mia_phen_material"));
+  other.Program()->SetStickerMode(1);
+  EXPECT_EQ(other.Program()->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/rsh_default_Stk.cgfx");
+}
+
+TEST_F(ProgramFileTest, StickerModeWithoutAProgramGivesAnEmptyPath) {
+  World world;
+  world.Add(Type("MPM_car_paint").Param("x", Scalar(1)));
+  Delegate delegate(world.Node("MPM_car_paint"));
+  delegate.Program()->SetStickerMode(1);
+  EXPECT_TRUE(delegate.Program()->GetExternalShader().IsEmpty());
+}
+
+TEST(SplitPath, BaseKeepsTheDirectory) {
+  struct Row {
+    const char* path;
+    const char* base;
+    const char* extension;
+  };
+  const Row rows[] = {
+      {"/s/shaders/MPM_material.cgfx", "/s/shaders/MPM_material", "cgfx"},
+      {"/s.d/shaders/noext", "/s.d/shaders/noext", ""},
+      {"a.b.c", "a.b", "c"},
+      {"C:\\x.y\\file", "C:\\x.y\\file", ""},
+      {"", "", ""},
+      {"/dir/.hidden", "/dir/", "hidden"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.path);
+    KEPUnicodeString base, extension;
+    KEPRbaImageServices::SplitPath(KEPUnicodeString::FromUTF8(row.path), base, extension);
+    EXPECT_EQ(base.ToUTF8(), row.base);
+    EXPECT_EQ(extension.ToUTF8(), row.extension);
+  }
+}
+
+}  // namespace
