@@ -300,7 +300,7 @@ std::string Text(const std::string& key, const Json& value) {
     if (!value["image"].is_null()) text += " (image " + Scalar(value["image"]) + ")";
     return text;
   }
-  if (key == "precision") return Scalar(value) + " decimals";
+  if (key == "precision") return Scalar(value) + (value == 1 ? " decimal" : " decimals");
   return Scalar(value);
 }
 
