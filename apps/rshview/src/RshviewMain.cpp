@@ -1,6 +1,7 @@
 // rshview's entry point: options, help, loading the library, its configuration and the document,
 // then the command.
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <mutex>
@@ -211,7 +212,8 @@ int Load(RshviewContext& context) {
 }
 }  // namespace
 
-int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+namespace {
+int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   static std::once_flag registered;
   std::call_once(registered, [] { KEPRshViewRegister(); });
 
@@ -238,4 +240,16 @@ int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::os
   const int code = parsed.command->run(context);
   context.document = NULL_var;
   return code;
+}
+}  // namespace
+
+int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  // The host API never throws; this only keeps an exhausted allocator from ending the process
+  // without a word.
+  try {
+    return Main(args, out, err);
+  } catch (const std::exception& e) {
+    err << "rshview: internal error: " << e.what() << "\n";
+    return kExitFailure;
+  }
 }

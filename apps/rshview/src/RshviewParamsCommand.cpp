@@ -257,7 +257,7 @@ std::string Scalar(const Json& value) {
     return text;
   }
   if (value.contains("image")) return Scalar(value["image"]);
-  return value.dump();
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string Text(const std::string& key, const Json& value) {
@@ -376,7 +376,7 @@ int RunParamsCommand(RshviewContext& context) {
   for (KEPRshShaderNode* node : nodes) all.push_back(Node(*node));
   if (context.options.format == "json") {
     const Json output = wanted == "all" ? Json{{"nodes", all}} : all.front();
-    context.out << output.dump(2) << "\n";
+    context.out << output.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
     return 0;
   }
   for (std::size_t i = 0; i < all.size(); ++i) {

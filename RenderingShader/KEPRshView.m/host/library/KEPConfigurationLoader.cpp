@@ -175,8 +175,10 @@ KEPLoadResult KEPConfigurationLoader::LoadDirectory(const std::string& directory
     return result;
   }
   std::vector<std::string> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(directory, ec)) {
-    if (entry.path().extension() == ".cfg") paths.push_back(entry.path().string());
+  // Explicit increments with an error code: the range-for form throws on a listing error.
+  for (std::filesystem::directory_iterator it(directory, ec), end; !ec && it != end;
+       it.increment(ec)) {
+    if (it->path().extension() == ".cfg") paths.push_back(it->path().string());
     if (paths.size() > 100000) break;
   }
   if (ec) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 
 class KEPFileText {
@@ -14,4 +15,11 @@ class KEPFileText {
   static bool Read(const std::string& path, std::string& content, std::string& message);
   /// True when `text` is valid UTF-8; `line` receives the 1-based line of the first fault.
   static bool IsValidUTF8(const std::string& text, int& line);
+  /// `path` made absolute against the current directory; `path` itself when that fails (an
+  /// empty path, a vanished current directory) instead of throwing.
+  static std::filesystem::path Absolute(const std::string& path) {
+    std::error_code ec;
+    std::filesystem::path absolute = std::filesystem::absolute(path, ec);
+    return ec ? std::filesystem::path(path) : absolute;
+  }
 };

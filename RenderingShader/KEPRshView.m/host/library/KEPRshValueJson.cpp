@@ -199,5 +199,5 @@ std::string KEPRshValueJson::Write(const KEPRshValue& value, const std::string& 
       json = nullptr;
       break;
   }
-  return json.dump();
+  return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
 }

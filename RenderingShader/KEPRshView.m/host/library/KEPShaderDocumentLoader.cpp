@@ -29,10 +29,7 @@ class Reader {
  public:
   Reader(std::string path, KEPLoadResult& result)
       : path_(std::move(path)),
-        baseDir_(std::filesystem::absolute(std::filesystem::path(path_))
-                     .parent_path()
-                     .lexically_normal()
-                     .string()),
+        baseDir_(KEPFileText::Absolute(path_).parent_path().lexically_normal().string()),
         result_(result) {}
 
   void Error(const KEPJsonValue& at, const std::string& key, const std::string& message) {
@@ -267,6 +264,10 @@ bool ReadJson(const std::string& path, KEPJsonValue& json, KEPLoadResult& result
     return false;
   }
   int line = 0;
+  if (!KEPFileText::IsValidUTF8(text, line)) {
+    result.AddError(path, line, "", "invalid UTF-8");
+    return false;
+  }
   std::string key;
   if (!KEPJsonReader::Parse(text, json, line, key, message)) {
     result.AddError(path, line, key, message);

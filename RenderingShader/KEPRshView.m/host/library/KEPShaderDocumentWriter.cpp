@@ -6,6 +6,7 @@
 #include <set>
 
 #include "KEPAtomicFile.h"
+#include "KEPFileText.h"
 #include "KEPRshValueJson.h"
 
 namespace {
@@ -94,9 +95,9 @@ class Writer {
 
 std::string KEPShaderDocumentWriter::Format(KEPRshShaderDocument& document,
                                             const std::string& path) {
-  const std::string baseDir =
-      std::filesystem::absolute(std::filesystem::path(path)).parent_path().lexically_normal();
-  return Writer(document, baseDir).Document().dump(2) + "\n";
+  const std::string baseDir = KEPFileText::Absolute(path).parent_path().lexically_normal();
+  return Writer(document, baseDir).Document().dump(2, ' ', false, Json::error_handler_t::replace) +
+         "\n";
 }
 
 KEPLoadResult KEPShaderDocumentWriter::Save(KEPRshShaderDocument& document,

@@ -222,16 +222,17 @@ KEPLoadResult KEPShaderLibraryLoader::LoadFile(const std::string& path,
     return result;
   }
   int line = 0;
+  if (!KEPFileText::IsValidUTF8(text, line)) {
+    result.AddError(path, line, "", "invalid UTF-8");
+    return result;
+  }
   std::string key;
   KEPJsonValue json;
   if (!KEPJsonReader::Parse(text, json, line, key, message)) {
     result.AddError(path, line, key, message);
     return result;
   }
-  const std::string root = std::filesystem::absolute(std::filesystem::path(path))
-                               .parent_path()
-                               .lexically_normal()
-                               .string();
+  const std::string root = KEPFileText::Absolute(path).parent_path().lexically_normal().string();
   KEPRshShaderLibrary loaded;
   loaded.root = root;
   Reader(path, root, result).Library(json, loaded);

@@ -190,6 +190,7 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
       {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\" \"type\": 1}]}}}",
        ":2: key 'name': expected ',' or '}'"},
       {"{\"shaderTypes\": {}}\n,", ":2: unexpected text after the end of the document"},
+      {"{\"shaderTypes\": {\n\"caf\xC3\": {\"parameters\": []}}}", ":2: invalid UTF-8"},
       {"{\"shaderTypes\": {\"a\": {\"parameters\": [",
        ":1: key 'parameters': unexpected end of file"},
       {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaVector\","
