@@ -1,5 +1,6 @@
 #include "KEPRshShaderHardwareExt.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -112,6 +113,7 @@ void KEPRshShaderHardwareExt::CopyFrom(const KEPRshShaderHardwareExt& other) {
   parameterNames_ = other.parameterNames_;
   firstPosition_ = other.firstPosition_;
   texturePositions_ = other.texturePositions_;
+  std::copy(std::begin(other.readPositions_), std::end(other.readPositions_), readPositions_);
   shaderFile_ = other.shaderFile_;
   shaderType_ = other.shaderType_;
   stickerMode_ = other.stickerMode_;
@@ -250,6 +252,16 @@ void KEPRshShaderHardwareExt::Init() {
     if (SUCCEEDED(parameter->GetTypeName(parameterType)) && parameterType == "KEPRmaTexture")
       texturePositions_.push_back(i);
   }
+  for (int k = 0; k < kReadNameCount; ++k)
+    readPositions_[k] = std::max(CheckParameter(kReadNames[k]), 0);
+}
+
+KEPIRshParameter* KEPRshShaderHardwareExt::GetReadParameter(int index) {
+  Init();
+  if (!parameters_) return nullptr;
+  const int position = readPositions_[index];
+  if (position == 0 || position > parameters_->Size()) return nullptr;
+  return (*parameters_)[position];
 }
 
 void KEPRshShaderHardwareExt::CleanUp() {
@@ -330,9 +342,10 @@ void KEPRshShaderHardwareExt::GetDiffuse(float& coefficient, float* const color)
     if (color) color[0] = color[1] = color[2] = 1.0f;
     return;
   }
-  KEPIRshParameter* weight = GetParameter("default_generic_brdf_diffuse_weight");
-  KEPIRshParameter* colour = GetParameter("default_slot_diffuse_color");
-  KEPIRshParameter* glossiness = GetParameter("default_generic_brdf_diffuse_glossiness");
+  KEPIRshParameter* weight = GetReadParameter(ReadName("default_generic_brdf_diffuse_weight"));
+  KEPIRshParameter* colour = GetReadParameter(ReadName("default_slot_diffuse_color"));
+  KEPIRshParameter* glossiness =
+      GetReadParameter(ReadName("default_generic_brdf_diffuse_glossiness"));
   if (!weight || !colour || !glossiness) return;
   float w = 0.0f, rgb[3] = {0.0f, 0.0f, 0.0f}, g = 0.0f;
   // The glossiness is required to read although the diffuse answer does not carry it.
@@ -349,9 +362,9 @@ void KEPRshShaderHardwareExt::GetSpecular(float& coefficient, float* const color
     glossiness = 0.0f;
     return;
   }
-  KEPIRshParameter* weight = GetParameter("default_generic_brdf_specular_weight");
-  KEPIRshParameter* colour = GetParameter("default_slot_specular_color");
-  KEPIRshParameter* gloss = GetParameter("default_slot_specular_glossiness");
+  KEPIRshParameter* weight = GetReadParameter(ReadName("default_generic_brdf_specular_weight"));
+  KEPIRshParameter* colour = GetReadParameter(ReadName("default_slot_specular_color"));
+  KEPIRshParameter* gloss = GetReadParameter(ReadName("default_slot_specular_glossiness"));
   if (!weight || !colour || !gloss) return;
   float w = 0.0f, rgb[3] = {0.0f, 0.0f, 0.0f}, g = 0.0f;
   if (!Read(weight, w) || !ReadColor(colour, rgb) || !Read(gloss, g)) return;
@@ -362,8 +375,8 @@ void KEPRshShaderHardwareExt::GetSpecular(float& coefficient, float* const color
 
 float KEPRshShaderHardwareExt::GetTransparencyCoef() {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* transparency = GetParameter("default_slot_transparency");
-    KEPIRshParameter* opacity = GetParameter("default_slot_opacity");
+    KEPIRshParameter* transparency = GetReadParameter(ReadName("default_slot_transparency"));
+    KEPIRshParameter* opacity = GetReadParameter(ReadName("default_slot_opacity"));
     if (!transparency || !opacity) return 0.0f;
     // The opacity parameter is only required to exist: the opacity is read from the
     // transparency parameter, so the answer is max(t, 1 - t), capped at 1 on the t side.
@@ -406,7 +419,8 @@ HRESULT KEPRshShaderHardwareExt::GetContrast(double& contrast) {
     contrast = 1.0;
     return S_OK;
   }
-  return ReadScalarAnswer(GetParameter("default_generic_brdf_diffuse_weight"), contrast);
+  return ReadScalarAnswer(GetReadParameter(ReadName("default_generic_brdf_diffuse_weight")),
+                          contrast);
 }
 
 HRESULT KEPRshShaderHardwareExt::GetShininess(double& shininess) {
@@ -414,17 +428,18 @@ HRESULT KEPRshShaderHardwareExt::GetShininess(double& shininess) {
     shininess = 0.0;
     return S_OK;
   }
-  return ReadScalarAnswer(GetParameter("default_generic_brdf_specular_weight"), shininess);
+  return ReadScalarAnswer(GetReadParameter(ReadName("default_generic_brdf_specular_weight")),
+                          shininess);
 }
 
 HRESULT KEPRshShaderHardwareExt::GetTransparency(double& transparency) {
   if (!IsPhysicalShader()) return E_FAIL;
-  return ReadScalarAnswer(GetParameter("default_slot_transparency"), transparency);
+  return ReadScalarAnswer(GetReadParameter(ReadName("default_slot_transparency")), transparency);
 }
 
 HRESULT KEPRshShaderHardwareExt::GetDiffuseColor(double& r, double& g, double& b) {
   if (!IsPhysicalShader()) return S_OK;
-  KEPIRshParameter* colour = GetParameter("default_slot_diffuse_color");
+  KEPIRshParameter* colour = GetReadParameter(ReadName("default_slot_diffuse_color"));
   if (!colour) return E_FAIL;
   float rgb[3] = {0.0f, 0.0f, 0.0f};
   const HRESULT hr = colour->GetColorValue(rgb[0], rgb[1], rgb[2]);
@@ -475,8 +490,8 @@ KEPTexturePixelImage* KEPRshShaderHardwareExt::GetTexturePixelImage() {
 
 void KEPRshShaderHardwareExt::GetTextureWrapping(int& u, int& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* repeatU = GetParameter("repeat_u");
-    KEPIRshParameter* repeatV = GetParameter("repeat_v");
+    KEPIRshParameter* repeatU = GetReadParameter(ReadName("repeat_u"));
+    KEPIRshParameter* repeatV = GetReadParameter(ReadName("repeat_v"));
     unsigned char ru = 0, rv = 0;
     if (!repeatU || !repeatV || !Read(repeatU, ru) || !Read(repeatV, rv)) return;
     u = ru != 0;
@@ -484,7 +499,7 @@ void KEPRshShaderHardwareExt::GetTextureWrapping(int& u, int& v) {
     return;
   }
   u = v = 0;
-  if (GetParameter("_uv_mapping")) {
+  if (GetReadParameter(ReadName("_uv_mapping"))) {
     u = v = 1;
     return;
   }
@@ -494,8 +509,8 @@ void KEPRshShaderHardwareExt::GetTextureWrapping(int& u, int& v) {
 
 HRESULT KEPRshShaderHardwareExt::GetTextureRepeat(unsigned char& repeat) {
   if (!IsPhysicalShader()) return E_FAIL;
-  KEPIRshParameter* repeatU = GetParameter("repeat_u");
-  KEPIRshParameter* repeatV = GetParameter("repeat_v");
+  KEPIRshParameter* repeatU = GetReadParameter(ReadName("repeat_u"));
+  KEPIRshParameter* repeatV = GetReadParameter(ReadName("repeat_v"));
   unsigned char ru = 0, rv = 0;
   if (!repeatU || !repeatV || !Read(repeatU, ru) || !Read(repeatV, rv)) return E_FAIL;
   repeat = ru != 0 && rv != 0 ? 1 : 0;
@@ -504,16 +519,16 @@ HRESULT KEPRshShaderHardwareExt::GetTextureRepeat(unsigned char& repeat) {
 
 void KEPRshShaderHardwareExt::GetTextureFlip(unsigned char& u, unsigned char& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* flipU = GetParameter("flip_u");
-    KEPIRshParameter* flipV = GetParameter("flip_v");
+    KEPIRshParameter* flipU = GetReadParameter(ReadName("flip_u"));
+    KEPIRshParameter* flipV = GetReadParameter(ReadName("flip_v"));
     unsigned char fu = 0, fv = 0;
     if (!flipU || !flipV || !Read(flipU, fu) || !Read(flipV, fv)) return;
     u = fu, v = fv;
     return;
   }
   u = v = 0;
-  KEPIRshParameter* flipU = GetParameter("_uv_flip_u");
-  KEPIRshParameter* flipV = GetParameter("_uv_flip_v");
+  KEPIRshParameter* flipU = GetReadParameter(ReadName("_uv_flip_u"));
+  KEPIRshParameter* flipV = GetReadParameter(ReadName("_uv_flip_v"));
   if (flipU && flipV) {
     Read(flipU, u);
     Read(flipV, v);
@@ -525,16 +540,16 @@ void KEPRshShaderHardwareExt::GetTextureFlip(unsigned char& u, unsigned char& v)
 
 void KEPRshShaderHardwareExt::GetTexturePosition(float& u, float& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* offsetU = GetParameter("offset_u");
-    KEPIRshParameter* offsetV = GetParameter("offset_v");
+    KEPIRshParameter* offsetU = GetReadParameter(ReadName("offset_u"));
+    KEPIRshParameter* offsetV = GetReadParameter(ReadName("offset_v"));
     float ou = 0.0f, ov = 0.0f;
     if (!offsetU || !offsetV || !Read(offsetU, ou) || !Read(offsetV, ov)) return;
     u = ou, v = ov;
     return;
   }
   u = v = 0.0f;
-  KEPIRshParameter* offsetU = GetParameter("_uv_offset_u");
-  KEPIRshParameter* offsetV = GetParameter("_uv_offset_v");
+  KEPIRshParameter* offsetU = GetReadParameter(ReadName("_uv_offset_u"));
+  KEPIRshParameter* offsetV = GetReadParameter(ReadName("_uv_offset_v"));
   if (offsetU && offsetV) {
     Read(offsetU, u);
     Read(offsetV, v);
@@ -546,16 +561,16 @@ void KEPRshShaderHardwareExt::GetTexturePosition(float& u, float& v) {
 
 void KEPRshShaderHardwareExt::GetTextureSize(float& u, float& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetParameter("scale_u");
-    KEPIRshParameter* scaleV = GetParameter("scale_v");
+    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
+    KEPIRshParameter* scaleV = GetReadParameter(ReadName("scale_v"));
     float su = 0.0f, sv = 0.0f;
     if (!scaleU || !scaleV || !Read(scaleU, su) || !Read(scaleV, sv)) return;
     u = su, v = sv;
     return;
   }
   u = v = 1.0f;
-  KEPIRshParameter* scaleU = GetParameter("_uv_scale_u");
-  KEPIRshParameter* scaleV = GetParameter("_uv_scale_v");
+  KEPIRshParameter* scaleU = GetReadParameter(ReadName("_uv_scale_u"));
+  KEPIRshParameter* scaleV = GetReadParameter(ReadName("_uv_scale_v"));
   if (scaleU && scaleV) {
     Read(scaleU, u);
     Read(scaleV, v);
@@ -567,12 +582,12 @@ void KEPRshShaderHardwareExt::GetTextureSize(float& u, float& v) {
 
 float KEPRshShaderHardwareExt::GetTextureAngle() {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* angle = GetParameter("angle");
+    KEPIRshParameter* angle = GetReadParameter(ReadName("angle"));
     float value = 0.0f;
     if (!angle || !Read(angle, value)) return 0.0f;
     return value;
   }
-  if (KEPIRshParameter* angle = GetParameter("_uv_angle")) {
+  if (KEPIRshParameter* angle = GetReadParameter(ReadName("_uv_angle"))) {
     float value = 0.0f;
     Read(angle, value);
     return value;
@@ -627,15 +642,15 @@ HRESULT KEPRshShaderHardwareExt::GetRotation(double& angle) {
 
 HRESULT KEPRshShaderHardwareExt::GetRatio(double& ratio) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetParameter("scale_u");
-    KEPIRshParameter* scaleV = GetParameter("scale_v");
+    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
+    KEPIRshParameter* scaleV = GetReadParameter(ReadName("scale_v"));
     if (!scaleU || !scaleV) return E_FAIL;
     float u = 1.0f, v = 1.0f;
     if (!Read(scaleU, u) || !Read(scaleV, v)) return E_FAIL;
     ratio = u / v;
     return S_OK;
   }
-  if (GetParameter("_uv_mapping")) {
+  if (GetReadParameter(ReadName("_uv_mapping"))) {
     float u = 0.0f, v = 0.0f;
     GetTextureSize(u, v);
     if (u == 0.0f || v == 0.0f) return E_FAIL;
@@ -650,13 +665,13 @@ HRESULT KEPRshShaderHardwareExt::GetRatio(double& ratio) {
 
 HRESULT KEPRshShaderHardwareExt::GetSize(double& size) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetParameter("scale_u");
+    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
     float u = 1.0f;
     if (!scaleU || !Read(scaleU, u)) return E_FAIL;
     size = u;
     return S_OK;
   }
-  if (GetParameter("_uv_mapping")) {
+  if (GetReadParameter(ReadName("_uv_mapping"))) {
     float u = 0.0f, v = 0.0f;
     GetTextureSize(u, v);
     size = u;
@@ -670,16 +685,16 @@ HRESULT KEPRshShaderHardwareExt::GetSize(double& size) {
 
 HRESULT KEPRshShaderHardwareExt::SetSize(const double& size) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetParameter("scale_u");
-    KEPIRshParameter* scaleV = GetParameter("scale_v");
+    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
+    KEPIRshParameter* scaleV = GetReadParameter(ReadName("scale_v"));
     if (!scaleU || !scaleV) return E_FAIL;
     const float value = static_cast<float>(size);
     const bool wroteU = SUCCEEDED(scaleU->SetScalarValue(value));
     const bool wroteV = SUCCEEDED(scaleV->SetScalarValue(value));
     return wroteU && wroteV ? S_OK : E_FAIL;
   }
-  KEPIRshParameter* scaleU = GetParameter("_uv_scale_u");
-  KEPIRshParameter* scaleV = GetParameter("_uv_scale_v");
+  KEPIRshParameter* scaleU = GetReadParameter(ReadName("_uv_scale_u"));
+  KEPIRshParameter* scaleV = GetReadParameter(ReadName("_uv_scale_v"));
   if (scaleU && scaleV) {
     double ratio = 0.0;
     GetRatio(ratio);
@@ -696,21 +711,21 @@ HRESULT KEPRshShaderHardwareExt::SetSize(const double& size) {
 
 HRESULT KEPRshShaderHardwareExt::SetTranslationU(double& translation) {
   if (!IsPhysicalShader()) return E_FAIL;
-  KEPIRshParameter* offset = GetParameter("offset_u");
+  KEPIRshParameter* offset = GetReadParameter(ReadName("offset_u"));
   if (!offset) return E_FAIL;
   return offset->SetScalarValue(static_cast<float>(translation));
 }
 
 HRESULT KEPRshShaderHardwareExt::SetTranslationV(double& translation) {
   if (!IsPhysicalShader()) return E_FAIL;
-  KEPIRshParameter* offset = GetParameter("offset_v");
+  KEPIRshParameter* offset = GetReadParameter(ReadName("offset_v"));
   if (!offset) return E_FAIL;
   return offset->SetScalarValue(static_cast<float>(translation));
 }
 
 HRESULT KEPRshShaderHardwareExt::GetMappingType(short& type) {
   if (!IsPhysicalShader()) {
-    if (KEPIRshParameter* mapping = GetParameter("_uv_mapping")) {
+    if (KEPIRshParameter* mapping = GetReadParameter(ReadName("_uv_mapping"))) {
       int value = 0;
       Read(mapping, value);
       type = static_cast<short>(value);
@@ -722,10 +737,10 @@ HRESULT KEPRshShaderHardwareExt::GetMappingType(short& type) {
     return hr;
   }
   int version = 1;
-  if (KEPIRshParameter* versionParameter = GetParameter("RNDMaterialVersion"))
+  if (KEPIRshParameter* versionParameter = GetReadParameter(ReadName("RNDMaterialVersion")))
     if (!Read(versionParameter, version)) version = 0;
   int mappingType = 0;
-  KEPIRshParameter* typeParameter = GetParameter("type");
+  KEPIRshParameter* typeParameter = GetReadParameter(ReadName("type"));
   if (!typeParameter || !Read(typeParameter, mappingType)) {
     type = 6;
     return S_OK;

@@ -7,6 +7,7 @@
 // its parameters.
 #pragma once
 
+#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -180,6 +181,47 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   /// the caller, or null.
   KEPIHardwareMaterial* GetConnectedTexture();
 
+  /// The parameter names that the material answers read. Their first positions are resolved at
+  /// Init, so that the viewer's per-frame questions do no string lookups.
+  static constexpr std::string_view kReadNames[] = {
+      "RNDMaterialVersion",
+      "_uv_angle",
+      "_uv_flip_u",
+      "_uv_flip_v",
+      "_uv_mapping",
+      "_uv_offset_u",
+      "_uv_offset_v",
+      "_uv_scale_u",
+      "_uv_scale_v",
+      "angle",
+      "default_generic_brdf_diffuse_glossiness",
+      "default_generic_brdf_diffuse_weight",
+      "default_generic_brdf_specular_weight",
+      "default_slot_diffuse_color",
+      "default_slot_opacity",
+      "default_slot_specular_color",
+      "default_slot_specular_glossiness",
+      "default_slot_transparency",
+      "flip_u",
+      "flip_v",
+      "offset_u",
+      "offset_v",
+      "repeat_u",
+      "repeat_v",
+      "scale_u",
+      "scale_v",
+      "type",
+  };
+  static constexpr int kReadNameCount = static_cast<int>(std::size(kReadNames));
+  /// Index of `name` in kReadNames; a name missing from the table does not compile.
+  static consteval int ReadName(std::string_view name) {
+    for (int i = 0; i < kReadNameCount; ++i)
+      if (kReadNames[i] == name) return i;
+    throw "not a name the material reads";
+  }
+  /// Same answer as GetParameter(kReadNames[index]), from the positions resolved at Init.
+  KEPIRshParameter* GetReadParameter(int index);
+
   /// True when the linked shader's type name begins with "MPM" (asked afresh on every call).
   bool IsPhysicalShader();
   /// The linked shader's type name; empty without a link or a shader.
@@ -212,6 +254,8 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   std::unordered_map<KEPString, int, NameHash, std::equal_to<>> firstPosition_;
   /// Positions of the parameters whose type name is "KEPRmaTexture", ascending.
   std::vector<int> texturePositions_;
+  /// First position (1-based) of each of kReadNames in parameterNames_, 0 when absent.
+  int readPositions_[kReadNameCount] = {};
   /// The sibling link extension of the component (borrowed: it lives as long as we do).
   KEPIRshShaderLink* link_ = nullptr;
   /// Set while a question is passed on to the connected texture.
