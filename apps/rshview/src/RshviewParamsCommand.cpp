@@ -1,9 +1,12 @@
 // `rshview params`: every parameter of a node with its metadata, read through the module's
 // parameter behaviours (KEPIRshParameterImmLayout and KEPIRshParameterDialog) exactly as the
 // editors read it.
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <string_view>
 
 #include "KEPIPLMDmtDocument.h"
 #include "KEPIRshParameterDialog.h"
@@ -22,7 +25,8 @@ const char* const kRshviewParamsHelp =
     "range, step and decimals, unit with its symbol and model-unit factor, magnitude, group\n"
     "key and display name, sorting order, enumeration labels and values, component labels,\n"
     "connectable state, texture layer group, description, tooltip and default. A value that\n"
-    "is not configured shows as \"-\" (null in JSON).\n"
+    "is not configured is left out of the text (null in JSON). The text starts with a one-line\n"
+    "summary per parameter.\n"
     "\n"
     "  --node ID    the node to list; default: the document's first material\n"
     "  --node all   every node of the document, in document order\n"
@@ -118,7 +122,13 @@ Json Parameter(KEPRshParameterFeature& feature, const std::string& configuration
     KEPString configured, kind;
     const bool isConfigured = SUCCEEDED(behaviour->GetWidget(configured));
     if (FAILED(behaviour->ChooseWidgetKind(kind))) return nullptr;
-    return Json{{"kind", kind}, {"configured", isConfigured}};
+    // A configured word that the type's widgets do not tell apart is most likely a typing
+    // mistake in the configuration; say so rather than let it pass silently.
+    std::vector<KEPString> kinds;
+    behaviour->GetWidgetKinds(kinds);
+    const bool known = !isConfigured || kinds.empty() || KEPToLower(kind) == "none" ||
+                       std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+    return Json{{"kind", kind}, {"configured", isConfigured}, {"known", known}};
   };
   json["widget"] = widget(b.imm.Get());
   json["classicWidget"] = widget(b.dlg.Get());
@@ -263,7 +273,8 @@ std::string Scalar(const Json& value) {
 std::string Text(const std::string& key, const Json& value) {
   if (value.is_null()) return "-";
   if (key == "widget" || key == "classicWidget")
-    return Scalar(value["kind"]) + (value["configured"].get<bool>() ? "" : " (default)");
+    return Scalar(value["kind"]) + (value["configured"].get<bool>() ? "" : " (default)") +
+           (value["known"].get<bool>() ? "" : " (not a kind these widgets know)");
   if (key == "range" || key == "classicRange" || key == "softRange" || key == "hardRange") {
     std::string text = Scalar(value["min"]) + " .. " + Scalar(value["max"]);
     if (value.contains("step") && !value["step"].is_null())
@@ -304,9 +315,78 @@ std::string Text(const std::string& key, const Json& value) {
   return Scalar(value);
 }
 
+// One line per parameter first, so that the whole node reads at a glance; then a block per
+// parameter with only what is configured (JSON keeps every field, with nulls).
+void PrintSummary(const Json& parameters, std::ostream& out) {
+  struct Column {
+    const char* title;
+    std::function<std::string(const Json&)> cell;
+  };
+  const auto shortType = [](const Json& p) {
+    std::string type = Scalar(p["type"]);
+    return type.rfind("KEPRma", 0) == 0 ? type.substr(6) : type;
+  };
+  const auto widget = [](const Json& p) {
+    const Json& w = p["widget"].is_null() ? p["classicWidget"] : p["widget"];
+    if (w.is_null()) return std::string("-");
+    return Scalar(w["kind"]) + (w["configured"].get<bool>() ? "" : "*") +
+           (w["known"].get<bool>() ? "" : "?");
+  };
+  const auto range = [](const Json& p) {
+    const Json& r = p["range"].is_null() ? p["classicRange"] : p["range"];
+    return r.is_null() ? std::string("-") : Scalar(r["min"]) + " .. " + Scalar(r["max"]);
+  };
+  const auto unit = [](const Json& p) {
+    return p["unit"].is_null() ? std::string("-") : Scalar(p["unit"]["name"]);
+  };
+  const auto group = [](const Json& p) {
+    if (p["group"].is_null()) return std::string("-");
+    const Json& name = p["group"]["name"];
+    return name.is_null() ? Scalar(p["group"]["key"]) : Scalar(name);
+  };
+  const std::vector<Column> columns = {
+      {"parameter", [](const Json& p) { return Scalar(p["name"]); }},
+      {"type", shortType},
+      {"value",
+       [](const Json& p) {
+         return p["connected"].is_null() ? Scalar(p["value"]) : "-> " + Scalar(p["connected"]);
+       }},
+      {"widget", widget},
+      {"range", range},
+      {"unit", unit},
+      {"group", group},
+      {"order", [](const Json& p) { return Scalar(p["sortingOrder"]); }},
+  };
+  std::vector<std::vector<std::string>> rows;
+  std::vector<std::size_t> widths;
+  for (const Column& column : columns) widths.push_back(std::string(column.title).size());
+  for (const Json& parameter : parameters) {
+    std::vector<std::string> row;
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+      std::string cell = columns[c].cell(parameter);
+      if (c > 0 && cell.size() > 32) cell = cell.substr(0, 31) + "~";  // names stay whole
+      widths[c] = std::max(widths[c], cell.size());
+      row.push_back(std::move(cell));
+    }
+    rows.push_back(std::move(row));
+  }
+  const auto printRow = [&](const std::vector<std::string>& cells) {
+    std::string line = " ";
+    for (std::size_t c = 0; c < cells.size(); ++c) {
+      line += " " + cells[c];
+      if (c + 1 < cells.size()) line += std::string(widths[c] - cells[c].size() + 1, ' ');
+    }
+    out << line << "\n";
+  };
+  std::vector<std::string> titles;
+  for (const Column& column : columns) titles.push_back(column.title);
+  printRow(titles);
+  for (const auto& row : rows) printRow(row);
+  out << "  (* default widget kind: none configured; ? configured word unknown to the type)\n";
+}
+
 void PrintText(const Json& node, std::ostream& out) {
   static const std::pair<const char*, const char*> kRows[] = {
-      {"type", "type"},
       {"value", "value"},
       {"connected", "connected"},
       {"widget", "widget"},
@@ -331,10 +411,15 @@ void PrintText(const Json& node, std::ostream& out) {
   };
   out << "Node " << Scalar(node["id"]) << "  type " << Scalar(node["type"]) << "  alias \""
       << Scalar(node["alias"]) << "\"  configuration " << Scalar(node["configuration"]) << "  ("
-      << node["parameters"].size() << " parameters)\n";
+      << node["parameters"].size() << " parameters)\n\n";
+  PrintSummary(node["parameters"], out);
   for (const Json& parameter : node["parameters"]) {
-    out << "\n" << Scalar(parameter["name"]) << "\n";
+    out << "\n" << Scalar(parameter["name"]) << "  (" << Scalar(parameter["type"]) << ")\n";
     for (const auto& [key, label] : kRows) {
+      // The widget rows always show, so that the default kind an editor falls back to is seen.
+      const bool always =
+          std::string_view(key) == "widget" || std::string_view(key) == "classicWidget";
+      if (parameter[key].is_null() && !always) continue;
       std::string padded = label;
       padded.resize(16, ' ');
       out << "  " << padded << Text(key, parameter[key]) << "\n";
