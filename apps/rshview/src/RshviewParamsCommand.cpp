@@ -126,6 +126,8 @@ Json Parameter(KEPRshParameterFeature& feature, const std::string& configuration
     // mistake in the configuration; say so rather than let it pass silently.
     std::vector<KEPString> kinds;
     behaviour->GetWidgetKinds(kinds);
+    KEPString fallback;
+    if (SUCCEEDED(behaviour->GetDefaultWidgetKind(fallback))) kinds.push_back(fallback);
     const bool known = !isConfigured || kinds.empty() || KEPToLower(kind) == "none" ||
                        std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
     return Json{{"kind", kind}, {"configured", isConfigured}, {"known", known}};
