@@ -34,8 +34,7 @@ bool TraceCapture::Contains(const std::string& fragment) const {
   return false;
 }
 
-void Config(const std::string& id,
-            std::initializer_list<std::pair<std::string, std::string>> kv) {
+void Config(const std::string& id, std::initializer_list<std::pair<std::string, std::string>> kv) {
   for (const auto& [key, value] : kv) KEPRbaConfiguration::SetValue(id, key, value);
 }
 
@@ -83,7 +82,9 @@ KEPRshValue Texture(const std::string& imagePath) {
         KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(imagePath)));
   return value;
 }
-KEPRshValue Void() { return KEPRshValue{}; }
+KEPRshValue Void() {
+  return KEPRshValue{};
+}
 
 Type::Type(std::string name, std::string configurationId) {
   definition_.name = std::move(name);
@@ -112,7 +113,9 @@ Type& Type::Resources(bool offered) {
   return *this;
 }
 
-World::World() : library(std::make_shared<KEPRshShaderLibrary>()) { Rebuild(); }
+World::World() : library(std::make_shared<KEPRshShaderLibrary>()) {
+  Rebuild();
+}
 
 World::~World() {
   document_.Reset();
@@ -121,7 +124,8 @@ World::~World() {
 
 void World::Rebuild() {
   KEPRshShaderManager::Install(library);
-  if (!document_) document_ = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
+  if (!document_)
+    document_ = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
 }
 
 World& World::Add(const Type& type) {
@@ -129,9 +133,8 @@ World& World::Add(const Type& type) {
   return *this;
 }
 
-World& World::Connectable(
-    const std::string& parameterType,
-    std::initializer_list<std::pair<std::string, std::string>> typeAndLabel) {
+World& World::Connectable(const std::string& parameterType,
+                          std::initializer_list<std::pair<std::string, std::string>> typeAndLabel) {
   std::vector<KEPRshConnectableEntry> entries;
   for (const auto& [type, label] : typeAndLabel) entries.push_back({type, label});
   library->SetConnectable(parameterType, std::move(entries));
@@ -159,7 +162,9 @@ KEPRshParameterFeature* World::Param(KEPRshShaderNode* node, const std::string& 
   return nullptr;
 }
 
-KEPRshShaderDocument* World::Document() { return document_.Get(); }
+KEPRshShaderDocument* World::Document() {
+  return document_.Get();
+}
 
 void Reset() {
   KEPRbaConfiguration::Clear();
