@@ -49,7 +49,8 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   virtual HRESULT GetTypedRange(int& min, int& max, int& step) = 0;
 
   // --- Range controls: only scalar and colour implement these; the others answer E_NOTIMPL.
-  /// ".Step" parsed as a double (colour: resource "step" first).
+  /// ".Step" parsed "%le". Colour: resource "step" instead when the shader offers resources (a
+  /// missing resource fails; ".Step" is then not consulted).
   virtual HRESULT GetStep(double& step) = 0;
   /// Decimals to show, from ".Step": 1, plus one per decimal digit of the step (1 -> 1,
   /// 0.5 -> 2, 0.25 -> 3). Fails when ".Step" is missing or unreadable.
