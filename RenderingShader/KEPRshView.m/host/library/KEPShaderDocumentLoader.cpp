@@ -8,7 +8,7 @@
 #include "KEPRshValueJson.h"
 
 namespace {
-struct NodeSpec {
+struct NodeEntry {
   const KEPJsonValue* json = nullptr;
   std::string id;
   std::string type;
@@ -84,36 +84,36 @@ class Reader {
     if (!json.IsObject())
       return Error(json, material ? "materials" : "subShaders",
                    "a node must be an object {id, type, ...}");
-    NodeSpec spec;
-    spec.json = &json;
-    spec.material = material;
+    NodeEntry entry;
+    entry.json = &json;
+    entry.material = material;
     const KEPJsonValue* subShaders = nullptr;
     for (const auto& [key, member] : json.members) {
       if (key == "id") {
         if (!member.IsString() || member.text.empty())
           Error(member, key, "expected a node id");
         else
-          spec.id = member.text;
+          entry.id = member.text;
       } else if (key == "type") {
         if (!member.IsString())
           Error(member, key, "expected a shader type name");
         else
-          spec.type = member.text, spec.typeJson = &member;
+          entry.type = member.text, entry.typeJson = &member;
       } else if (key == "alias") {
         if (!member.IsString())
           Error(member, key, "expected a text");
         else
-          spec.alias = &member;
+          entry.alias = &member;
       } else if (key == "values") {
         if (!member.IsObject())
           Error(member, key, "expected an object of parameter values");
         else
-          spec.values = &member;
+          entry.values = &member;
       } else if (key == "connections") {
         if (!member.IsObject())
           Error(member, key, "expected an object of parameter -> node id");
         else
-          spec.connections = &member;
+          entry.connections = &member;
       } else if (key == "subShaders") {
         if (!member.IsArray())
           Error(member, key, "expected a list of nodes");
@@ -126,42 +126,42 @@ class Reader {
     }
     if (!json.Find("id")) Error(json, "id", "node without an id");
     if (!json.Find("type")) Error(json, "type", "node without a type");
-    if (!spec.id.empty()) {
-      auto [it, inserted] = index_.emplace(spec.id, nodes_.size());
+    if (!entry.id.empty()) {
+      auto [it, inserted] = index_.emplace(entry.id, nodes_.size());
       if (!inserted)
         Error(*json.Find("id"), "id",
-              "duplicate node id '" + spec.id + "' (first at line " +
+              "duplicate node id '" + entry.id + "' (first at line " +
                   std::to_string(nodes_[it->second].json->line) + ")");
       else
-        nodes_.push_back(spec);
+        nodes_.push_back(entry);
     }
     if (subShaders) Collect(*subShaders, false);
   }
 
   void Build(KEPRshShaderDocument& document, const KEPRshShaderLibrary& library) {
-    for (const NodeSpec& spec : nodes_) {
-      if (!spec.typeJson) continue;
-      if (!library.FindType(spec.type)) {
-        Error(*spec.typeJson, "type", "unknown shader type '" + spec.type + "'");
+    for (const NodeEntry& entry : nodes_) {
+      if (!entry.typeJson) continue;
+      if (!library.FindType(entry.type)) {
+        Error(*entry.typeJson, "type", "unknown shader type '" + entry.type + "'");
         continue;
       }
       KEP_var<KEPIRshShader> created;
-      if (FAILED(document.CreateShader(spec.type, spec.id, *created.Out()))) {
-        Error(*spec.json, "id", "cannot create node '" + spec.id + "'");
+      if (FAILED(document.CreateShader(entry.type, entry.id, *created.Out()))) {
+        Error(*entry.json, "id", "cannot create node '" + entry.id + "'");
         continue;
       }
-      KEPRshShaderNode* node = document.FindNode(spec.id);
-      if (spec.alias) node->SetAlias(KEPUnicodeString::FromUTF8(spec.alias->text));
-      if (spec.values) Values(spec, *node);
-      if (spec.material) document.materials.push_back(spec.id);
+      KEPRshShaderNode* node = document.FindNode(entry.id);
+      if (entry.alias) node->SetAlias(KEPUnicodeString::FromUTF8(entry.alias->text));
+      if (entry.values) Values(entry, *node);
+      if (entry.material) document.materials.push_back(entry.id);
     }
   }
 
-  void Values(const NodeSpec& spec, KEPRshShaderNode& node) {
-    for (const auto& [name, value] : spec.values->members) {
+  void Values(const NodeEntry& entry, KEPRshShaderNode& node) {
+    for (const auto& [name, value] : entry.values->members) {
       KEPRshParameterFeature* parameter = Find(node, name);
       if (!parameter) {
-        Error(value, name, "unknown parameter name for shader type '" + spec.type + "'");
+        Error(value, name, "unknown parameter name for shader type '" + entry.type + "'");
         continue;
       }
       KEPRshValue read = parameter->Value();
@@ -178,10 +178,10 @@ class Reader {
   void Connections(KEPRshShaderDocument& document) {
     edges_.assign(nodes_.size(), {});
     for (std::size_t i = 0; i < nodes_.size(); ++i) {
-      const NodeSpec& spec = nodes_[i];
-      if (!spec.connections) continue;
-      KEPRshShaderNode* node = document.FindNode(spec.id);
-      for (const auto& [name, target] : spec.connections->members) {
+      const NodeEntry& entry = nodes_[i];
+      if (!entry.connections) continue;
+      KEPRshShaderNode* node = document.FindNode(entry.id);
+      for (const auto& [name, target] : entry.connections->members) {
         if (!target.IsString()) {
           Error(target, name, "expected the id of the connected node");
           continue;
@@ -194,7 +194,7 @@ class Reader {
         if (!node) continue;  // its type was unknown: already reported
         KEPRshParameterFeature* parameter = Find(*node, name);
         if (!parameter) {
-          Error(target, name, "unknown parameter name for shader type '" + spec.type + "'");
+          Error(target, name, "unknown parameter name for shader type '" + entry.type + "'");
           continue;
         }
         edges_[i].push_back({it->second, &target, name});
@@ -252,7 +252,7 @@ class Reader {
   std::string path_;
   std::string baseDir_;
   KEPLoadResult& result_;
-  std::vector<NodeSpec> nodes_;
+  std::vector<NodeEntry> nodes_;
   std::map<std::string, std::size_t> index_;
   std::vector<std::vector<Edge>> edges_;
 };

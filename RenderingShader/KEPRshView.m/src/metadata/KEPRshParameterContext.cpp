@@ -18,9 +18,9 @@ void KEPRshParameterContext::Resolve(KEPBaseUnknown* extended) {
   if (!extended) return;
 
   // The feature's father is its shader: the configuration lives there, and so may resources.
-  if (KEP_var<KEPISpecObject> spec = KEPQueryVar<KEPISpecObject>(extended)) {
+  if (KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(extended)) {
     KEPBaseUnknown* fatherObject = nullptr;
-    if (SUCCEEDED(spec->GetFather(fatherObject)) && fatherObject) {
+    if (SUCCEEDED(specObject->GetFather(fatherObject)) && fatherObject) {
       KEP_var<KEPBaseUnknown> father = KEP_var<KEPBaseUnknown>::Adopt(fatherObject);
       if (KEP_var<KEPIRshShader> shader = KEPQueryVar<KEPIRshShader>(father)) {
         shader->GetConfigurationId(configurationId_);
