@@ -6,10 +6,10 @@
 #include "KEPISpecObject.h"
 
 KEPIRshShader* KEPRshParameterServices::FindShaderParent(KEPIRshParameter* parameter) {
-  auto spec = KEPQueryVar<KEPISpecObject>(parameter);
-  if (!spec) return nullptr;
+  auto specObject = KEPQueryVar<KEPISpecObject>(parameter);
+  if (!specObject) return nullptr;
   KEPBaseUnknown* father = nullptr;
-  if (FAILED(spec->GetFather(father)) || !father) return nullptr;
+  if (FAILED(specObject->GetFather(father)) || !father) return nullptr;
   KEPIRshShader* shader = KEPQuery<KEPIRshShader>(father);
   father->Release();
   return shader;
