@@ -2,8 +2,10 @@
 
 #include "KEPTrace.h"
 
-KEP_IMPLEMENT_CLASS_EX(KEPRshShaderHardwareDefault, KEPRshShaderHardwareExt, "KEPNull",
-                       "RenderingShader", KEPClassKind_Extension, "KEPRshShaderDelegate")
+// Registered like every extension of the delegate, directly under KEPBaseUnknown: the
+// metaclass chain does not name the C++ base.
+KEP_IMPLEMENT_CLASS_EX(KEPRshShaderHardwareDefault, KEPBaseUnknown, "KEPNull", "RenderingShader",
+                       KEPClassKind_Extension, "KEPRshShaderDelegate")
 
 KEPBaseUnknown* KEPRshShaderHardwareDefault::Create() {
   return new KEPRshShaderHardwareDefault();

@@ -213,17 +213,17 @@ void KEPRshShaderHardwareExt::Init() {
   }
   if (shaderFile_.IsEmpty()) {
     if (const auto& startupPath = StartupPathValue()) {
-      shaderType_.clear();
+      // The type is read again for the member; the path is built from the first read.
       shader->GetTypeName(shaderType_);
       std::string relative;
-      if (shaderType_ == "kep_phen_texture")
+      if (typeName == "kep_phen_texture")
         relative = kMaterialsShaders;
-      else if (StartsWithPhysicalPrefix(shaderType_))
+      else if (StartsWithPhysicalPrefix(typeName))
         relative = kShaders;
       else
         relative = kMaterialsShaders;
       relative += KEPPathSeparator;
-      relative += shaderType_;
+      relative += typeName;
       relative += '.';
       relative += kProgramExtension;
       KEPString found;
@@ -285,9 +285,13 @@ KEPIRshParameter* KEPRshShaderHardwareExt::GetParameter(std::string_view name) {
   Init();
   if (!parameters_) return nullptr;
   // The first position of a name in the name list is its first match among 1..count, if any.
+  // Positions past the end of the name list (names that could not be read) read as empty names,
+  // so an empty name that is not in the list meets the first of them.
   auto it = firstPosition_.find(name);
-  if (it == firstPosition_.end() || it->second > parameters_->Size()) return nullptr;
-  return (*parameters_)[it->second];
+  int position = it == firstPosition_.end() ? 0 : it->second;
+  if (position == 0 && name.empty()) position = parameterNames_.Size() + 1;
+  if (position == 0 || position > parameters_->Size()) return nullptr;
+  return (*parameters_)[position];
 }
 
 int KEPRshShaderHardwareExt::CheckParameter(std::string_view name) {

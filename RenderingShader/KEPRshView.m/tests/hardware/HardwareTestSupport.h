@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -15,6 +16,7 @@
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
 #include "KEPIRmaMappingManipulatorMaterial.h"
+#include "KEPIRshShader.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
 #include "KEPRshShaderHardwareDefault.h"
@@ -89,6 +91,90 @@ class Startup {
 
  private:
   std::filesystem::path root_;
+};
+
+/// A scalar parameter whose name read can be made to fail, for the pairing of names and
+/// positions that the host's own parameters never exercise.
+class FakeParameter : public KEPBaseUnknown, public KEPIRshParameter {
+ public:
+  static KEP_var<FakeParameter> Make(std::string name, float value, bool nameReadable = true) {
+    auto* p = new FakeParameter();
+    p->name_ = std::move(name), p->value_ = value, p->nameReadable_ = nameReadable;
+    return KEP_var<FakeParameter>::Adopt(p);
+  }
+  HRESULT GetName(KEPString& name) override {
+    if (!nameReadable_) return E_FAIL;
+    name = name_;
+    return S_OK;
+  }
+  HRESULT GetTypeName(KEPString& typeName) override {
+    typeName = "KEPRmaScalar";
+    return S_OK;
+  }
+  HRESULT GetScalarValue(float& value) override {
+    value = value_;
+    return S_OK;
+  }
+  HRESULT SetScalarValue(float value) override {
+    value_ = value;
+    return S_OK;
+  }
+  HRESULT GetBooleanValue(unsigned char&) override { return E_FAIL; }
+  HRESULT SetBooleanValue(unsigned char) override { return E_FAIL; }
+  HRESULT GetIntegerValue(int&) override { return E_FAIL; }
+  HRESULT SetIntegerValue(int) override { return E_FAIL; }
+  HRESULT GetColorValue(float&, float&, float&, float*) override { return E_FAIL; }
+  HRESULT SetColorValue(float, float, float, float) override { return E_FAIL; }
+  HRESULT GetVectorValue(float (&)[4]) override { return E_FAIL; }
+  HRESULT SetVectorValue(const float (&)[4]) override { return E_FAIL; }
+  int GetVectorDimension() override { return 0; }
+  HRESULT GetTextureValue(KEPIPLMDmtDocument*&) override { return E_FAIL; }
+  HRESULT SetTextureValue(KEPIPLMDmtDocument*) override { return E_FAIL; }
+  HRESULT GetConnectedShader(KEPIRshShader*& shader) override {
+    shader = nullptr;
+    return E_FAIL;
+  }
+  HRESULT SetConnectedShader(KEPIRshShader*) override { return E_FAIL; }
+
+ private:
+  FakeParameter() = default;
+  std::string name_;
+  float value_ = 0.0f;
+  bool nameReadable_ = true;
+};
+
+/// A shader over fake parameters (null entries allowed). Its type name answers follow
+/// `typeNames` call by call, the last one repeating.
+class FakeShader : public KEPBaseUnknown, public KEPIRshShader {
+ public:
+  static KEP_var<FakeShader> Make(std::vector<std::string> typeNames,
+                                  std::vector<KEP_var<FakeParameter>> parameters) {
+    auto* s = new FakeShader();
+    s->typeNames_ = std::move(typeNames), s->parameters_ = std::move(parameters);
+    return KEP_var<FakeShader>::Adopt(s);
+  }
+  HRESULT GetTypeName(KEPString& typeName) override {
+    typeName = typeNames_[std::min(typeNameReads_++, typeNames_.size() - 1)];
+    return S_OK;
+  }
+  HRESULT GetParameters(KEPListP<KEPIRshParameter>*& parameters) override {
+    parameters = new KEPListP<KEPIRshParameter>();
+    for (const auto& p : parameters_) {
+      if (p) p->AddRef();
+      parameters->Append(p.Get());
+    }
+    return S_OK;
+  }
+  HRESULT GetId(KEPString&) override { return E_FAIL; }
+  HRESULT GetConfigurationId(KEPString&) override { return E_FAIL; }
+  HRESULT GetParameter(const KEPString&, KEPIRshParameter*&) override { return E_FAIL; }
+  HRESULT GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>&) override { return E_FAIL; }
+
+ private:
+  FakeShader() = default;
+  std::vector<std::string> typeNames_;
+  std::size_t typeNameReads_ = 0;
+  std::vector<KEP_var<FakeParameter>> parameters_;
 };
 
 /// Resets the process-wide stores and registers the module before every test.

@@ -113,10 +113,13 @@ TEST_F(ProgramFileTest, WithoutStartupPathNoShaderHasAProgram) {
   World world;
   world.Add(Type("MPM_car_paint").Param("x", Scalar(1)));
   world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
-  for (const char* type : {"MPM_car_paint", "mia_phen_material"}) {
+  world.Add(Type("mia_phen_frosted_glass").Param("x", Scalar(1)));
+  for (const char* type : {"MPM_car_paint", "mia_phen_material", "mia_phen_frosted_glass"}) {
     SCOPED_TRACE(type);
     Delegate delegate(world.Node(type));
     EXPECT_TRUE(delegate.Program()->GetExternalShader().IsEmpty());
+    // The shader type is stored only by a search along the startup path: no glass answer.
+    EXPECT_EQ(delegate.Material()->GetTransparencyCoef(), 0.0f);
   }
 }
 
