@@ -431,6 +431,7 @@ class ShiftedMaterial : public KEPRshShaderHardwareDefault {
   void GetTextureSize(float& u, float& v) override { u = 6.0f, v = 3.0f; }
   void GetTextureFlip(unsigned char& u, unsigned char& v) override { u = 1, v = 0; }
   float GetTextureAngle() override { return 12.0f; }
+  void GetTexturePosition(float& u, float& v) override { u = 0.25f, v = 0.75f; }
 };
 KEP_DEFINE_TIE(KEPIRmaMappingManipulator, ShiftedMaterial)
 
@@ -442,9 +443,13 @@ TEST_F(MaterialQueriesTest, DerivedOverridesChangeDerivedAnswers) {
                                   "ShiftedMaterial", &ShiftedMaterial::Make,
                                   &CreateTIEKEPIRmaMappingManipulatorShiftedMaterial});
   World world;
-  world.Add(Type("mia_phen_material").Param("_uv_mapping", Integer(0)));
+  world.Add(Type("mia_phen_material")
+                .Param("_uv_mapping", Integer(0))
+                .Param("_uv_scale_u", Scalar(1.0f))
+                .Param("_uv_scale_v", Scalar(1.0f)));
+  KEPRshShaderNode* node = world.Node("mia_phen_material");
   auto component = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("TestShiftedDelegate"));
-  KEPQueryVar<KEPIRshShaderLink>(component)->SetShader(world.Node("mia_phen_material"));
+  KEPQueryVar<KEPIRshShaderLink>(component)->SetShader(node);
   auto mapping = KEPQueryVar<KEPIRmaMappingManipulator>(component);
   double d = -1;
   EXPECT_EQ(mapping->GetRatio(d), S_OK);
@@ -458,6 +463,11 @@ TEST_F(MaterialQueriesTest, DerivedOverridesChangeDerivedAnswers) {
   unsigned char flip = 0;
   mapping->GetFlipU(flip);
   EXPECT_EQ(flip, 1);
+  EXPECT_EQ(mapping->GetTranslationV(d), S_OK);
+  EXPECT_EQ(d, 0.75);
+  // SetSize takes its ratio from GetRatio, which follows the derived size (6 / 3).
+  EXPECT_EQ(mapping->SetSize(3.0), S_OK);
+  EXPECT_EQ(world.Param(node, "_uv_scale_v")->Value().scalar, 6.0f);
 }
 
 }  // namespace
