@@ -10,12 +10,12 @@
 #include "KEPRshShaderLibrary.h"
 
 struct RshviewOptions {
-  std::string library;        ///< library directory; default: the bundled sample library
-  std::string doc;            ///< document file; default: the bundled sample document
-  std::string node;           ///< node identifier; empty: the command's default
-  std::string format = "text";  ///< "text" or "json"
-  bool trace = false;         ///< print the module's traces to standard error
-  bool sticker = false;       ///< material: sticker mode
+  std::string library;                 ///< library directory; default: the bundled sample library
+  std::string doc;                     ///< document file; default: the bundled sample document
+  std::string node;                    ///< node identifier; empty: the command's default
+  std::string format = "text";         ///< "text" or "json"
+  bool trace = false;                  ///< print the module's traces to standard error
+  bool sticker = false;                ///< material: sticker mode
   std::vector<std::string> arguments;  ///< what is left after the options
 };
 
@@ -34,6 +34,13 @@ struct RshviewCommand {
   const char* help;     ///< the command's own help text (its options and what it prints)
   int (*run)(RshviewContext& context);
 };
+
+/// The nodes a command works on: `--node ID`, every node in document order for `--node all`,
+/// else the document's first material. Also refuses arguments left after the options. Returns 0,
+/// or the exit code after printing the error (2 for a wrong command line, 1 for a document
+/// without material).
+int RshviewSelectNodes(RshviewContext& context, const char* command,
+                       std::vector<KEPRshShaderNode*>& nodes);
 
 /// Every command, in the order `rshview --help` lists them.
 const std::vector<RshviewCommand>& RshviewCommands();

@@ -278,34 +278,17 @@ void PrintText(const Json& node, std::ostream& out) {
 }  // namespace
 
 int RunMaterialCommand(RshviewContext& context) {
-  KEPRshShaderDocument& document = *context.document;
   std::vector<KEPRshShaderNode*> nodes;
+  if (const int code = RshviewSelectNodes(context, "material", nodes)) return code;
   const std::string& wanted = context.options.node;
-  if (wanted == "all") {
-    for (const auto& node : document.Nodes()) nodes.push_back(node.Get());
-  } else if (!wanted.empty()) {
-    KEPRshShaderNode* node = document.FindNode(wanted);
-    if (!node) {
-      std::string known;
-      for (const auto& n : document.Nodes()) known += (known.empty() ? "" : ", ") + n->Id();
-      context.err << "rshview material: no node '" << wanted << "' in " << context.options.doc
-                  << " (nodes: " << (known.empty() ? "none" : known) << ")\n";
-      return 1;
-    }
-    nodes.push_back(node);
-  } else if (!document.materials.empty()) {
-    nodes.push_back(document.FindNode(document.materials.front()));
-  }
-  if (nodes.empty() || !nodes.front()) {
-    context.err << "rshview material: the document has no material\n";
-    return 1;
-  }
 
   EnsureStartupPath(context);
   Json all = Json::array();
   for (KEPRshShaderNode* node : nodes) all.push_back(Answers(*node, context.options.sticker));
   if (context.options.format == "json") {
-    context.out << (wanted == "all" ? Json{{"nodes", all}} : all.front()).dump(2) << "\n";
+    context.out << (wanted == "all" ? Json{{"nodes", all}} : all.front())
+                       .dump(2, ' ', false, Json::error_handler_t::replace)
+                << "\n";
     return 0;
   }
   for (std::size_t i = 0; i < all.size(); ++i) {

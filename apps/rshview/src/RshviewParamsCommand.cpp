@@ -431,33 +431,9 @@ void PrintText(const Json& node, std::ostream& out) {
 }  // namespace
 
 int RunParamsCommand(RshviewContext& context) {
-  if (!context.options.arguments.empty()) {
-    context.err << "rshview params: unexpected argument '" << context.options.arguments.front()
-                << "'\nTry 'rshview params --help'.\n";
-    return 2;
-  }
-  KEPRshShaderDocument& document = *context.document;
   std::vector<KEPRshShaderNode*> nodes;
+  if (const int code = RshviewSelectNodes(context, "params", nodes)) return code;
   const std::string& wanted = context.options.node;
-  if (wanted == "all") {
-    for (const auto& node : document.Nodes()) nodes.push_back(node.Get());
-  } else if (!wanted.empty()) {
-    KEPRshShaderNode* node = document.FindNode(wanted);
-    if (!node) {
-      std::string known;
-      for (const auto& n : document.Nodes()) known += (known.empty() ? "" : ", ") + n->Id();
-      context.err << "rshview params: no node '" << wanted << "' in " << context.options.doc
-                  << " (nodes: " << (known.empty() ? "none" : known) << ")\n";
-      return 2;
-    }
-    nodes.push_back(node);
-  } else if (!document.materials.empty()) {
-    nodes.push_back(document.FindNode(document.materials.front()));
-  }
-  if (nodes.empty() || !nodes.front()) {
-    context.err << "rshview params: " << context.options.doc << " holds no material\n";
-    return 1;
-  }
 
   Json all = Json::array();
   for (KEPRshShaderNode* node : nodes) all.push_back(Node(*node));

@@ -9,21 +9,9 @@
 #include "KEPRbaConfiguration.h"
 #include "KEPRshShaderManager.h"
 #include "KEPTrace.h"
-#include "RshviewCommand.h"
+#include "RshviewRun.h"
 
 namespace {
-struct Outcome {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-Outcome Rshview(std::vector<std::string> args) {
-  std::ostringstream out, err;
-  const int code = RshviewMain(args, out, err);
-  return {code, out.str(), err.str()};
-}
-
 /// The block of one parameter in the text form (from its name line to the blank line).
 std::string Block(const std::string& text, const std::string& name) {
   const auto start = text.find("\n" + name + "  (");
