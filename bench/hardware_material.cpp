@@ -19,36 +19,12 @@
 
 namespace {
 
-KEPRshValue Scalar(float v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Scalar;
-  value.scalar = v;
-  return value;
-}
-KEPRshValue Integer(int v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Integer;
-  value.integer = v;
-  return value;
-}
-KEPRshValue Boolean(bool v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Boolean;
-  value.boolean = v;
-  return value;
-}
-KEPRshValue Color(float r, float g, float b) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Color;
-  value.components[0] = r, value.components[1] = g, value.components[2] = b;
-  return value;
-}
+using V = KEPRshValue;
+
 KEPRshValue Texture(const std::string& path) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Texture;
-  value.texture = KEP_var<KEPIPLMDmtDocument>::Adopt(
+  auto document = KEP_var<KEPTextureDocument>::Adopt(
       KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(path)));
-  return value;
+  return V::Texture(document.Get());
 }
 
 KEPRshShaderTypeDefinition MakeType(bool physical, int count) {
@@ -58,41 +34,41 @@ KEPRshShaderTypeDefinition MakeType(bool physical, int count) {
     type.parameters.push_back({std::move(name), std::move(value), {}});
   };
   if (physical) {
-    add("default_generic_brdf_diffuse_weight", Scalar(0.9f));
-    add("default_slot_diffuse_color", Color(0.8f, 0.1f, 0.1f));
-    add("default_generic_brdf_diffuse_glossiness", Scalar(0.2f));
-    add("default_generic_brdf_specular_weight", Scalar(0.6f));
-    add("default_slot_specular_color", Color(1, 1, 1));
-    add("default_slot_specular_glossiness", Scalar(0.8f));
-    add("default_slot_transparency", Scalar(0.0f));
-    add("default_slot_opacity", Scalar(1.0f));
-    add("repeat_u", Boolean(true));
-    add("repeat_v", Boolean(true));
-    add("flip_u", Boolean(false));
-    add("flip_v", Boolean(false));
-    add("offset_u", Scalar(0));
-    add("offset_v", Scalar(0));
-    add("scale_u", Scalar(2));
-    add("scale_v", Scalar(1));
-    add("angle", Scalar(0.5f));
-    add("type", Integer(5));
-    add("RNDMaterialVersion", Integer(1));
+    add("default_generic_brdf_diffuse_weight", V::Scalar(0.9f));
+    add("default_slot_diffuse_color", V::Color(0.8f, 0.1f, 0.1f));
+    add("default_generic_brdf_diffuse_glossiness", V::Scalar(0.2f));
+    add("default_generic_brdf_specular_weight", V::Scalar(0.6f));
+    add("default_slot_specular_color", V::Color(1, 1, 1));
+    add("default_slot_specular_glossiness", V::Scalar(0.8f));
+    add("default_slot_transparency", V::Scalar(0.0f));
+    add("default_slot_opacity", V::Scalar(1.0f));
+    add("repeat_u", V::Boolean(true));
+    add("repeat_v", V::Boolean(true));
+    add("flip_u", V::Boolean(false));
+    add("flip_v", V::Boolean(false));
+    add("offset_u", V::Scalar(0));
+    add("offset_v", V::Scalar(0));
+    add("scale_u", V::Scalar(2));
+    add("scale_v", V::Scalar(1));
+    add("angle", V::Scalar(0.5f));
+    add("type", V::Integer(5));
+    add("RNDMaterialVersion", V::Integer(1));
   } else {
-    add("_uv_mapping", Integer(2));
-    add("_uv_flip_u", Boolean(false));
-    add("_uv_flip_v", Boolean(true));
-    add("_uv_offset_u", Scalar(0));
-    add("_uv_offset_v", Scalar(0));
-    add("_uv_scale_u", Scalar(2));
-    add("_uv_scale_v", Scalar(4));
-    add("_uv_angle", Scalar(0.25f));
+    add("_uv_mapping", V::Integer(2));
+    add("_uv_flip_u", V::Boolean(false));
+    add("_uv_flip_v", V::Boolean(true));
+    add("_uv_offset_u", V::Scalar(0));
+    add("_uv_offset_v", V::Scalar(0));
+    add("_uv_scale_u", V::Scalar(2));
+    add("_uv_scale_v", V::Scalar(4));
+    add("_uv_angle", V::Scalar(0.25f));
   }
   add("texture",
       Texture(std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup/textures/checker.png"));
   // Filler parameters first, so every named one sits behind them.
   const int filler = count - static_cast<int>(type.parameters.size());
   std::vector<KEPRshParameterDefinition> all;
-  for (int i = 0; i < filler; ++i) all.push_back({"filler_" + std::to_string(i), Scalar(1), {}});
+  for (int i = 0; i < filler; ++i) all.push_back({"filler_" + std::to_string(i), V::Scalar(1), {}});
   for (auto& p : type.parameters) all.push_back(std::move(p));
   type.parameters = std::move(all);
   return type;

@@ -5,10 +5,14 @@ constexpr struct {
   KEPRmaType type;
   const char* name;
 } kTypes[] = {
-    {KEPRmaType::Boolean, "KEPRmaBoolean"}, {KEPRmaType::Integer, "KEPRmaInteger"},
-    {KEPRmaType::Scalar, "KEPRmaScalar"},   {KEPRmaType::Color, "KEPRmaColor"},
-    {KEPRmaType::Vector, "KEPRmaVector"},   {KEPRmaType::Texture, "KEPRmaTexture"},
-    {KEPRmaType::LightProfile, "KEPRmaLightProfile"}, {KEPRmaType::Void, "KEPRmaVoid"},
+    {KEPRmaType::Boolean, "KEPRmaBoolean"},
+    {KEPRmaType::Integer, "KEPRmaInteger"},
+    {KEPRmaType::Scalar, "KEPRmaScalar"},
+    {KEPRmaType::Color, "KEPRmaColor"},
+    {KEPRmaType::Vector, "KEPRmaVector"},
+    {KEPRmaType::Texture, "KEPRmaTexture"},
+    {KEPRmaType::LightProfile, "KEPRmaLightProfile"},
+    {KEPRmaType::Void, "KEPRmaVoid"},
 };
 }  // namespace
 
@@ -22,4 +26,53 @@ std::optional<KEPRmaType> KEPRmaTypeFromName(std::string_view name) {
   for (const auto& t : kTypes)
     if (name == t.name) return t.type;
   return std::nullopt;
+}
+
+KEPRshValue KEPRshValue::Boolean(bool value) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Boolean;
+  v.boolean = value;
+  return v;
+}
+
+KEPRshValue KEPRshValue::Integer(int value) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Integer;
+  v.integer = value;
+  return v;
+}
+
+KEPRshValue KEPRshValue::Scalar(float value) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Scalar;
+  v.scalar = value;
+  return v;
+}
+
+KEPRshValue KEPRshValue::Color(float r, float g, float b, float alpha) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Color;
+  v.components[0] = r;
+  v.components[1] = g;
+  v.components[2] = b;
+  v.components[3] = alpha;
+  return v;
+}
+
+KEPRshValue KEPRshValue::Vector(std::initializer_list<float> components) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Vector;
+  int i = 0;
+  for (float c : components)
+    if (i < 4) v.components[i++] = c;
+  v.dimension = i < 2 ? 2 : i;
+  for (; i < 4; ++i) v.components[i] = 0.0f;
+  return v;
+}
+
+KEPRshValue KEPRshValue::Texture(KEPIPLMDmtDocument* document) {
+  KEPRshValue v;
+  v.type = KEPRmaType::Texture;
+  v.texture = KEP_var<KEPIPLMDmtDocument>(document);
+  return v;
 }

@@ -39,51 +39,28 @@ void Config(const std::string& id, std::initializer_list<std::pair<std::string, 
 }
 
 KEPRshValue Boolean(bool v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Boolean;
-  value.boolean = v;
-  return value;
+  return KEPRshValue::Boolean(v);
 }
 KEPRshValue Integer(int v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Integer;
-  value.integer = v;
-  return value;
+  return KEPRshValue::Integer(v);
 }
 KEPRshValue Scalar(float v) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Scalar;
-  value.scalar = v;
-  return value;
+  return KEPRshValue::Scalar(v);
 }
 KEPRshValue Color(float r, float g, float b, float a) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Color;
-  value.components[0] = r;
-  value.components[1] = g;
-  value.components[2] = b;
-  value.components[3] = a;
-  return value;
+  return KEPRshValue::Color(r, g, b, a);
 }
 KEPRshValue Vector(std::initializer_list<float> components) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Vector;
-  value.dimension = static_cast<int>(components.size());
-  int i = 0;
-  for (float c : components) value.components[i++] = c;
-  for (; i < 4; ++i) value.components[i] = 0.0f;
-  return value;
+  return KEPRshValue::Vector(components);
 }
 KEPRshValue Texture(const std::string& imagePath) {
-  KEPRshValue value;
-  value.type = KEPRmaType::Texture;
-  if (!imagePath.empty())
-    value.texture = KEP_var<KEPIPLMDmtDocument>::Adopt(
-        KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(imagePath)));
-  return value;
+  if (imagePath.empty()) return KEPRshValue::Texture(nullptr);
+  auto document = KEP_var<KEPTextureDocument>::Adopt(
+      KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(imagePath)));
+  return KEPRshValue::Texture(document.Get());
 }
 KEPRshValue Void() {
-  return KEPRshValue{};
+  return KEPRshValue::Void();
 }
 
 Type::Type(std::string name, std::string configurationId) {
