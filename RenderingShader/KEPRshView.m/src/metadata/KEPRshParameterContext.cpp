@@ -1,5 +1,6 @@
 #include "KEPRshParameterContext.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -10,7 +11,13 @@
 #include "KEPParmDictionary.h"
 #include "KEPRbaConfiguration.h"
 #include "KEPRshShaderManager.h"
+
 #include "KEP_var.h"
+
+namespace {
+/// Most indices an enumeration-index search visits.
+constexpr long long kMaxEnumSearch = 1 << 16;
+}  // namespace
 
 void KEPRshParameterContext::Resolve(KEPBaseUnknown* extended) {
   if (resolved_) return;
@@ -141,8 +148,12 @@ HRESULT KEPRshParameterContext::EnumIndex(bool hardFallback, int value, int& ind
   if (FAILED(Range(hardFallback, minText, maxText, stepText))) return E_FAIL;
   int min = 0, max = 0;
   if (!ParseInt(minText, min) || !ParseInt(maxText, max)) return E_FAIL;
-  // 64-bit counter: a range that ends at INT_MAX must still terminate.
-  for (long long i = min; i <= max; ++i) {
+  // 64-bit counter: a range that ends at INT_MAX must still terminate. The search asks the
+  // store twice per index, so an absurd configured range (0 .. 2^31) would hold the user
+  // interface for minutes; no enumeration has that many entries, so the walk stops after
+  // kMaxEnumSearch indices and answers as if nothing matched.
+  const long long last = std::min<long long>(max, static_cast<long long>(min) + kMaxEnumSearch - 1);
+  for (long long i = min; i <= last; ++i) {
     int enumValue = -1;
     if (SUCCEEDED(Config(Indexed(".EnumVal", i), enumValue)) && enumValue == value) {
       index = static_cast<int>(i);

@@ -267,6 +267,15 @@ TEST_F(ReadersTest, EnumIndexSearchesTheRangeInOrder) {
   EXPECT_EQ(found, -5);
 }
 
+TEST_F(ReadersTest, EnumIndexOverAnAbsurdRangeEndsInsteadOfHoldingTheEditor) {
+  Config("plainCfg",
+         {{"n.Min", "-2147483648"}, {"n.Max", "2147483647"}, {"n.Enum-2147483643", "9"}});
+  int index = -5;
+  ASSERT_EQ(PlainImm("n")->GetEnumIndex(9, index), S_OK);
+  EXPECT_EQ(index, -2147483643);
+  EXPECT_EQ(PlainImm("n")->GetEnumIndex(10, index), E_FAIL);  // returns, after 2^16 indices
+}
+
 TEST_F(ReadersTest, EnumIndexNeedsANumericRangeAndUsesResourcesWhenOffered) {
   Config("plainCfg", {{"n.Min", "low"}, {"n.Max", "3"}, {"n.Enum0", "0"}});
   int index = -5;
