@@ -27,9 +27,14 @@ KEPRshValue Texture(const std::string& path) {
   return V::Texture(document.Get());
 }
 
-KEPRshShaderTypeDefinition MakeType(bool physical, int count) {
+// Physical: slot and BRDF parameters. Other: the "_uv_*" family. Connected: neither; every texture
+// question falls back to the texture node connected to the material's last parameter.
+enum class Kind { Physical, Other, Connected };
+
+KEPRshShaderTypeDefinition MakeType(Kind kind, int count) {
   KEPRshShaderTypeDefinition type;
-  type.name = physical ? "MPM_car_paint" : "mia_phen_material";
+  type.name = kind == Kind::Physical ? "MPM_car_paint" : "mia_phen_material";
+  const bool physical = kind == Kind::Physical;
   auto add = [&](std::string name, KEPRshValue value) {
     type.parameters.push_back({std::move(name), std::move(value), {}});
   };
@@ -53,7 +58,7 @@ KEPRshShaderTypeDefinition MakeType(bool physical, int count) {
     add("angle", V::Scalar(0.5f));
     add("type", V::Integer(5));
     add("RNDMaterialVersion", V::Integer(1));
-  } else {
+  } else if (kind == Kind::Other) {
     add("_uv_mapping", V::Integer(2));
     add("_uv_flip_u", V::Boolean(false));
     add("_uv_flip_v", V::Boolean(true));
@@ -63,8 +68,11 @@ KEPRshShaderTypeDefinition MakeType(bool physical, int count) {
     add("_uv_scale_v", V::Scalar(4));
     add("_uv_angle", V::Scalar(0.25f));
   }
-  add("texture",
-      Texture(std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup/textures/checker.png"));
+  if (kind == Kind::Connected)
+    add("slot", V::Void());
+  else
+    add("texture",
+        Texture(std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup/textures/checker.png"));
   // Filler parameters first, so every named one sits behind them.
   const int filler = count - static_cast<int>(type.parameters.size());
   std::vector<KEPRshParameterDefinition> all;
@@ -113,14 +121,26 @@ void AskEverything(KEPIHardwareMaterial* material, KEPIOpenGLShaderMaterial* pro
   benchmark::DoNotOptimize(coef + gloss + u + v + wu + wv + fu + fv + color[0]);
 }
 
-void FullSet(benchmark::State& state, bool physical) {
+KEPRshShaderTypeDefinition TextureType() {
+  KEPRshShaderTypeDefinition type = MakeType(Kind::Other, 0);
+  type.name = "kep_phen_texture";
+  return type;
+}
+
+void FullSet(benchmark::State& state, Kind kind) {
   KEPRshViewRegister();
   setenv("KEPStartupPath", (std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup").c_str(), 0);
   auto library = std::make_shared<KEPRshShaderLibrary>();
-  library->AddType(MakeType(physical, static_cast<int>(state.range(0))));
+  library->AddType(MakeType(kind, static_cast<int>(state.range(0))));
+  library->AddType(TextureType());
   auto document = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
   KEPIRshShader* shader = nullptr;
   document->CreateShader(library->Types()[0].name, "n", shader);
+  if (kind == Kind::Connected) {
+    KEP_var<KEPIRshShader> texture;
+    document->CreateShader("kep_phen_texture", "t", *texture.Out());
+    document->FindNode("n")->Parameters().back()->SetConnectedShader(texture.Get());
+  }
   auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
   KEPQueryVar<KEPIRshShaderLink>(delegate)->SetShader(shader);
   shader->Release();
@@ -133,14 +153,18 @@ void FullSet(benchmark::State& state, bool physical) {
 }
 
 void BM_PhysicalMaterialFullSet(benchmark::State& state) {
-  FullSet(state, true);
+  FullSet(state, Kind::Physical);
 }
 void BM_OtherMaterialFullSet(benchmark::State& state) {
-  FullSet(state, false);
+  FullSet(state, Kind::Other);
+}
+void BM_ConnectedTextureFullSet(benchmark::State& state) {
+  FullSet(state, Kind::Connected);
 }
 
 }  // namespace
 
 BENCHMARK(BM_PhysicalMaterialFullSet)->Arg(10)->Arg(100)->Arg(1000);
 BENCHMARK(BM_OtherMaterialFullSet)->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK(BM_ConnectedTextureFullSet)->Arg(10)->Arg(100)->Arg(1000);
 BENCHMARK_MAIN();

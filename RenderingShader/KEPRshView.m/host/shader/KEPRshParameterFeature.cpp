@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "KEPRdgRenderLock.h"
+#include "KEPRshParameterServices.h"
 #include "KEPRshShaderNode.h"
 
 KEP_IMPLEMENT_CLASS(KEPRshParameterFeature, KEPBaseUnknown, "System")
@@ -34,10 +35,17 @@ HRESULT KEPRshParameterFeature::GetTypeName(KEPString& typeName) {
 HRESULT KEPRshParameterFeature::GetBooleanValue(unsigned char& value) {
   KEPRdgRenderLock lock;
   switch (value_.type) {
-    case KEPRmaType::Boolean: value = value_.boolean ? 1 : 0; return S_OK;
-    case KEPRmaType::Integer: value = value_.integer != 0 ? 1 : 0; return S_OK;
-    case KEPRmaType::Scalar: value = value_.scalar != 0.0f ? 1 : 0; return S_OK;
-    default: return E_FAIL;
+    case KEPRmaType::Boolean:
+      value = value_.boolean ? 1 : 0;
+      return S_OK;
+    case KEPRmaType::Integer:
+      value = value_.integer != 0 ? 1 : 0;
+      return S_OK;
+    case KEPRmaType::Scalar:
+      value = value_.scalar != 0.0f ? 1 : 0;
+      return S_OK;
+    default:
+      return E_FAIL;
   }
 }
 
@@ -48,23 +56,35 @@ HRESULT KEPRshParameterFeature::SetBooleanValue(unsigned char value) {
 HRESULT KEPRshParameterFeature::GetIntegerValue(int& value) {
   KEPRdgRenderLock lock;
   switch (value_.type) {
-    case KEPRmaType::Boolean: value = value_.boolean ? 1 : 0; return S_OK;
-    case KEPRmaType::Integer: value = value_.integer; return S_OK;
+    case KEPRmaType::Boolean:
+      value = value_.boolean ? 1 : 0;
+      return S_OK;
+    case KEPRmaType::Integer:
+      value = value_.integer;
+      return S_OK;
     case KEPRmaType::Scalar:
       if (!std::isfinite(value_.scalar) || std::fabs(value_.scalar) > 2.1e9f) return E_FAIL;
       value = static_cast<int>(value_.scalar);
       return S_OK;
-    default: return E_FAIL;
+    default:
+      return E_FAIL;
   }
 }
 
 HRESULT KEPRshParameterFeature::SetIntegerValue(int value) {
   KEPRdgRenderLock lock;
   switch (value_.type) {
-    case KEPRmaType::Boolean: value_.boolean = value != 0; break;
-    case KEPRmaType::Integer: value_.integer = value; break;
-    case KEPRmaType::Scalar: value_.scalar = static_cast<float>(value); break;
-    default: return E_FAIL;
+    case KEPRmaType::Boolean:
+      value_.boolean = value != 0;
+      break;
+    case KEPRmaType::Integer:
+      value_.integer = value;
+      break;
+    case KEPRmaType::Scalar:
+      value_.scalar = static_cast<float>(value);
+      break;
+    default:
+      return E_FAIL;
   }
   Wrote();
   return S_OK;
@@ -73,23 +93,35 @@ HRESULT KEPRshParameterFeature::SetIntegerValue(int value) {
 HRESULT KEPRshParameterFeature::GetScalarValue(float& value) {
   KEPRdgRenderLock lock;
   switch (value_.type) {
-    case KEPRmaType::Boolean: value = value_.boolean ? 1.0f : 0.0f; return S_OK;
-    case KEPRmaType::Integer: value = static_cast<float>(value_.integer); return S_OK;
-    case KEPRmaType::Scalar: value = value_.scalar; return S_OK;
-    default: return E_FAIL;
+    case KEPRmaType::Boolean:
+      value = value_.boolean ? 1.0f : 0.0f;
+      return S_OK;
+    case KEPRmaType::Integer:
+      value = static_cast<float>(value_.integer);
+      return S_OK;
+    case KEPRmaType::Scalar:
+      value = value_.scalar;
+      return S_OK;
+    default:
+      return E_FAIL;
   }
 }
 
 HRESULT KEPRshParameterFeature::SetScalarValue(float value) {
   KEPRdgRenderLock lock;
   switch (value_.type) {
-    case KEPRmaType::Boolean: value_.boolean = value != 0.0f; break;
+    case KEPRmaType::Boolean:
+      value_.boolean = value != 0.0f;
+      break;
     case KEPRmaType::Integer:
       if (!std::isfinite(value) || std::fabs(value) > 2.1e9f) return E_FAIL;
       value_.integer = static_cast<int>(std::lround(value));
       break;
-    case KEPRmaType::Scalar: value_.scalar = value; break;
-    default: return E_FAIL;
+    case KEPRmaType::Scalar:
+      value_.scalar = value;
+      break;
+    default:
+      return E_FAIL;
   }
   Wrote();
   return S_OK;
@@ -165,6 +197,7 @@ HRESULT KEPRshParameterFeature::SetConnectedShader(KEPIRshShader* shader) {
   if (auto* old = dynamic_cast<KEPRshShaderNode*>(connected_.Get())) old->RemovePointing(this);
   connected_.Set(node);
   if (node) node->AddPointing(this);
+  KEPRshParameterServices::NoteConnectionChange();
   Wrote();
   return S_OK;
 }

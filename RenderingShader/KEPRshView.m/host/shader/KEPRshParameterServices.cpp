@@ -1,5 +1,7 @@
 #include "KEPRshParameterServices.h"
 
+#include <atomic>
+
 #include "KEPIPLMDmtDocument.h"
 #include "KEPIRshParameter.h"
 #include "KEPIRshShader.h"
@@ -61,4 +63,16 @@ bool KEPRshParameterServices::IsSVGMapPresent(KEPIRshShader* shader) {
   }
   delete list;
   return found;
+}
+
+namespace {
+std::atomic<unsigned long long> gConnectionGeneration{1};
+}  // namespace
+
+unsigned long long KEPRshParameterServices::GetConnectionGeneration() {
+  return gConnectionGeneration.load(std::memory_order_acquire);
+}
+
+void KEPRshParameterServices::NoteConnectionChange() {
+  gConnectionGeneration.fetch_add(1, std::memory_order_acq_rel);
 }

@@ -22,4 +22,10 @@ class KEPRshParameterServices {
   static HRESULT RetrieveDpi(KEPIRshParameter* parameter, double& dpi);
   /// True when `shader` has a texture parameter whose image is a vector (SVG) map.
   static bool IsSVGMapPresent(KEPIRshShader* shader);
+
+  /// A number that changes whenever a parameter of any shader is connected or disconnected, or a
+  /// connected node goes away; what a client derived from connections holds while it is unchanged.
+  static unsigned long long GetConnectionGeneration();
+  /// Called by the shader model when a connection changes.
+  static void NoteConnectionChange();
 };

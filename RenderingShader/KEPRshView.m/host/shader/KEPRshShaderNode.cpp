@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "KEPRshParameterServices.h"
+
 KEP_IMPLEMENT_CLASS(KEPRshShaderNode, KEPBaseUnknown, "System")
 
 KEPRshShaderNode* KEPRshShaderNode::Create(const KEPRshShaderTypeDefinition& type, std::string id,
@@ -19,6 +21,8 @@ KEPRshShaderNode* KEPRshShaderNode::Create(const KEPRshShaderTypeDefinition& typ
 }
 
 KEPRshShaderNode::~KEPRshShaderNode() {
+  // Parameters connected to this node lose their connection now.
+  if (!pointing_.empty()) KEPRshParameterServices::NoteConnectionChange();
   for (auto& parameter : parameters_) {
     KEPIRshShader* none = nullptr;
     parameter->SetConnectedShader(none);
@@ -65,8 +69,7 @@ HRESULT KEPRshShaderNode::GetParameter(const KEPString& name, KEPIRshParameter*&
   return E_FAIL;
 }
 
-HRESULT KEPRshShaderNode::GetPointingComponents(
-    std::vector<KEP_var<KEPIRshParameter>>& pointing) {
+HRESULT KEPRshShaderNode::GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>& pointing) {
   pointing.clear();
   for (const KEPBaseUnknown_WR& ref : pointing_)
     if (auto* parameter = dynamic_cast<KEPRshParameterFeature*>(ref.Get()))

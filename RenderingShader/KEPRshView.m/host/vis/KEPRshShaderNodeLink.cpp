@@ -18,10 +18,13 @@ HRESULT KEPRshShaderNodeLink::GetShader(KEPIRshShader*& out) {
   KEPBaseUnknown* node = GetExtendedObject();
   if (!node) return E_FAIL;
   // The node's own interface, never an extension: a node is a KEPIRshShader by itself.
-  auto* shader = dynamic_cast<KEPIRshShader*>(node);
-  if (!shader) return E_FAIL;
-  shader->AddRef();
-  out = shader;
+  if (castFrom_ != node) {
+    castFrom_ = node;
+    shader_ = dynamic_cast<KEPIRshShader*>(node);
+  }
+  if (!shader_) return E_FAIL;
+  shader_->AddRef();
+  out = shader_;
   return S_OK;
 }
 

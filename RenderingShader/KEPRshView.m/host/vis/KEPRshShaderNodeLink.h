@@ -17,6 +17,9 @@ class KEPRshShaderNodeLink : public KEPBaseUnknown, public KEPIRshShaderLink {
 
  private:
   KEPRshShaderNodeLink() = default;
+  /// The node seen as a shader, found once (the cast is costly and the node never changes).
+  KEPBaseUnknown* castFrom_ = nullptr;
+  KEPIRshShader* shader_ = nullptr;
 };
 
 /// Registers KEPIRshShaderLink on "KEPRshShader" with KEPRshShaderNodeLink. Idempotent.

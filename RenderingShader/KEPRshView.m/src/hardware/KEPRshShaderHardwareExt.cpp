@@ -1,8 +1,11 @@
 #include "KEPRshShaderHardwareExt.h"
 
+#include "KEPRshParameterServices.h"
+
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <type_traits>
 
 #include "KEPFileServices.h"
 #include "KEPIPLMDmtDocument.h"
@@ -156,18 +159,26 @@ KEPIRshShaderLink* KEPRshShaderHardwareExt::FindLink() {
   return link_;
 }
 
+void KEPRshShaderHardwareExt::ReadLinkedTypeName(KEPString& typeName) {
+  typeName.clear();
+  KEPIRshShaderLink* link = FindLink();
+  if (!link) return;
+  KEP_var<KEPIRshShader> shader;
+  if (FAILED(link->GetShader(*shader.Out())) || !shader) return;
+  if (FAILED(shader->GetTypeName(typeName))) typeName.clear();
+}
+
 KEPString KEPRshShaderHardwareExt::GetLinkedTypeName() {
   KEPString typeName;
-  KEPIRshShaderLink* link = FindLink();
-  if (!link) return typeName;
-  KEP_var<KEPIRshShader> shader;
-  if (FAILED(link->GetShader(*shader.Out())) || !shader) return typeName;
-  if (FAILED(shader->GetTypeName(typeName))) typeName.clear();
+  ReadLinkedTypeName(typeName);
   return typeName;
 }
 
 bool KEPRshShaderHardwareExt::IsPhysicalShader() {
-  return StartsWithPhysicalPrefix(GetLinkedTypeName());
+  // Read afresh for every question, into a buffer that keeps its capacity: no allocation per
+  // question once the first name has been read.
+  ReadLinkedTypeName(typeNameBuffer_);
+  return StartsWithPhysicalPrefix(typeNameBuffer_);
 }
 
 bool KEPRshShaderHardwareExt::FindShaderFile(std::string_view baseName, KEPUnicodeString& found) {
@@ -271,6 +282,7 @@ void KEPRshShaderHardwareExt::CleanUp() {
   delete parameters_;
   parameters_ = nullptr;
   texturePositions_.clear();
+  connected_ = ConnectedTexture{};
 }
 
 // --- Parameter lookup
@@ -318,13 +330,36 @@ KEPIHardwareMaterial* KEPRshShaderHardwareExt::GetConnectedTexture() {
   return nullptr;
 }
 
+bool KEPRshShaderHardwareExt::RefreshConnectedTexture() {
+  // The viewer asks every frame and connections change rarely, while finding the connected
+  // texture means a walk over the parameters and several interface queries. So what was found is
+  // kept, without a reference, for as long as no connection in the model has changed and the
+  // object found is alive.
+  const unsigned long long generation = KEPRshParameterServices::GetConnectionGeneration();
+  if (connected_.generation == generation && parameters_ &&
+      (!connected_.material || connected_.object.IsAlive()))
+    return connected_.material != nullptr;
+  connected_ = ConnectedTexture{};
+  auto material = KEP_var<KEPIHardwareMaterial>::Adopt(GetConnectedTexture());
+  if (!parameters_) return false;  // not initialised yet: look again next time
+  connected_.generation = generation;
+  auto* object = dynamic_cast<KEPBaseUnknown*>(material.Get());
+  if (!object) return false;
+  connected_.object.Set(object);
+  connected_.material = material.Get();
+  // Borrowed like the material: served by the same component, which outlives neither.
+  connected_.mapping = KEPQueryVar<KEPIRmaMappingManipulator>(material).Get();
+  return true;
+}
+
 template <class Interface, class Ask>
 bool KEPRshShaderHardwareExt::AskConnectedTexture(Ask&& ask) {
-  if (askingConnected_) return false;
-  KEP_var<KEPIHardwareMaterial> material =
-      KEP_var<KEPIHardwareMaterial>::Adopt(GetConnectedTexture());
-  if (!material) return false;
-  KEP_var<Interface> target = KEPQueryVar<Interface>(material);
+  if (askingConnected_ || !RefreshConnectedTexture()) return false;
+  Interface* target = nullptr;
+  if constexpr (std::is_same_v<Interface, KEPIHardwareMaterial>)
+    target = connected_.material;
+  else
+    target = connected_.mapping;
   if (!target) return false;
   askingConnected_ = true;
   ask(*target);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "KEPBaseUnknown.h"
+#include "KEPBaseUnknown_WR.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
@@ -226,6 +227,8 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   bool IsPhysicalShader();
   /// The linked shader's type name; empty without a link or a shader.
   KEPString GetLinkedTypeName();
+  /// The same, into `typeName`.
+  void ReadLinkedTypeName(KEPString& typeName);
 
  private:
   KEPIRshShaderLink* FindLink();
@@ -238,6 +241,8 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   /// object is already asking one (a cycle of connections ends there).
   template <class Interface, class Ask>
   bool AskConnectedTexture(Ask&& ask);
+  /// Brings connected_ up to date; true when there is a connected texture material.
+  bool RefreshConnectedTexture();
 
   KEPListValKEPString parameterNames_;
   KEPListP<KEPIRshParameter>* parameters_ = nullptr;
@@ -260,4 +265,15 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   KEPIRshShaderLink* link_ = nullptr;
   /// Set while a question is passed on to the connected texture.
   bool askingConnected_ = false;
+  /// The connected texture's material as last found (no references held): valid while the
+  /// model's connection generation is still `generation` and `object` is alive.
+  struct ConnectedTexture {
+    unsigned long long generation = 0;  ///< 0: not looked up
+    KEPBaseUnknown_WR object;
+    KEPIHardwareMaterial* material = nullptr;
+    KEPIRmaMappingManipulator* mapping = nullptr;
+  };
+  ConnectedTexture connected_;
+  /// Scratch space of IsPhysicalShader.
+  KEPString typeNameBuffer_;
 };

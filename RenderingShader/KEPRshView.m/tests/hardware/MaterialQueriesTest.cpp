@@ -383,6 +383,28 @@ TEST_F(MaterialQueriesTest, WithoutConnectedTextureTheDefaultsHold) {
   EXPECT_EQ(mapping->SetSize(1.0), E_FAIL);
 }
 
+TEST_F(MaterialQueriesTest, ConnectionChangesAfterTheFirstQuestionAreSeen) {
+  ConnectedWorld w(false, kChecker);
+  Delegate delegate(w.material);
+  auto material = delegate.Material();
+  float u = -1, v = -1;
+  material->GetTextureSize(u, v);
+  EXPECT_EQ(u, 1.0f) << "nothing connected yet";
+  auto* map = w.world.Param(w.material, "map");
+  ASSERT_EQ(map->SetConnectedShader(w.texture), S_OK);
+  material->GetTextureSize(u, v);
+  EXPECT_EQ(u, 3.0f) << "connected after the first question";
+  KEPRshShaderNode* other = w.world.Node("kep_phen_texture", "tex2");
+  w.world.Param(other, "_uv_scale_u")->SetScalarValue(7.0f);
+  map->SetConnectedShader(other);
+  material->GetTextureSize(u, v);
+  EXPECT_EQ(u, 7.0f) << "re-connected to another texture";
+  map->SetConnectedShader(nullptr);
+  u = v = -1;
+  material->GetTextureSize(u, v);
+  EXPECT_EQ(u, 1.0f) << "disconnected";
+}
+
 TEST_F(MaterialQueriesTest, ConnectionCycleEndsInDefaults) {
   World world;
   world.Add(Type("mia_phen_material").Param("map", Void()));
