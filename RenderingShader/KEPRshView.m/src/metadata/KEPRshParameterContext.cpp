@@ -223,6 +223,17 @@ bool KEPRshParameterContext::ParseInt(const KEPString& text, int& value) {
   return true;
 }
 
+bool KEPRshParameterContext::ParseIntRange(const KEPString& minText, const KEPString& maxText,
+                                           const KEPString& stepText, int& min, int& max,
+                                           int& step) {
+  int low = 0, high = 0;
+  if (!ParseInt(minText, low) || !ParseInt(maxText, high)) return false;
+  min = low;
+  max = high;
+  ParseInt(stepText, step);
+  return true;
+}
+
 bool KEPRshParameterContext::ParseUnsigned(const KEPString& text, unsigned& value) {
   unsigned parsed = 0;
   if (std::sscanf(text.c_str(), "%u", &parsed) != 1) return false;

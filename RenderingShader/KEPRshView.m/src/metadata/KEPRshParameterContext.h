@@ -63,6 +63,10 @@ class KEPRshParameterContext {
   // --- Text conversions with the C library's scanf semantics.
   static bool ParseDouble(const KEPString& text, double& value);
   static bool ParseInt(const KEPString& text, int& value);
+  /// An integer range from its texts: min and max must parse ("%d"), the step is optional and
+  /// keeps its value when it does not. False, with the outputs untouched, otherwise.
+  static bool ParseIntRange(const KEPString& minText, const KEPString& maxText,
+                            const KEPString& stepText, int& min, int& max, int& step);
   static bool ParseUnsigned(const KEPString& text, unsigned& value);
   static bool ParseUnsigned64(const KEPString& text, unsigned long long& value);
   /// Two to four numbers separated by blanks or commas (brackets allowed around them); components

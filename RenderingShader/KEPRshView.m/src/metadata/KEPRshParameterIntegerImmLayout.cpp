@@ -18,14 +18,8 @@ HRESULT KEPRshParameterIntegerImmLayout::GetTypedDefault(int& value) {
 HRESULT KEPRshParameterIntegerImmLayout::GetTypedRange(int& min, int& max, int& step) {
   KEPString minText, maxText, stepText;
   if (FAILED(GetRange(minText, maxText, stepText))) return E_FAIL;
-  int low = 0, high = 0;
-  if (!KEPRshParameterContext::ParseInt(minText, low) ||
-      !KEPRshParameterContext::ParseInt(maxText, high))
-    return E_FAIL;
-  min = low;
-  max = high;
-  KEPRshParameterContext::ParseInt(stepText, step);  // optional: keeps the caller's step
-  return S_OK;
+  return KEPRshParameterContext::ParseIntRange(minText, maxText, stepText, min, max, step) ? S_OK
+                                                                                           : E_FAIL;
 }
 
 const char* KEPRshParameterIntegerImmLayout::DefaultWidgetKind() const {
