@@ -168,6 +168,7 @@ int KEPRshParameterFeature::GetVectorDimension() {
 }
 
 HRESULT KEPRshParameterFeature::GetTextureValue(KEPIPLMDmtDocument*& document) {
+  KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Texture) return E_FAIL;
   document = value_.texture.Get();
   if (document) document->AddRef();
