@@ -7,21 +7,21 @@
 #include <string>
 
 #include "KEPCreateComponent.h"
+#include "KEPHostShaderDocument.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
 #include "KEPIRmaMappingManipulatorMaterial.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
-#include "KEPRshShaderDocument.h"
 #include "KEPRshViewModule.h"
 #include "KEPTextureDocument.h"
 
 namespace {
 
-using V = KEPRshValue;
+using V = KEPHostValue;
 
-KEPRshValue Texture(const std::string& path) {
+KEPHostValue Texture(const std::string& path) {
   auto document = KEP_var<KEPTextureDocument>::Adopt(
       KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(path)));
   return V::Texture(document.Get());
@@ -31,11 +31,11 @@ KEPRshValue Texture(const std::string& path) {
 // question falls back to the texture node connected to the material's last parameter.
 enum class Kind { Physical, Other, Connected };
 
-KEPRshShaderTypeDefinition MakeType(Kind kind, int count) {
-  KEPRshShaderTypeDefinition type;
+KEPHostShaderTypeDefinition MakeType(Kind kind, int count) {
+  KEPHostShaderTypeDefinition type;
   type.name = kind == Kind::Physical ? "MPM_car_paint" : "mia_phen_material";
   const bool physical = kind == Kind::Physical;
-  auto add = [&](std::string name, KEPRshValue value) {
+  auto add = [&](std::string name, KEPHostValue value) {
     type.parameters.push_back({std::move(name), std::move(value), {}});
   };
   if (physical) {
@@ -75,7 +75,7 @@ KEPRshShaderTypeDefinition MakeType(Kind kind, int count) {
         Texture(std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup/textures/checker.png"));
   // Filler parameters first, so every named one sits behind them.
   const int filler = count - static_cast<int>(type.parameters.size());
-  std::vector<KEPRshParameterDefinition> all;
+  std::vector<KEPHostParameterDefinition> all;
   for (int i = 0; i < filler; ++i) all.push_back({"filler_" + std::to_string(i), V::Scalar(1), {}});
   for (auto& p : type.parameters) all.push_back(std::move(p));
   type.parameters = std::move(all);
@@ -121,8 +121,8 @@ void AskEverything(KEPIHardwareMaterial* material, KEPIOpenGLShaderMaterial* pro
   benchmark::DoNotOptimize(coef + gloss + u + v + wu + wv + fu + fv + color[0]);
 }
 
-KEPRshShaderTypeDefinition TextureType() {
-  KEPRshShaderTypeDefinition type = MakeType(Kind::Other, 0);
+KEPHostShaderTypeDefinition TextureType() {
+  KEPHostShaderTypeDefinition type = MakeType(Kind::Other, 0);
   type.name = "kep_phen_texture";
   return type;
 }
@@ -130,10 +130,10 @@ KEPRshShaderTypeDefinition TextureType() {
 void FullSet(benchmark::State& state, Kind kind) {
   KEPRshViewRegister();
   setenv("KEPStartupPath", (std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup").c_str(), 0);
-  auto library = std::make_shared<KEPRshShaderLibrary>();
+  auto library = std::make_shared<KEPHostShaderLibrary>();
   library->AddType(MakeType(kind, static_cast<int>(state.range(0))));
   library->AddType(TextureType());
-  auto document = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
+  auto document = KEP_var<KEPHostShaderDocument>::Adopt(KEPHostShaderDocument::Create(library));
   KEPIRshShader* shader = nullptr;
   document->CreateShader(library->Types()[0].name, "n", shader);
   if (kind == Kind::Connected) {

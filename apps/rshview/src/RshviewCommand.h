@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "KEPRshShaderDocument.h"
-#include "KEPRshShaderLibrary.h"
+#include "KEPHostShaderDocument.h"
+#include "KEPHostShaderLibrary.h"
 
 struct RshviewOptions {
   std::string library;                 ///< library directory; default: the bundled sample library
@@ -21,8 +21,8 @@ struct RshviewOptions {
 
 struct RshviewContext {
   RshviewOptions options;
-  std::shared_ptr<KEPRshShaderLibrary> library;
-  KEP_var<KEPRshShaderDocument> document;
+  std::shared_ptr<KEPHostShaderLibrary> library;
+  KEP_var<KEPHostShaderDocument> document;
   std::ostream& out;
   std::ostream& err;
 };
@@ -40,7 +40,7 @@ struct RshviewCommand {
 /// or the exit code after printing the error (2 for a wrong command line, 1 for a document
 /// without material).
 int RshviewSelectNodes(RshviewContext& context, const char* command,
-                       std::vector<KEPRshShaderNode*>& nodes);
+                       std::vector<KEPHostShaderNode*>& nodes);
 
 /// Every command, in the order `rshview --help` lists them.
 const std::vector<RshviewCommand>& RshviewCommands();

@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "KEPConfigurationLoader.h"
+#include "KEPHostContext.h"
 #include "KEPRbaConfiguration.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshViewModule.h"
@@ -92,14 +93,6 @@ class TraceGuard {
   bool enabled_;
   int previousLevel_ = 0;
   KEPTraceSinkFn previous_;
-};
-
-/// Leaves the process-wide stores empty again when the command is done (tests run many).
-struct StoreCleanup {
-  ~StoreCleanup() {
-    KEPRshShaderManager::Install(nullptr);
-    KEPRbaConfiguration::Clear();
-  }
 };
 
 struct Parsed {
@@ -196,15 +189,15 @@ int Load(RshviewContext& context) {
         fromDocument.empty() ? (fs::path(samples) / "library").string() : fromDocument;
   }
 
-  auto library = std::make_shared<KEPRshShaderLibrary>();
+  auto library = std::make_shared<KEPHostShaderLibrary>();
   if (!report(KEPShaderLibraryLoader::Load(options.library, *library))) return kExitFailure;
   const fs::path config = fs::path(options.library) / "config";
   std::error_code ec;
   if (fs::exists(config, ec) && !report(KEPConfigurationLoader::LoadDirectory(config.string())))
     return kExitFailure;
-  KEPRshShaderManager::Install(library);
+  KEPHostContext::InstallLibrary(library);
 
-  KEP_var<KEPRshShaderDocument> document;
+  KEP_var<KEPHostShaderDocument> document;
   if (!report(KEPShaderDocumentLoader::Load(options.doc, library, document))) return kExitFailure;
   context.library = std::move(library);
   context.document = std::move(document);
@@ -232,9 +225,10 @@ int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& 
   }
   if (!parsed.command) return UsageError(err, "no command given");
 
+  // Every run is a host session of its own: nothing of one run (configuration, library,
+  // environment, the module's caches) reaches the next (tests run many in one process).
+  KEPHostContext host;
   TraceGuard trace(parsed.options.trace, err);
-  StoreCleanup cleanup;
-  KEPRbaConfiguration::Clear();
   RshviewContext context{parsed.options, nullptr, {}, out, err};
   if (const int code = Load(context)) return code;
   const int code = parsed.command->run(context);

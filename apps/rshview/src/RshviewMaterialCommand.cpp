@@ -11,6 +11,8 @@
 #include <ostream>
 
 #include "KEPCreateComponent.h"
+#include "KEPFileServices.h"
+#include "KEPHostContext.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
@@ -64,15 +66,17 @@ Json WithCode(Json value, HRESULT hr) {
               {"result", KEPResultName(hr)}};
 }
 
+// For this run only: the real environment stays as it is, and the next run decides afresh.
 void EnsureStartupPath(const RshviewContext& context) {
-  if (std::getenv("KEPStartupPath")) return;
+  KEPString value;
+  if (SUCCEEDED(KEPGetEnv("KEPStartupPath", value))) return;
   std::error_code ec;
   fs::path startup = fs::path(context.options.library) / ".." / "startup";
   if (!fs::is_directory(startup, ec)) startup = fs::path(RSHVIEW_DEFAULT_SAMPLES) / "startup";
-  setenv("KEPStartupPath", fs::weakly_canonical(startup, ec).string().c_str(), 1);
+  KEPHostContext::SetEnvironment("KEPStartupPath", fs::weakly_canonical(startup, ec).string());
 }
 
-Json Answers(KEPRshShaderNode& node, bool sticker) {
+Json Answers(KEPHostShaderNode& node, bool sticker) {
   Json json;
   json["id"] = node.Id();
   json["type"] = node.TypeName();
@@ -278,13 +282,13 @@ void PrintText(const Json& node, std::ostream& out) {
 }  // namespace
 
 int RunMaterialCommand(RshviewContext& context) {
-  std::vector<KEPRshShaderNode*> nodes;
+  std::vector<KEPHostShaderNode*> nodes;
   if (const int code = RshviewSelectNodes(context, "material", nodes)) return code;
   const std::string& wanted = context.options.node;
 
   EnsureStartupPath(context);
   Json all = Json::array();
-  for (KEPRshShaderNode* node : nodes) all.push_back(Answers(*node, context.options.sticker));
+  for (KEPHostShaderNode* node : nodes) all.push_back(Answers(*node, context.options.sticker));
   if (context.options.format == "json") {
     context.out << (wanted == "all" ? Json{{"nodes", all}} : all.front())
                        .dump(2, ' ', false, Json::error_handler_t::replace)

@@ -3,19 +3,19 @@
 #include "RshviewCommand.h"
 
 int RshviewSelectNodes(RshviewContext& context, const char* command,
-                       std::vector<KEPRshShaderNode*>& nodes) {
+                       std::vector<KEPHostShaderNode*>& nodes) {
   const RshviewOptions& options = context.options;
   if (!options.arguments.empty()) {
     context.err << "rshview " << command << ": unexpected argument '" << options.arguments.front()
                 << "'\nTry 'rshview " << command << " --help'.\n";
     return 2;
   }
-  const KEPRshShaderDocument& document = *context.document;
+  const KEPHostShaderDocument& document = *context.document;
   nodes.clear();
   if (options.node == "all") {
     for (const auto& node : document.Nodes()) nodes.push_back(node.Get());
   } else if (!options.node.empty()) {
-    KEPRshShaderNode* node = document.FindNode(options.node);
+    KEPHostShaderNode* node = document.FindNode(options.node);
     if (!node) {
       std::string known;
       for (const auto& n : document.Nodes()) known += (known.empty() ? "" : ", ") + n->Id();
@@ -25,7 +25,7 @@ int RshviewSelectNodes(RshviewContext& context, const char* command,
     }
     nodes.push_back(node);
   } else if (!document.materials.empty()) {
-    if (KEPRshShaderNode* node = document.FindNode(document.materials.front()))
+    if (KEPHostShaderNode* node = document.FindNode(document.materials.front()))
       nodes.push_back(node);
   }
   if (nodes.empty()) {

@@ -99,7 +99,7 @@ Json Value(KEPIRshParameter& parameter, const std::string& type) {
   return nullptr;
 }
 
-Json Parameter(KEPRshParameterFeature& feature, const std::string& configurationId) {
+Json Parameter(KEPHostParameter& feature, const std::string& configurationId) {
   KEPIRshParameter& parameter = feature;
   KEPString name, type;
   parameter.GetName(name);
@@ -240,7 +240,7 @@ Json Parameter(KEPRshParameterFeature& feature, const std::string& configuration
   return json;
 }
 
-Json Node(KEPRshShaderNode& node) {
+Json Node(KEPHostShaderNode& node) {
   KEPString configurationId;
   node.GetConfigurationId(configurationId);
   KEPUnicodeString alias;
@@ -431,12 +431,12 @@ void PrintText(const Json& node, std::ostream& out) {
 }  // namespace
 
 int RunParamsCommand(RshviewContext& context) {
-  std::vector<KEPRshShaderNode*> nodes;
+  std::vector<KEPHostShaderNode*> nodes;
   if (const int code = RshviewSelectNodes(context, "params", nodes)) return code;
   const std::string& wanted = context.options.node;
 
   Json all = Json::array();
-  for (KEPRshShaderNode* node : nodes) all.push_back(Node(*node));
+  for (KEPHostShaderNode* node : nodes) all.push_back(Node(*node));
   if (context.options.format == "json") {
     const Json output = wanted == "all" ? Json{{"nodes", all}} : all.front();
     context.out << output.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";

@@ -1,8 +1,9 @@
 // Registration of the hardware material and the shader link as extensions of the delegate.
 #include "KEPExtensionRegistry.h"
+#include "KEPProcessReset.h"
 #include "KEPRshShaderHardwareDefault.h"
+#include "KEPRshShaderHardwareExt.h"
 #include "KEPRshShaderHardwareLink.h"
-#include "KEPRshShaderNodeLink.h"
 
 namespace {
 void RegisterMaterial(const char* lateType) {
@@ -28,7 +29,8 @@ void KEPRshRegisterHardware() {
        &KEPRshShaderHardwareLink::Create, &CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink});
   RegisterMaterial("KEPRshShaderDelegate");
   // A shader node connected to a parameter answers the viewer too (the connected-texture
-  // fall-backs ask it): it is linked to itself by the host's node link.
-  KEPRegisterShaderNodeLink();
+  // fall-backs ask it): the host links every node to itself.
   RegisterMaterial("KEPRshShader");
+  // The startup directories are read once per process; a reset host is a new process to them.
+  KEPRegisterProcessResetHook(&KEPRshShaderHardwareExt::ResetProcessCachesForTests);
 }

@@ -82,7 +82,7 @@ TEST_F(ShaderModel, NumericValuesConvertOthersRefuse) {
                 .Param("s", Scalar(2.5f))
                 .Param("c", Color(0.1f, 0.2f, 0.3f))
                 .Param("v", Vector({1, 2})));
-  KEPRshShaderNode* node = world.Node("t", "n1");
+  KEPHostShaderNode* node = world.Node("t", "n1");
   float f = -1;
   EXPECT_EQ(world.Param(node, "flag")->GetScalarValue(f), S_OK);
   EXPECT_EQ(f, 1.0f);
@@ -111,8 +111,8 @@ TEST_F(ShaderModel, ConnectionsFathersAndPointingComponents) {
   World world;
   world.Add(Type("mat").Param("slot", Void()).Param("other", Void()))
       .Add(Type("tex").Param("image", Texture("a.png")));
-  KEPRshShaderNode* mat = world.Node("mat", "m");
-  KEPRshShaderNode* tex = world.Node("tex", "t");
+  KEPHostShaderNode* mat = world.Node("mat", "m");
+  KEPHostShaderNode* tex = world.Node("tex", "t");
   auto* slot = world.Param(mat, "slot");
   ASSERT_EQ(slot->SetConnectedShader(tex), S_OK);
   world.Param(mat, "other")->SetConnectedShader(tex);

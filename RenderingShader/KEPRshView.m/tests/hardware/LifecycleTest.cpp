@@ -12,8 +12,8 @@ class LifecycleTest : public HardwareFixture {};
 TEST_F(LifecycleTest, LinkReferenceCounts) {
   World world;
   world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
-  KEPRshShaderNode* a = world.Node("mia_phen_material", "a");
-  KEPRshShaderNode* b = world.Node("mia_phen_material", "b");
+  KEPHostShaderNode* a = world.Node("mia_phen_material", "a");
+  KEPHostShaderNode* b = world.Node("mia_phen_material", "b");
   const ULONG aBefore = a->GetRefCount(), bBefore = b->GetRefCount();
   Delegate delegate;
   auto link = delegate.Link();
@@ -45,8 +45,8 @@ TEST_F(LifecycleTest, LinkReferenceCounts) {
 TEST_F(LifecycleTest, DeletionReleasesShaderAndParameters) {
   World world;
   world.Add(Type("MPM_paint").Param("scale_u", Scalar(2)).Param("scale_v", Scalar(4)));
-  KEPRshShaderNode* node = world.Node("MPM_paint");
-  KEPRshParameterFeature* scale = world.Param(node, "scale_u");
+  KEPHostShaderNode* node = world.Node("MPM_paint");
+  KEPHostParameter* scale = world.Param(node, "scale_u");
   const ULONG nodeBefore = node->GetRefCount(), paramBefore = scale->GetRefCount();
   Delegate delegate(node);
   double d = 0;
@@ -64,7 +64,7 @@ TEST_F(LifecycleTest, DeletionReleasesShaderAndParameters) {
 TEST_F(LifecycleTest, DeletionThenRequeryReadsTheParametersAgain) {
   World world;
   world.Add(Type("MPM_paint").Param("a", Scalar(1)).Param("b", Scalar(2)));
-  KEPRshShaderNode* node = world.Node("MPM_paint");
+  KEPHostShaderNode* node = world.Node("MPM_paint");
   Delegate delegate(node);
   auto program = delegate.Program();
   KEPString b = "b";
@@ -85,7 +85,7 @@ TEST_F(LifecycleTest, DeletionThenRequeryReadsTheParametersAgain) {
 TEST_F(LifecycleTest, ParametersAreReadAtTheFirstQuery) {
   World world;
   world.Add(Type("MPM_paint").Param("x", Scalar(1.5f)));
-  KEPRshShaderNode* node = world.Node("MPM_paint");
+  KEPHostShaderNode* node = world.Node("MPM_paint");
   Delegate delegate(node);
   auto program = delegate.Program();
   KEPString x = "x";
@@ -95,8 +95,8 @@ TEST_F(LifecycleTest, ParametersAreReadAtTheFirstQuery) {
   EXPECT_EQ(program->CheckShaderFloatParameter(x), 1);
 
   // A parameter added later is not seen: the list is kept until the component is deleted.
-  KEP_var<KEPRshParameterFeature> added = KEP_var<KEPRshParameterFeature>::Adopt(
-      KEPRshParameterFeature::Create(node, "late", Scalar(3)));
+  KEP_var<KEPHostParameter> added =
+      KEP_var<KEPHostParameter>::Adopt(KEPHostParameter::Create(node, "late", Scalar(3)));
   node->AddParameter(added.Get());
   KEPString late = "late";
   EXPECT_EQ(program->CheckShaderFloatParameter(late), -1);

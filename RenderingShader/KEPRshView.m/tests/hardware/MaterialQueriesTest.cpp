@@ -248,7 +248,7 @@ Type UvMaterial() {
 TEST_F(MaterialQueriesTest, OtherShaderUvFamily) {
   World world;
   world.Add(UvMaterial());
-  KEPRshShaderNode* node = world.Node("mia_phen_material");
+  KEPHostShaderNode* node = world.Node("mia_phen_material");
   Delegate delegate(node);
   auto material = delegate.Material();
   auto mapping = delegate.Mapping();
@@ -287,7 +287,7 @@ TEST_F(MaterialQueriesTest, OtherShaderZeroScaleHasNoRatio) {
                 .Param("_uv_mapping", Integer(0))
                 .Param("_uv_scale_u", Scalar(2.0f))
                 .Param("_uv_scale_v", Scalar(0.0f)));
-  KEPRshShaderNode* node = world.Node("mia_phen_material");
+  KEPHostShaderNode* node = world.Node("mia_phen_material");
   Delegate delegate(node);
   double d = -1;
   EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
@@ -299,8 +299,8 @@ TEST_F(MaterialQueriesTest, OtherShaderZeroScaleHasNoRatio) {
 // texture node that has the family and an image.
 struct ConnectedWorld {
   World world;
-  KEPRshShaderNode* material = nullptr;
-  KEPRshShaderNode* texture = nullptr;
+  KEPHostShaderNode* material = nullptr;
+  KEPHostShaderNode* texture = nullptr;
   ConnectedWorld(bool connect, const std::string& image) {
     world.Add(Type("mia_phen_material").Param("diffuse", Color(1, 1, 1)).Param("map", Void()));
     world.Add(Type("kep_phen_texture")
@@ -394,7 +394,7 @@ TEST_F(MaterialQueriesTest, ConnectionChangesAfterTheFirstQuestionAreSeen) {
   ASSERT_EQ(map->SetConnectedShader(w.texture), S_OK);
   material->GetTextureSize(u, v);
   EXPECT_EQ(u, 3.0f) << "connected after the first question";
-  KEPRshShaderNode* other = w.world.Node("kep_phen_texture", "tex2");
+  KEPHostShaderNode* other = w.world.Node("kep_phen_texture", "tex2");
   w.world.Param(other, "_uv_scale_u")->SetScalarValue(7.0f);
   map->SetConnectedShader(other);
   material->GetTextureSize(u, v);
@@ -408,8 +408,8 @@ TEST_F(MaterialQueriesTest, ConnectionChangesAfterTheFirstQuestionAreSeen) {
 TEST_F(MaterialQueriesTest, ConnectionCycleEndsInDefaults) {
   World world;
   world.Add(Type("mia_phen_material").Param("map", Void()));
-  KEPRshShaderNode* a = world.Node("mia_phen_material", "a");
-  KEPRshShaderNode* b = world.Node("mia_phen_material", "b");
+  KEPHostShaderNode* a = world.Node("mia_phen_material", "a");
+  KEPHostShaderNode* b = world.Node("mia_phen_material", "b");
   world.Param(a, "map")->SetConnectedShader(b);
   world.Param(b, "map")->SetConnectedShader(a);
   Delegate delegate(a);
@@ -469,7 +469,7 @@ TEST_F(MaterialQueriesTest, DerivedOverridesChangeDerivedAnswers) {
                 .Param("_uv_mapping", Integer(0))
                 .Param("_uv_scale_u", Scalar(1.0f))
                 .Param("_uv_scale_v", Scalar(1.0f)));
-  KEPRshShaderNode* node = world.Node("mia_phen_material");
+  KEPHostShaderNode* node = world.Node("mia_phen_material");
   auto component = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("TestShiftedDelegate"));
   KEPQueryVar<KEPIRshShaderLink>(component)->SetShader(node);
   auto mapping = KEPQueryVar<KEPIRmaMappingManipulator>(component);

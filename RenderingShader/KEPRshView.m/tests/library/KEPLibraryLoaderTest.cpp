@@ -50,8 +50,8 @@ bool HasError(const KEPLoadResult& result, const std::string& fragment) {
   return false;
 }
 
-std::shared_ptr<KEPRshShaderLibrary> SampleLibrary() {
-  auto library = std::make_shared<KEPRshShaderLibrary>();
+std::shared_ptr<KEPHostShaderLibrary> SampleLibrary() {
+  auto library = std::make_shared<KEPHostShaderLibrary>();
   const KEPLoadResult result =
       KEPShaderLibraryLoader::Load(keptest::SourcePath("samples/library"), *library);
   EXPECT_TRUE(result.Ok()) << result.Text();
@@ -65,7 +65,7 @@ TEST_F(LibraryLoader, BundledSampleLoadsWithoutErrors) {
       KEPConfigurationLoader::LoadDirectory(keptest::SourcePath("samples/library/config"));
   ASSERT_TRUE(config.Ok()) << config.Text();
   auto library = SampleLibrary();
-  KEP_var<KEPRshShaderDocument> document;
+  KEP_var<KEPHostShaderDocument> document;
   const std::string docPath = keptest::SourcePath("samples/documents/showroom.rshdoc.json");
   std::string libraryDir;
   ASSERT_TRUE(KEPShaderDocumentLoader::ReadLibraryPath(docPath, libraryDir).Ok());
@@ -85,7 +85,7 @@ TEST_F(LibraryLoader, BundledSampleLoadsWithoutErrors) {
 
   EXPECT_EQ(document->materials,
             (std::vector<std::string>{"red_paint", "floor", "window", "key_light"}));
-  KEPRshShaderNode* paint = document->FindNode("red_paint");
+  KEPHostShaderNode* paint = document->FindNode("red_paint");
   ASSERT_NE(paint, nullptr);
   KEPUnicodeString alias;
   paint->GetAlias(alias);
@@ -153,7 +153,7 @@ TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
 
 TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
   const KEPLoadResult bad = [] {
-    KEPRshShaderLibrary library;
+    KEPHostShaderLibrary library;
     return KEPShaderLibraryLoader::Load(DataPath("bad_library"), library);
   }();
   EXPECT_TRUE(HasError(bad, "library.json:6: key 'type': unknown parameter type 'KEPRmaColour'"))
@@ -200,7 +200,7 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
   for (const Case& c : cases) {
     TempDir dir;
     const std::string file = dir.Write("library.json", c.json);
-    KEPRshShaderLibrary library;
+    KEPHostShaderLibrary library;
     const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
     EXPECT_TRUE(HasError(result, file) && HasError(result, c.expected))
         << "input: " << c.json << "\nerrors:\n"
@@ -212,14 +212,14 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
 TEST_F(LibraryLoader, DeepNestingIsRefusedWithoutCrashing) {
   TempDir dir;
   dir.Write("library.json", std::string(100000, '[') + std::string(100000, ']'));
-  KEPRshShaderLibrary library;
+  KEPHostShaderLibrary library;
   const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
   EXPECT_TRUE(HasError(result, "nesting deeper than 64 levels")) << result.Text();
 }
 
 TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
   auto library = SampleLibrary();
-  KEP_var<KEPRshShaderDocument> document;
+  KEP_var<KEPHostShaderDocument> document;
   const KEPLoadResult cycle =
       KEPShaderDocumentLoader::Load(DataPath("documents/cycle.rshdoc.json"), library, document);
   EXPECT_TRUE(HasError(cycle,
@@ -275,7 +275,7 @@ TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
   for (const Case& c : cases) {
     TempDir dir;
     const std::string file = dir.Write("doc.rshdoc.json", c.json);
-    KEP_var<KEPRshShaderDocument> out;
+    KEP_var<KEPHostShaderDocument> out;
     const KEPLoadResult result = KEPShaderDocumentLoader::Load(file, library, out);
     EXPECT_TRUE(HasError(result, file) && HasError(result, c.expected))
         << "input: " << c.json << "\nerrors:\n"
@@ -286,12 +286,12 @@ TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
 
 TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
   auto library = SampleLibrary();
-  KEP_var<KEPRshShaderDocument> original;
+  KEP_var<KEPHostShaderDocument> original;
   ASSERT_TRUE(KEPShaderDocumentLoader::Load(
                   keptest::SourcePath("samples/documents/showroom.rshdoc.json"), library, original)
                   .Ok());
   // Change a few values so that the round trip does not just repeat the defaults.
-  KEPRshShaderNode* floor = original->FindNode("floor");
+  KEPHostShaderNode* floor = original->FindNode("floor");
   KEP_var<KEPIRshParameter> gloss;
   ASSERT_EQ(floor->GetParameter("refl_gloss", *gloss.Out()), S_OK);
   gloss->SetScalarValue(0.3f);
@@ -306,7 +306,7 @@ TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
   std::string libraryDir;
   ASSERT_TRUE(KEPShaderDocumentLoader::ReadLibraryPath(path, libraryDir).Ok());
   EXPECT_EQ(fs::path(libraryDir), fs::path(library->root));
-  KEP_var<KEPRshShaderDocument> copy;
+  KEP_var<KEPHostShaderDocument> copy;
   const KEPLoadResult reloaded = KEPShaderDocumentLoader::Load(path, library, copy);
   ASSERT_TRUE(reloaded.Ok()) << reloaded.Text();
   EXPECT_EQ(copy->materials, original->materials);

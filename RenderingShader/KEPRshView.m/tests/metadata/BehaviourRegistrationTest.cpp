@@ -11,7 +11,7 @@ namespace {
 
 struct Row {
   const char* lateType;
-  KEPRshValue value;
+  KEPHostValue value;
   const char* immersive;
   const char* classic;
 };
@@ -39,10 +39,10 @@ TEST_F(RegistrationTest, EveryFeatureTypeGetsOneBehaviourPerInterface) {
   Type type("all");
   for (const Row& row : Rows()) type.Param(row.lateType, row.value);
   world.Add(type);
-  KEPRshShaderNode* node = world.Node("all");
+  KEPHostShaderNode* node = world.Node("all");
   for (const Row& row : Rows()) {
     SCOPED_TRACE(row.lateType);
-    KEPRshParameterFeature* parameter = world.Param(node, row.lateType);
+    KEPHostParameter* parameter = world.Param(node, row.lateType);
     ASSERT_EQ(parameter->GetLateType(), row.lateType);
     auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
     auto imm2 = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
@@ -89,7 +89,7 @@ TEST_F(RegistrationTest, LightProfilesHaveAClassicBehaviourAndRegistrationIsRepe
 TEST_F(RegistrationTest, ContextIsResolvedOnceFromTheFather) {
   World world;
   world.Add(Type("mat", "matCfg").Param("x", Scalar(1)));
-  KEPRshParameterFeature* parameter = world.Param(world.Node("mat"), "x");
+  KEPHostParameter* parameter = world.Param(world.Node("mat"), "x");
   auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
   auto* object = dynamic_cast<KEPRshParameterImmLayout*>(imm.Get());
   EXPECT_EQ(object->GetConfigurationId(), "matCfg");
@@ -104,8 +104,8 @@ TEST_F(RegistrationTest, ContextIsResolvedOnceFromTheFather) {
 
 TEST_F(RegistrationTest, ParameterWithoutFatherReadsAnEmptyConfiguration) {
   KEPRshViewRegister();
-  KEP_var<KEPRshParameterFeature> orphan = KEP_var<KEPRshParameterFeature>::Adopt(
-      KEPRshParameterFeature::Create(nullptr, "x", Scalar(1)));
+  KEP_var<KEPHostParameter> orphan =
+      KEP_var<KEPHostParameter>::Adopt(KEPHostParameter::Create(nullptr, "x", Scalar(1)));
   Config("mat", {{"x.Widget", "slider"}});
   auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(orphan.Get());
   ASSERT_TRUE(imm);
@@ -124,8 +124,8 @@ TEST_F(RegistrationTest, ParameterWithoutFatherReadsAnEmptyConfiguration) {
 TEST_F(RegistrationTest, DeletedStateReleasesTheShaderResources) {
   World world;
   world.Add(Type("res", "resCfg").Param("x", Scalar(1)).Resource("x", "widget", "wheel"));
-  KEPRshShaderNode* node = world.Node("res");
-  KEPRshParameterFeature* parameter = world.Param(node, "x");
+  KEPHostShaderNode* node = world.Node("res");
+  KEPHostParameter* parameter = world.Param(node, "x");
   const ULONG before = node->GetRefCount();
   auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
   auto dlg = KEPQueryVar<KEPIRshParameterDialog>(parameter);
@@ -151,7 +151,7 @@ TEST_F(RegistrationTest, ClosingTheDocumentFreesNodesHeldThroughTheirResources) 
   {
     World world;
     world.Add(Type("res").Param("x", Scalar(1)).Resource("x", "widget", "wheel"));
-    KEPRshShaderNode* created = world.Node("res");
+    KEPHostShaderNode* created = world.Node("res");
     node.Set(created);
     KEPString kind;
     ASSERT_EQ(Imm(world.Param(created, "x"))->GetWidget(kind), S_OK);

@@ -27,7 +27,7 @@ class MetadataTest : public Fixture {
   static void Delete(KEPBaseUnknown* parameter) {
     parameter->ChangeComponentState(KEPComponentState_Alive, KEPComponentState_Deleted, nullptr);
   }
-  static void DeleteAll(KEPRshShaderNode* node) {
+  static void DeleteAll(KEPHostShaderNode* node) {
     for (const auto& parameter : node->Parameters()) Delete(parameter.Get());
   }
 };

@@ -2,6 +2,7 @@
 // fallbacks and the outputs left alone on failure.
 #include <cmath>
 
+#include "KEPHostContext.h"
 #include "KEPParmDictionary.h"
 #include "MetadataTestSupport.h"
 
@@ -15,7 +16,7 @@ class ReadersTest : public MetadataTest {
   void SetUp() override {
     MetadataTest::SetUp();
     // The fixture's reset ran after the world was built: give the world its manager back.
-    KEPRshShaderManager::Install(world.library);
+    KEPHostContext::InstallLibrary(world.library);
     world.Add(Type("plain", "plainCfg")
                   .Param("x", Scalar(1))
                   .Param("n", Integer(0))
@@ -53,8 +54,8 @@ class ReadersTest : public MetadataTest {
   }
 
   World world;
-  KEPRshShaderNode* plain = nullptr;
-  KEPRshShaderNode* rich = nullptr;
+  KEPHostShaderNode* plain = nullptr;
+  KEPHostShaderNode* rich = nullptr;
 };
 
 // Both configurations carry the same keys, so a reader that picked the wrong source shows it.
@@ -477,7 +478,7 @@ TEST_F(ReadersTest, ConnectableStateFromKeyOrShaderManager) {
 }
 
 TEST_F(ReadersTest, ConnectableStateWithoutManagerIsNoAndFailure) {
-  KEPRshShaderManager::Install(nullptr);
+  KEPHostContext::InstallLibrary(nullptr);
   KEPString state = "keep";
   EXPECT_EQ(PlainImm("c")->GetConnectableState(state), E_FAIL);
   EXPECT_EQ(state, "No");

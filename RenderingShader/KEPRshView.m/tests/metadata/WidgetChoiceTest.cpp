@@ -9,7 +9,7 @@ class WidgetChoiceTest : public MetadataTest {};
 
 struct Row {
   const char* name;
-  KEPRshValue value;
+  KEPHostValue value;
   const char* immersiveDefault;
   const char* classicDefault;
 };
@@ -42,7 +42,7 @@ TEST_F(WidgetChoiceTest, MissingKindFallsBackToTheTypeDefaultWithAWarning) {
   Type type("mat");
   for (const Row& row : rows) type.Param(row.name, row.value);
   world.Add(type);
-  KEPRshShaderNode* node = world.Node("mat");
+  KEPHostShaderNode* node = world.Node("mat");
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     KEPString typeName;
@@ -70,7 +70,7 @@ TEST_F(WidgetChoiceTest, ResourceKindWinsAndKindListsFollowTheType) {
                 .Param("c", Color(1, 1, 1))
                 .Resource("x", "widget", "ratio"));
   Config("res", {{"x.Widget", "slider"}});
-  KEPRshShaderNode* node = world.Node("res");
+  KEPHostShaderNode* node = world.Node("res");
   KEPString kind;
   auto imm = Imm(world.Param(node, "x"));
   ASSERT_EQ(imm->ChooseWidgetKind(kind), S_OK);

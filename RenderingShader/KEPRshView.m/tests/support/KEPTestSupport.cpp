@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "KEPHostContext.h"
 #include "KEPParmDictionary.h"
 #include "KEPSysPreferenceRepository.h"
 #include "KEPTextureDocument.h"
@@ -38,29 +39,29 @@ void Config(const std::string& id, std::initializer_list<std::pair<std::string, 
   for (const auto& [key, value] : kv) KEPRbaConfiguration::SetValue(id, key, value);
 }
 
-KEPRshValue Boolean(bool v) {
-  return KEPRshValue::Boolean(v);
+KEPHostValue Boolean(bool v) {
+  return KEPHostValue::Boolean(v);
 }
-KEPRshValue Integer(int v) {
-  return KEPRshValue::Integer(v);
+KEPHostValue Integer(int v) {
+  return KEPHostValue::Integer(v);
 }
-KEPRshValue Scalar(float v) {
-  return KEPRshValue::Scalar(v);
+KEPHostValue Scalar(float v) {
+  return KEPHostValue::Scalar(v);
 }
-KEPRshValue Color(float r, float g, float b, float a) {
-  return KEPRshValue::Color(r, g, b, a);
+KEPHostValue Color(float r, float g, float b, float a) {
+  return KEPHostValue::Color(r, g, b, a);
 }
-KEPRshValue Vector(std::initializer_list<float> components) {
-  return KEPRshValue::Vector(components);
+KEPHostValue Vector(std::initializer_list<float> components) {
+  return KEPHostValue::Vector(components);
 }
-KEPRshValue Texture(const std::string& imagePath) {
-  if (imagePath.empty()) return KEPRshValue::Texture(nullptr);
+KEPHostValue Texture(const std::string& imagePath) {
+  if (imagePath.empty()) return KEPHostValue::Texture(nullptr);
   auto document = KEP_var<KEPTextureDocument>::Adopt(
       KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(imagePath)));
-  return KEPRshValue::Texture(document.Get());
+  return KEPHostValue::Texture(document.Get());
 }
-KEPRshValue Void() {
-  return KEPRshValue::Void();
+KEPHostValue Void() {
+  return KEPHostValue::Void();
 }
 
 Type::Type(std::string name, std::string configurationId) {
@@ -68,7 +69,7 @@ Type::Type(std::string name, std::string configurationId) {
   definition_.configurationId = std::move(configurationId);
 }
 
-Type& Type::Param(std::string name, KEPRshValue value) {
+Type& Type::Param(std::string name, KEPHostValue value) {
   definition_.parameters.push_back({std::move(name), std::move(value), {}});
   return *this;
 }
@@ -90,19 +91,19 @@ Type& Type::Resources(bool offered) {
   return *this;
 }
 
-World::World() : library(std::make_shared<KEPRshShaderLibrary>()) {
+World::World() : library(std::make_shared<KEPHostShaderLibrary>()) {
   Rebuild();
 }
 
 World::~World() {
   document_.Reset();
-  KEPRshShaderManager::Install(nullptr);
+  KEPHostContext::InstallLibrary(nullptr);
 }
 
 void World::Rebuild() {
-  KEPRshShaderManager::Install(library);
+  KEPHostContext::InstallLibrary(library);
   if (!document_)
-    document_ = KEP_var<KEPRshShaderDocument>::Adopt(KEPRshShaderDocument::Create(library));
+    document_ = KEP_var<KEPHostShaderDocument>::Adopt(KEPHostShaderDocument::Create(library));
 }
 
 World& World::Add(const Type& type) {
@@ -112,13 +113,13 @@ World& World::Add(const Type& type) {
 
 World& World::Connectable(const std::string& parameterType,
                           std::initializer_list<std::pair<std::string, std::string>> typeAndLabel) {
-  std::vector<KEPRshConnectableEntry> entries;
+  std::vector<KEPHostConnectableEntry> entries;
   for (const auto& [type, label] : typeAndLabel) entries.push_back({type, label});
   library->SetConnectable(parameterType, std::move(entries));
   return *this;
 }
 
-KEPRshShaderNode* World::Node(const std::string& type, const std::string& id) {
+KEPHostShaderNode* World::Node(const std::string& type, const std::string& id) {
   KEPIRshShader* shader = nullptr;
   if (FAILED(document_->CreateShader(type, id, shader))) {
     ADD_FAILURE() << "cannot create node of type " << type;
@@ -128,7 +129,7 @@ KEPRshShaderNode* World::Node(const std::string& type, const std::string& id) {
   return document_->FindNode(id.empty() ? document_->Nodes().back()->Id() : id);
 }
 
-KEPRshParameterFeature* World::Param(KEPRshShaderNode* node, const std::string& name) {
+KEPHostParameter* World::Param(KEPHostShaderNode* node, const std::string& name) {
   if (node)
     for (const auto& p : node->Parameters()) {
       KEPString pname;
@@ -139,18 +140,13 @@ KEPRshParameterFeature* World::Param(KEPRshShaderNode* node, const std::string& 
   return nullptr;
 }
 
-KEPRshShaderDocument* World::Document() {
+KEPHostShaderDocument* World::Document() {
   return document_.Get();
 }
 
 void Reset() {
-  KEPRbaConfiguration::Clear();
-  KEPRshShaderManager::Install(nullptr);
-  KEPModuleTrace::SetLevel(0);
-  // Units as a new session finds them; preferences in a file of this test process, empty at the
-  // start of every test (never the user's own file).
-  KEPParmDictionary::RestoreUnitsForTest();
-  KEPParmDictionary::ResetCurrentUnits();
+  // Preferences go to a file of this test process, empty at the start of every test (never the
+  // user's own file); everything else is as a new session finds it.
   static const std::string preferences =
       (std::filesystem::temp_directory_path() /
        ("keprsh-test-" + std::to_string(::getpid()) + "-preferences.json"))
@@ -158,7 +154,7 @@ void Reset() {
   ::setenv("KEPRSH_PREFERENCES", preferences.c_str(), 1);
   std::error_code ec;
   std::filesystem::remove(preferences, ec);
-  KEPSysPreferenceRepository::Unload();
+  KEPHostContext::Reset();
 }
 
 std::string SourcePath(const std::string& relative) {

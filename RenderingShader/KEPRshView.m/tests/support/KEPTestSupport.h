@@ -11,9 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include "KEPHostShaderDocument.h"
+#include "KEPHostShaderLibrary.h"
 #include "KEPRbaConfiguration.h"
-#include "KEPRshShaderDocument.h"
-#include "KEPRshShaderLibrary.h"
 #include "KEPRshShaderManager.h"
 #include "KEPTrace.h"
 
@@ -41,26 +41,26 @@ class TraceCapture {
 void Config(const std::string& id, std::initializer_list<std::pair<std::string, std::string>> kv);
 
 /// Value builders.
-KEPRshValue Boolean(bool v);
-KEPRshValue Integer(int v);
-KEPRshValue Scalar(float v);
-KEPRshValue Color(float r, float g, float b, float a = 1.0f);
-KEPRshValue Vector(std::initializer_list<float> components);
-KEPRshValue Texture(const std::string& imagePath = "");
-KEPRshValue Void();
+KEPHostValue Boolean(bool v);
+KEPHostValue Integer(int v);
+KEPHostValue Scalar(float v);
+KEPHostValue Color(float r, float g, float b, float a = 1.0f);
+KEPHostValue Vector(std::initializer_list<float> components);
+KEPHostValue Texture(const std::string& imagePath = "");
+KEPHostValue Void();
 
 /// Builds a shader type: Type("mia_phen_material").Param("x", Scalar(1)).Resource("x","min","0").
 class Type {
  public:
   explicit Type(std::string name, std::string configurationId = "");
-  Type& Param(std::string name, KEPRshValue value);
+  Type& Param(std::string name, KEPHostValue value);
   /// Adds a resource and marks the type as offering resources.
   Type& Resource(const std::string& parameter, const std::string& key, const std::string& value);
   Type& Resources(bool offered = true);
-  const KEPRshShaderTypeDefinition& Definition() const { return definition_; }
+  const KEPHostShaderTypeDefinition& Definition() const { return definition_; }
 
  private:
-  KEPRshShaderTypeDefinition definition_;
+  KEPHostShaderTypeDefinition definition_;
 };
 
 /// A library, a document over it and the installed shader manager, for one test.
@@ -72,16 +72,16 @@ class World {
   World& Connectable(const std::string& parameterType,
                      std::initializer_list<std::pair<std::string, std::string>> typeAndLabel);
   /// Creates a node of `type` in the document (the type must have been added).
-  KEPRshShaderNode* Node(const std::string& type, const std::string& id = "");
+  KEPHostShaderNode* Node(const std::string& type, const std::string& id = "");
   /// A parameter of a node by name (borrowed).
-  KEPRshParameterFeature* Param(KEPRshShaderNode* node, const std::string& name);
+  KEPHostParameter* Param(KEPHostShaderNode* node, const std::string& name);
   /// Installs the manager without any connectable list (a fresh library).
-  KEPRshShaderDocument* Document();
-  std::shared_ptr<KEPRshShaderLibrary> library;
+  KEPHostShaderDocument* Document();
+  std::shared_ptr<KEPHostShaderLibrary> library;
 
  private:
   void Rebuild();
-  KEP_var<KEPRshShaderDocument> document_;
+  KEP_var<KEPHostShaderDocument> document_;
 };
 
 /// Clears the configuration store, uninstalls the shader manager and the trace sink, restores the

@@ -1,0 +1,123 @@
+#include "KEPHostContext.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "KEPFileServices.h"
+#include "KEPHostShaderManager.h"
+#include "KEPHostShaderNodeLink.h"
+#include "KEPProcessReset.h"
+#include "KEPTrace.h"
+
+namespace {
+
+struct StateSlot {
+  void* object = nullptr;
+  void (*destroy)(void*) = nullptr;
+};
+
+struct Slots {
+  std::vector<StateSlot> slots;
+  std::vector<std::size_t> creationOrder;
+};
+
+Slots& TheSlots() {
+  static Slots slots;
+  return slots;
+}
+
+std::vector<KEPProcessResetHook>& Hooks() {
+  static std::vector<KEPProcessResetHook> hooks;
+  return hooks;
+}
+
+bool& ContextAlive() {
+  static bool alive = false;
+  return alive;
+}
+
+void RegisterHostExtensions() {
+  static const bool registered = [] {
+    KEPRegisterShaderNodeLink();
+    return true;
+  }();
+  (void)registered;
+}
+
+/// Environment values set for this process (KEPHostContext::SetEnvironment).
+struct EnvironmentOverrides {
+  std::map<std::string, std::string, std::less<>> values;
+};
+
+}  // namespace
+
+void KEPRegisterProcessResetHook(KEPProcessResetHook hook) {
+  auto& hooks = Hooks();
+  if (hook && std::find(hooks.begin(), hooks.end(), hook) == hooks.end()) hooks.push_back(hook);
+}
+
+void KEPRunProcessResetHooks() {
+  for (KEPProcessResetHook hook : Hooks()) hook();
+}
+
+KEPHostContext::KEPHostContext() {
+  if (ContextAlive())
+    KEPAssertFatalReport("!ContextAlive(): only one host context may exist at a time",
+                         "RenderingShader/KEPRshView.m/standalone/core/KEPHostContext", __LINE__);
+  ContextAlive() = true;
+  Reset();
+}
+
+KEPHostContext::~KEPHostContext() {
+  Reset();
+  ContextAlive() = false;
+}
+
+void* KEPHostContext::Slot(std::size_t& slot, void* (*create)(), void (*destroy)(void*)) {
+  Slots& all = TheSlots();
+  if (slot == kNoSlot) {
+    slot = all.slots.size();
+    all.slots.push_back({});
+  }
+  StateSlot& state = all.slots[slot];
+  if (!state.object) {
+    state.object = create();
+    state.destroy = destroy;
+    all.creationOrder.push_back(slot);
+  }
+  return state.object;
+}
+
+void KEPHostContext::Reset() {
+  RegisterHostExtensions();
+  Slots& all = TheSlots();
+  // Newest first: a state object may use older ones while it is destroyed (and may even create
+  // one again, which the loop then destroys too).
+  while (!all.creationOrder.empty()) {
+    const std::size_t slot = all.creationOrder.back();
+    all.creationOrder.pop_back();
+    StateSlot& state = all.slots[slot];
+    void* object = std::exchange(state.object, nullptr);
+    if (object) state.destroy(object);
+  }
+  KEPRunProcessResetHooks();
+}
+
+void KEPHostContext::InstallLibrary(std::shared_ptr<const KEPHostShaderLibrary> library) {
+  KEPHostShaderManager::Install(std::move(library));
+}
+
+void KEPHostContext::SetEnvironment(const std::string& name, const std::string& value) {
+  State<EnvironmentOverrides>().values[name] = value;
+}
+
+std::optional<std::string> KEPHostEnvironmentOverride(std::string_view name) {
+  const auto& values = KEPHostContext::State<EnvironmentOverrides>().values;
+  const auto it = values.find(name);
+  if (it == values.end()) return std::nullopt;
+  return it->second;
+}

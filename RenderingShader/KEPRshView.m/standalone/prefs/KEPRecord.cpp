@@ -1,0 +1,183 @@
+#include "KEPRecord.h"
+
+#include "KEPHostContext.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "KEPAtomicFile.h"
+#include "KEPTrace.h"
+
+namespace {
+const KEPTrace& Trace() {
+  static const KEPTrace trace("KEPRecord");
+  return trace;
+}
+
+struct Recorder {
+  bool initialised = false;
+  KEPRecordMode mode = KEPRecordMode::Off;
+  std::string path;
+  std::map<KEPString, int> levels;
+};
+
+Recorder& TheRecorder() {
+  return KEPHostContext::State<Recorder>();
+}
+
+std::string Serialise(const std::map<KEPString, int>& levels) {
+  nlohmann::json root;
+  root["softwareLevels"] = nlohmann::json::object();
+  for (const auto& [name, level] : levels) root["softwareLevels"][name] = level;
+  return root.dump(2) + "\n";
+}
+
+bool WriteRecord(const Recorder& recorder) {
+  std::string error;
+  if (KEPWriteFileAtomically(recorder.path, Serialise(recorder.levels), error)) return true;
+  Trace().Error(__FILE__, __LINE__, "Cannot write the record: %s", error.c_str());
+  return false;
+}
+
+/// Reads the levels of a record file; false (traced) when it cannot be read or is malformed.
+bool ReadRecord(const std::string& path, std::map<KEPString, int>& levels) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    Trace().Error(__FILE__, __LINE__, "%s: cannot read the record file", path.c_str());
+    return false;
+  }
+  std::ostringstream buffer;
+  buffer << in.rdbuf();
+  const std::string text = buffer.str();
+  nlohmann::json json;
+  try {
+    json = nlohmann::json::parse(text);
+  } catch (const nlohmann::json::parse_error& e) {
+    const std::size_t end = std::min<std::size_t>(e.byte > 0 ? e.byte - 1 : 0, text.size());
+    const int line = 1 + static_cast<int>(std::count(text.begin(), text.begin() + end, '\n'));
+    Trace().Error(__FILE__, __LINE__, "%s:%d: malformed record file: not valid JSON", path.c_str(),
+                  line);
+    return false;
+  }
+  if (!json.is_object() || !json.contains("softwareLevels") ||
+      !json["softwareLevels"].is_object()) {
+    Trace().Error(__FILE__, __LINE__, "%s:1: malformed record file: no \"softwareLevels\" object",
+                  path.c_str());
+    return false;
+  }
+  for (const auto& [name, level] : json["softwareLevels"].items()) {
+    if (!level.is_number_integer() || level.get<long long>() < std::numeric_limits<int>::min() ||
+        level.get<long long>() > std::numeric_limits<int>::max()) {
+      Trace().Error(__FILE__, __LINE__, "%s: malformed record file: level \"%s\" is not an integer",
+                    path.c_str(), name.c_str());
+      return false;
+    }
+    levels[name] = level.get<int>();
+  }
+  return true;
+}
+
+/// Starts the mode the environment asks for, once per process.
+void Initialise() {
+  Recorder& recorder = TheRecorder();
+  if (recorder.initialised) return;
+  recorder.initialised = true;
+  const char* mode = std::getenv("KEPRSH_RECORD_MODE");
+  if (!mode || !*mode) return;
+  const char* path = std::getenv("KEPRSH_RECORD");
+  if (!path || !*path) {
+    Trace().Warning("KEPRSH_RECORD_MODE is \"%s\" but KEPRSH_RECORD names no file; not recording",
+                    mode);
+    return;
+  }
+  const std::string which = KEPToLower(mode);
+  if (which == "capture")
+    KEPRecord::StartCapture(path);
+  else if (which == "replay")
+    KEPRecord::StartReplay(path);
+  else
+    Trace().Warning("KEPRSH_RECORD_MODE \"%s\" is neither capture nor replay; not recording", mode);
+}
+}  // namespace
+
+int KEPRecord::GetBuiltInLevel(const KEPString& name) {
+  // Every setting the module asks for ("LayoutParameterSortingLevel",
+  // "KEPRmaUIParameterConfiguration", "RNDRSHColorParameterColorPicker") is at level 1 in this
+  // host, as is any other setting.
+  (void)name;
+  return 1;
+}
+
+int KEPRecord::GetSoftwareLevel(const KEPString& name) {
+  Initialise();
+  Recorder& recorder = TheRecorder();
+  switch (recorder.mode) {
+    case KEPRecordMode::Off:
+      return GetBuiltInLevel(name);
+    case KEPRecordMode::Capture: {
+      const int level = GetBuiltInLevel(name);
+      const auto [it, inserted] = recorder.levels.emplace(name, level);
+      if (!inserted && it->second == level) return level;
+      it->second = level;
+      WriteRecord(recorder);
+      return level;
+    }
+    case KEPRecordMode::Replay: {
+      const auto it = recorder.levels.find(name);
+      return it == recorder.levels.end() ? 0 : it->second;
+    }
+  }
+  return GetBuiltInLevel(name);
+}
+
+KEPRecordMode KEPRecord::GetMode() {
+  Initialise();
+  return TheRecorder().mode;
+}
+
+const std::string& KEPRecord::GetRecordPath() {
+  Initialise();
+  return TheRecorder().path;
+}
+
+HRESULT KEPRecord::StartCapture(const std::string& path) {
+  Stop();
+  Recorder& recorder = TheRecorder();
+  recorder.path = path;
+  if (path.empty() || !WriteRecord(recorder)) {
+    recorder.path.clear();
+    return E_FAIL;
+  }
+  recorder.mode = KEPRecordMode::Capture;
+  Trace().Info("Capturing software levels into %s", path.c_str());
+  return S_OK;
+}
+
+HRESULT KEPRecord::StartReplay(const std::string& path) {
+  Stop();
+  std::map<KEPString, int> levels;
+  if (path.empty() || !ReadRecord(path, levels)) return E_FAIL;
+  Recorder& recorder = TheRecorder();
+  recorder.mode = KEPRecordMode::Replay;
+  recorder.path = path;
+  recorder.levels = std::move(levels);
+  Trace().Info("Replaying software levels from %s", path.c_str());
+  return S_OK;
+}
+
+void KEPRecord::Stop() {
+  Recorder& recorder = TheRecorder();
+  recorder.initialised = true;
+  recorder.mode = KEPRecordMode::Off;
+  recorder.path.clear();
+  recorder.levels.clear();
+}
+
+std::map<KEPString, int> KEPRecord::RecordedLevels() {
+  Initialise();
+  return TheRecorder().levels;
+}

@@ -1,0 +1,63 @@
+#include "KEPHostShaderDocument.h"
+
+KEP_IMPLEMENT_CLASS(KEPHostShaderDocument, KEPBaseUnknown, "System")
+
+KEPHostShaderDocument* KEPHostShaderDocument::Create(
+    std::shared_ptr<const KEPHostShaderLibrary> library) {
+  auto* document = new KEPHostShaderDocument();
+  document->library_ = std::move(library);
+  return document;
+}
+
+KEPHostShaderDocument::~KEPHostShaderDocument() {
+  // Closing the document deletes its components: parameters move to the deleted state first, so
+  // that their behaviours give back what they hold (a behaviour may hold its node's resources).
+  for (auto& node : nodes_) {
+    for (const auto& parameter : node->Parameters())
+      if (parameter->GetComponentState() < KEPComponentState_Deleted)
+        parameter->ChangeComponentState(parameter->GetComponentState(), KEPComponentState_Deleted,
+                                        nullptr);
+    node->DetachFather();
+  }
+}
+
+HRESULT KEPHostShaderDocument::GetShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) {
+  shaders.clear();
+  for (const auto& node : nodes_) shaders.emplace_back(static_cast<KEPIRshShader*>(node.Get()));
+  return S_OK;
+}
+
+KEPHostShaderNode* KEPHostShaderDocument::FindNode(const std::string& id) const {
+  for (const auto& node : nodes_)
+    if (node->Id() == id) return node.Get();
+  return nullptr;
+}
+
+HRESULT KEPHostShaderDocument::FindShader(const KEPString& id, KEPIRshShader*& shader) {
+  KEPHostShaderNode* node = FindNode(id);
+  if (!node) return E_FAIL;
+  shader = node;
+  shader->AddRef();
+  return S_OK;
+}
+
+HRESULT KEPHostShaderDocument::CreateShader(const KEPString& typeName, const KEPString& id,
+                                            KEPIRshShader*& shader) {
+  if (!library_) return E_FAIL;
+  const KEPHostShaderTypeDefinition* type = library_->FindType(typeName);
+  if (!type) return E_FAIL;
+  std::string newId = id;
+  if (newId.empty()) {
+    for (int n = 1;; ++n) {
+      newId = typeName + "." + std::to_string(n);
+      if (!FindNode(newId)) break;
+    }
+  } else if (FindNode(newId)) {
+    return E_FAIL;
+  }
+  auto node = KEP_var<KEPHostShaderNode>::Adopt(KEPHostShaderNode::Create(*type, newId, this));
+  nodes_.push_back(node);
+  shader = node.Get();
+  shader->AddRef();
+  return S_OK;
+}

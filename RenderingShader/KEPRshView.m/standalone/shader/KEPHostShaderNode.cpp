@@ -1,0 +1,146 @@
+#include "KEPHostShaderNode.h"
+
+#include <algorithm>
+
+#include "KEPRshParameterServices.h"
+
+KEP_IMPLEMENT_CLASS(KEPHostShaderNode, KEPBaseUnknown, "System")
+
+KEPHostShaderNode* KEPHostShaderNode::Create(const KEPHostShaderTypeDefinition& type,
+                                             std::string id, KEPBaseUnknown* father) {
+  auto* node = new KEPHostShaderNode();
+  node->SetLateType("KEPRshShader");
+  node->type_ = type;
+  if (node->type_.configurationId.empty()) node->type_.configurationId = type.name;
+  node->id_ = std::move(id);
+  node->father_ = father;
+  for (const KEPHostParameterDefinition& definition : type.parameters)
+    node->parameters_.push_back(KEP_var<KEPHostParameter>::Adopt(
+        KEPHostParameter::Create(node, definition.name, definition.defaultValue)));
+  return node;
+}
+
+KEPHostShaderNode::~KEPHostShaderNode() {
+  // Parameters connected to this node lose their connection now.
+  if (!pointing_.empty()) KEPRshParameterServices::NoteConnectionChange();
+  for (auto& parameter : parameters_) {
+    KEPIRshShader* none = nullptr;
+    parameter->SetConnectedShader(none);
+    parameter->DetachFather();
+  }
+}
+
+HRESULT KEPHostShaderNode::GetId(KEPString& id) {
+  id = id_;
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::GetTypeName(KEPString& typeName) {
+  typeName = type_.name;
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::GetConfigurationId(KEPString& configurationId) {
+  configurationId = type_.configurationId;
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::GetParameters(KEPListP<KEPIRshParameter>*& parameters) {
+  auto* list = new KEPListP<KEPIRshParameter>();
+  for (const auto& parameter : parameters_) {
+    KEPIRshParameter* item = parameter.Get();
+    item->AddRef();
+    list->Append(item);
+  }
+  parameters = list;
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::GetParameter(const KEPString& name, KEPIRshParameter*& parameter) {
+  for (const auto& p : parameters_) {
+    KEPString pname;
+    p->GetName(pname);
+    if (pname == name) {
+      parameter = p.Get();
+      parameter->AddRef();
+      return S_OK;
+    }
+  }
+  return E_FAIL;
+}
+
+HRESULT KEPHostShaderNode::GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>& pointing) {
+  pointing.clear();
+  for (const KEPBaseUnknown_WR& ref : pointing_)
+    if (auto* parameter = dynamic_cast<KEPHostParameter*>(ref.Get()))
+      pointing.emplace_back(static_cast<KEPIRshParameter*>(parameter));
+  return S_OK;
+}
+
+void* KEPHostShaderNode::QueryOwnInterface(const KEPIID& iid) {
+  if (iid == KEPIRshShaderResources::IID() && !type_.hasResources) return nullptr;
+  return KEPBaseUnknown::QueryOwnInterface(iid);
+}
+
+HRESULT KEPHostShaderNode::GetResourceValue(const KEPString& parameterName, const KEPString& key,
+                                            KEPUnicodeString& value) {
+  for (const KEPHostParameterDefinition& definition : type_.parameters) {
+    if (definition.name != parameterName) continue;
+    auto it = definition.resources.find(key);
+    if (it == definition.resources.end()) return E_FAIL;
+    value = KEPUnicodeString::FromUTF8(it->second);
+    return S_OK;
+  }
+  return E_FAIL;
+}
+
+HRESULT KEPHostShaderNode::GetFather(KEPBaseUnknown*& father) {
+  father = father_;
+  if (!father) return E_FAIL;
+  father->AddRef();
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::GetAlias(KEPUnicodeString& alias) {
+  alias = alias_.IsEmpty() ? KEPUnicodeString::FromUTF8(id_) : alias_;
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::SetAlias(const KEPUnicodeString& alias) {
+  alias_ = alias;
+  return S_OK;
+}
+
+void KEPHostShaderNode::AddParameter(KEPHostParameter* parameter) {
+  if (!parameter) return;
+  parameters_.emplace_back(parameter);
+}
+
+void KEPHostShaderNode::RemoveParameters() {
+  for (auto& parameter : parameters_) parameter->DetachFather();
+  parameters_.clear();
+}
+
+void KEPHostShaderNode::SetResource(const std::string& parameterName, const std::string& key,
+                                    const std::string& value) {
+  for (KEPHostParameterDefinition& definition : type_.parameters) {
+    if (definition.name == parameterName) {
+      definition.resources[key] = value;
+      return;
+    }
+  }
+  KEPHostParameterDefinition definition;
+  definition.name = parameterName;
+  definition.resources[key] = value;
+  type_.parameters.push_back(std::move(definition));
+}
+
+void KEPHostShaderNode::AddPointing(KEPHostParameter* parameter) {
+  pointing_.emplace_back(parameter);
+}
+
+void KEPHostShaderNode::RemovePointing(KEPHostParameter* parameter) {
+  std::erase_if(pointing_, [&](const KEPBaseUnknown_WR& ref) {
+    return !ref.IsAlive() || ref.Get() == static_cast<KEPBaseUnknown*>(parameter);
+  });
+}

@@ -1,0 +1,132 @@
+// The stand-alone shader model's node and parameter components.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "KEPBaseUnknown.h"
+#include "KEPBaseUnknown_WR.h"
+#include "KEPHostShaderLibrary.h"
+#include "KEPIAlias.h"
+#include "KEPIRshParameter.h"
+#include "KEPIRshShader.h"
+#include "KEPIRshShaderResources.h"
+#include "KEPISpecObject.h"
+
+class KEPHostShaderNode;
+
+/// A parameter feature: a component whose late type is its feature type name, so that behaviours
+/// registered for "KEPRmaScalar" and the like extend it. Its father is its shader node.
+class KEPHostParameter : public KEPBaseUnknown,
+                         public KEPIRshParameter,
+                         public KEPISpecObject,
+                         public KEPIAlias {
+  KEP_DECLARE_CLASS
+ public:
+  /// A new parameter with one reference for the caller; `father` may be null.
+  static KEPHostParameter* Create(KEPHostShaderNode* father, std::string name, KEPHostValue value);
+
+  // KEPIRshParameter
+  HRESULT GetName(KEPString& name) override;
+  HRESULT GetTypeName(KEPString& typeName) override;
+  HRESULT GetBooleanValue(unsigned char& value) override;
+  HRESULT SetBooleanValue(unsigned char value) override;
+  HRESULT GetIntegerValue(int& value) override;
+  HRESULT SetIntegerValue(int value) override;
+  HRESULT GetScalarValue(float& value) override;
+  HRESULT SetScalarValue(float value) override;
+  HRESULT GetColorValue(float& r, float& g, float& b, float* alpha = nullptr) override;
+  HRESULT SetColorValue(float r, float g, float b, float alpha = 1.0f) override;
+  HRESULT GetVectorValue(float (&xyzw)[4]) override;
+  HRESULT SetVectorValue(const float (&xyzw)[4]) override;
+  int GetVectorDimension() override;
+  HRESULT GetTextureValue(KEPIPLMDmtDocument*& document) override;
+  HRESULT SetTextureValue(KEPIPLMDmtDocument* document) override;
+  HRESULT GetConnectedShader(KEPIRshShader*& shader) override;
+  HRESULT SetConnectedShader(KEPIRshShader* shader) override;
+  // KEPISpecObject
+  HRESULT GetFather(KEPBaseUnknown*& father) override;
+  // KEPIAlias: the name unless an alias was given
+  HRESULT GetAlias(KEPUnicodeString& alias) override;
+  HRESULT SetAlias(const KEPUnicodeString& alias) override;
+
+  const KEPHostValue& Value() const { return value_; }
+  /// Replaces the whole value (type included); for loaders and tests.
+  void SetValue(KEPHostValue value) { value_ = std::move(value); }
+  KEPHostShaderNode* Father() const { return father_; }
+  /// Called by the father when it goes away.
+  void DetachFather() { father_ = nullptr; }
+  /// Number of value writes so far; lets a viewer tell that something changed.
+  unsigned long long WriteCount() const { return writes_; }
+
+ private:
+  KEPHostParameter() = default;
+  bool IsNumeric() const;
+  void Wrote() { ++writes_; }
+
+  KEPHostShaderNode* father_ = nullptr;
+  std::string name_;
+  KEPUnicodeString alias_;
+  KEPHostValue value_;
+  KEPBaseUnknown_WR connected_;
+  unsigned long long writes_ = 0;
+};
+
+/// A shader node: a component of late type "KEPRshShader" that owns its parameters.
+class KEPHostShaderNode : public KEPBaseUnknown,
+                          public KEPIRshShader,
+                          public KEPIRshShaderResources,
+                          public KEPISpecObject,
+                          public KEPIAlias {
+  KEP_DECLARE_CLASS
+ public:
+  /// A new node of `type` with the type's default values and one reference for the caller.
+  static KEPHostShaderNode* Create(const KEPHostShaderTypeDefinition& type, std::string id,
+                                   KEPBaseUnknown* father = nullptr);
+
+  // KEPIRshShader
+  HRESULT GetId(KEPString& id) override;
+  HRESULT GetTypeName(KEPString& typeName) override;
+  HRESULT GetConfigurationId(KEPString& configurationId) override;
+  HRESULT GetParameters(KEPListP<KEPIRshParameter>*& parameters) override;
+  HRESULT GetParameter(const KEPString& name, KEPIRshParameter*& parameter) override;
+  HRESULT GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>& pointing) override;
+  // KEPIRshShaderResources (offered only when the type has resources)
+  HRESULT GetResourceValue(const KEPString& parameterName, const KEPString& key,
+                           KEPUnicodeString& value) override;
+  // KEPISpecObject: the document that owns the node, when there is one
+  HRESULT GetFather(KEPBaseUnknown*& father) override;
+  // KEPIAlias: the identifier unless an alias was given
+  HRESULT GetAlias(KEPUnicodeString& alias) override;
+  HRESULT SetAlias(const KEPUnicodeString& alias) override;
+
+  const std::string& Id() const { return id_; }
+  const std::string& TypeName() const { return type_.name; }
+  const std::vector<KEP_var<KEPHostParameter>>& Parameters() const { return parameters_; }
+  /// Appends a parameter (for tests that need odd nodes); the node takes a reference.
+  void AddParameter(KEPHostParameter* parameter);
+  /// Removes every parameter (for tests of an empty or changed node).
+  void RemoveParameters();
+  void SetResourcesOffered(bool offered) { type_.hasResources = offered; }
+  void SetResource(const std::string& parameterName, const std::string& key,
+                   const std::string& value);
+  void DetachFather() { father_ = nullptr; }
+
+  // Bookkeeping of connections, kept by KEPHostParameter.
+  void AddPointing(KEPHostParameter* parameter);
+  void RemovePointing(KEPHostParameter* parameter);
+
+ protected:
+  void* QueryOwnInterface(const KEPIID& iid) override;
+
+ private:
+  KEPHostShaderNode() = default;
+  ~KEPHostShaderNode() override;
+
+  KEPHostShaderTypeDefinition type_;  ///< a copy: parameters and resources of this node's type
+  std::string id_;
+  KEPUnicodeString alias_;
+  KEPBaseUnknown* father_ = nullptr;
+  std::vector<KEP_var<KEPHostParameter>> parameters_;
+  std::vector<KEPBaseUnknown_WR> pointing_;
+};
