@@ -1,86 +1,64 @@
 #include "KEPString.h"
 
+#include <utf8.h>
+
+#include <iterator>
+
 namespace {
-void AppendUTF16(std::u16string& out, char32_t cp) {
-  if (cp >= 0x10000) {
-    cp -= 0x10000;
-    out.push_back(static_cast<char16_t>(0xD800 + (cp >> 10)));
-    out.push_back(static_cast<char16_t>(0xDC00 + (cp & 0x3FF)));
-  } else {
-    out.push_back(static_cast<char16_t>(cp));
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool IsSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDFFF;
+}
+bool IsLeadSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsTrailSurrogate(char16_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+// The position of the first surrogate at or after `from` that is not part of a lead-trail pair,
+// or npos.
+std::size_t FindUnpairedSurrogate(std::u16string_view units, std::size_t from) {
+  for (std::size_t i = from; i < units.size(); ++i) {
+    if (!IsSurrogate(units[i])) continue;
+    if (IsLeadSurrogate(units[i]) && i + 1 < units.size() && IsTrailSurrogate(units[i + 1])) {
+      ++i;
+      continue;
+    }
+    return i;
   }
+  return std::u16string_view::npos;
 }
 }  // namespace
 
+// utfcpp's checked functions throw on bad input, so the input is made valid first and then
+// converted with the unchecked functions: no exception can leave these two.
 KEPUnicodeString KEPUnicodeString::FromUTF8(std::string_view in) {
+  std::string repaired;
+  if (utf8::find_invalid(in.begin(), in.end()) != in.end()) {
+    utf8::replace_invalid(in.begin(), in.end(), std::back_inserter(repaired), kReplacement);
+    in = repaired;
+  }
   std::u16string out;
   out.reserve(in.size());
-  std::size_t i = 0;
-  while (i < in.size()) {
-    const auto c = static_cast<unsigned char>(in[i]);
-    int extra = 0;
-    char32_t cp = 0;
-    if (c < 0x80) {
-      cp = c;
-    } else if ((c & 0xE0) == 0xC0) {
-      extra = 1, cp = c & 0x1F;
-    } else if ((c & 0xF0) == 0xE0) {
-      extra = 2, cp = c & 0x0F;
-    } else if ((c & 0xF8) == 0xF0) {
-      extra = 3, cp = c & 0x07;
-    } else {
-      AppendUTF16(out, 0xFFFD);
-      ++i;
-      continue;
-    }
-    bool valid = i + extra < in.size();
-    for (int k = 1; valid && k <= extra; ++k) {
-      const auto cc = static_cast<unsigned char>(in[i + k]);
-      if ((cc & 0xC0) != 0x80)
-        valid = false;
-      else
-        cp = (cp << 6) | (cc & 0x3F);
-    }
-    if (!valid || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-      AppendUTF16(out, 0xFFFD);
-      ++i;
-      continue;
-    }
-    AppendUTF16(out, cp);
-    i += static_cast<std::size_t>(extra) + 1;
-  }
+  utf8::unchecked::utf8to16(in.begin(), in.end(), std::back_inserter(out));
   return KEPUnicodeString(std::move(out));
 }
 
 std::string KEPUnicodeString::ToUTF8() const {
   std::string out;
   out.reserve(text_.size());
-  for (std::size_t i = 0; i < text_.size(); ++i) {
-    char32_t cp = text_[i];
-    if (cp >= 0xD800 && cp <= 0xDBFF && i + 1 < text_.size() && text_[i + 1] >= 0xDC00 &&
-        text_[i + 1] <= 0xDFFF) {
-      cp = 0x10000 + ((cp - 0xD800) << 10) + (text_[i + 1] - 0xDC00);
-      ++i;
-    } else if (cp >= 0xD800 && cp <= 0xDFFF) {
-      cp = 0xFFFD;
-    }
-    if (cp < 0x80) {
-      out.push_back(static_cast<char>(cp));
-    } else if (cp < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    } else if (cp < 0x10000) {
-      out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    } else {
-      out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-    }
+  auto sink = std::back_inserter(out);
+  for (std::size_t from = 0;;) {
+    const std::size_t bad = FindUnpairedSurrogate(text_, from);
+    const std::size_t stop = bad == std::u16string_view::npos ? text_.size() : bad;
+    utf8::unchecked::utf16to8(text_.begin() + static_cast<std::ptrdiff_t>(from),
+                              text_.begin() + static_cast<std::ptrdiff_t>(stop), sink);
+    if (stop == text_.size()) return out;
+    utf8::unchecked::append(kReplacement, sink);
+    from = bad + 1;
   }
-  return out;
 }
 
 KEPUnicodeString KEPUnicodeString::ToUpper() const {
@@ -109,4 +87,10 @@ std::string KEPToUpper(std::string_view text) {
   for (char& c : out)
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   return out;
+}
+
+std::string_view KEPTrimBlanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }

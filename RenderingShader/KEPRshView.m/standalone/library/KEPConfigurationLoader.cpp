@@ -1,6 +1,7 @@
 #include "KEPConfigurationLoader.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
@@ -10,6 +11,7 @@
 
 #include "KEPFileText.h"
 #include "KEPRbaConfiguration.h"
+#include "KEPString.h"
 
 namespace {
 struct Entry {
@@ -26,24 +28,12 @@ struct ParsedFile {
   std::vector<Entry> entries;
 };
 
-std::string Trim(std::string_view text) {
-  const auto first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  const auto last = text.find_last_not_of(" \t\r");
-  return std::string(text.substr(first, last - first + 1));
-}
-
-bool EndsWith(const std::string& text, std::string_view suffix) {
-  return text.size() >= suffix.size() &&
-         text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 // Range keys must hold a finite number: a typo there would silently disable a slider range.
 bool IsRangeKey(const std::string& key) {
   static constexpr std::string_view kSuffixes[] = {".Min",     ".Max",     ".Step",   ".SoftMin",
                                                    ".SoftMax", ".HardMin", ".HardMax"};
   return std::any_of(std::begin(kSuffixes), std::end(kSuffixes),
-                     [&](std::string_view suffix) { return EndsWith(key, suffix); });
+                     [&](std::string_view suffix) { return key.ends_with(suffix); });
 }
 
 void CheckValue(const ParsedFile& file, const Entry& entry, KEPLoadResult& result) {
@@ -57,11 +47,11 @@ void CheckValue(const ParsedFile& file, const Entry& entry, KEPLoadResult& resul
                       "'" + entry.value + "' is not a finite number");
     }
   } else if (entry.key == "GroupCount") {
-    const bool digits =
-        !entry.value.empty() && std::all_of(entry.value.begin(), entry.value.end(),
-                                            [](char c) { return c >= '0' && c <= '9'; });
-    if (!digits || entry.value.size() > 6 ||
-        std::strtoull(entry.value.c_str(), nullptr, 10) > KEPConfigurationLoader::kMaxGroupCount)
+    // Decimal digits only: from_chars takes no sign or blank, and refuses what overflows.
+    const char* end = entry.value.data() + entry.value.size();
+    unsigned count = 0;
+    const auto [stop, fault] = std::from_chars(entry.value.data(), end, count);
+    if (fault != std::errc() || stop != end || count > KEPConfigurationLoader::kMaxGroupCount)
       result.AddError(file.path, entry.line, entry.key,
                       "'" + entry.value + "' is not a group count from 0 to " +
                           std::to_string(KEPConfigurationLoader::kMaxGroupCount));
@@ -89,17 +79,18 @@ bool Parse(const std::string& path, ParsedFile& file, KEPLoadResult& result) {
     std::size_t end = text.find('\n', start);
     if (end == std::string::npos) end = text.size();
     ++line;
-    std::string content = Trim(std::string_view(text).substr(start, end - start));
+    std::string_view content = KEPTrimBlanks(std::string_view(text).substr(start, end - start));
     start = end + 1;
-    if (line == 1 && content.rfind("\xEF\xBB\xBF", 0) == 0) content = Trim(content.substr(3));
+    if (line == 1 && content.starts_with("\xEF\xBB\xBF"))
+      content = KEPTrimBlanks(content.substr(3));
     if (content.empty() || content[0] == '#') continue;
     const auto equals = content.find('=');
-    if (equals == std::string::npos) {
+    if (equals == std::string_view::npos) {
       result.AddError(path, line, "", "expected 'Key = Value', '@parent = id' or '# comment'");
       continue;
     }
-    std::string key = Trim(std::string_view(content).substr(0, equals));
-    std::string value = Trim(std::string_view(content).substr(equals + 1));
+    std::string key(KEPTrimBlanks(content.substr(0, equals)));
+    std::string value(KEPTrimBlanks(content.substr(equals + 1)));
     if (key.empty()) {
       result.AddError(path, line, "", "empty key before '='");
       continue;

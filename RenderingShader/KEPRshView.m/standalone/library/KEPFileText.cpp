@@ -1,5 +1,8 @@
 #include "KEPFileText.h"
 
+#include <utf8.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -42,37 +45,7 @@ bool KEPFileText::Read(const std::string& path, std::string& content, std::strin
 }
 
 bool KEPFileText::IsValidUTF8(const std::string& text, int& line) {
-  line = 1;
-  std::size_t i = 0;
-  while (i < text.size()) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (c == '\n') ++line;
-    std::size_t extra = 0;
-    unsigned code = 0;
-    if (c < 0x80) {
-      ++i;
-      continue;
-    } else if ((c & 0xE0) == 0xC0) {
-      extra = 1;
-      code = c & 0x1F;
-    } else if ((c & 0xF0) == 0xE0) {
-      extra = 2;
-      code = c & 0x0F;
-    } else if ((c & 0xF8) == 0xF0) {
-      extra = 3;
-      code = c & 0x07;
-    } else {
-      return false;
-    }
-    if (i + extra >= text.size()) return false;
-    for (std::size_t k = 1; k <= extra; ++k) {
-      const unsigned char cc = static_cast<unsigned char>(text[i + k]);
-      if ((cc & 0xC0) != 0x80) return false;
-      code = (code << 6) | (cc & 0x3F);
-    }
-    static constexpr unsigned kMin[] = {0, 0x80, 0x800, 0x10000};
-    if (code < kMin[extra] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return false;
-    i += extra + 1;
-  }
-  return true;
+  const auto bad = utf8::find_invalid(text.begin(), text.end());
+  line = 1 + static_cast<int>(std::count(text.begin(), bad, '\n'));
+  return bad == text.end();
 }

@@ -13,7 +13,9 @@ class KEPFileText {
   /// Reads `path` into `content`. On failure returns false with `message` ("cannot open ...",
   /// "not a regular file", "larger than 64 MiB", "read error").
   static bool Read(const std::string& path, std::string& content, std::string& message);
-  /// True when `text` is valid UTF-8; `line` receives the 1-based line of the first fault.
+  /// True when `text` is valid UTF-8 (the host's one codec: no overlong encodings, encoded
+  /// surrogates or code points above U+10FFFF); `line` receives the 1-based line of the first
+  /// fault.
   static bool IsValidUTF8(const std::string& text, int& line);
   /// `path` made absolute against the current directory; `path` itself when that fails (an
   /// empty path, a vanished current directory) instead of throwing.

@@ -1,9 +1,8 @@
 #include "KEPHostValueJson.h"
 
 #include <cfloat>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -31,12 +30,11 @@ std::string Relative(const std::string& path, const std::string& baseDir) {
 
 // The shortest decimal that reads back as `value`, as a double, so that 0.3f is written "0.3".
 double Shortest(float value) {
-  char text[64];
-  for (int precision = 6; precision <= 9; ++precision) {
-    std::snprintf(text, sizeof text, "%.*g", precision, static_cast<double>(value));
-    if (std::strtof(text, nullptr) == value) break;
-  }
-  return std::strtod(text, nullptr);
+  char text[32];
+  const char* end = std::to_chars(text, text + sizeof text, value).ptr;
+  double shortest = value;
+  std::from_chars(text, end, shortest);
+  return shortest;
 }
 
 bool Float(const KEPJsonValue& json, float& out) {

@@ -1,7 +1,10 @@
 #include "KEPJsonReader.h"
 
+#include <utf8.h>
+
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -136,24 +139,6 @@ class Parser {
     }
   }
 
-  static void AppendUTF8(std::string& out, unsigned code) {
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | (code >> 6));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-      out += static_cast<char>(0xE0 | (code >> 12));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (code >> 18));
-      out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-
   bool Hex4(unsigned& code) {
     if (pos_ + 4 > text_.size()) return Fail("truncated \\u escape");
     code = 0;
@@ -223,7 +208,9 @@ class Parser {
           } else if (code >= 0xDC00 && code <= 0xDFFF) {
             return Fail("unpaired surrogate escape");
           }
-          AppendUTF8(out, code);
+          // A scalar value by now (surrogates are paired or refused above), which the
+          // unchecked encoder takes without a test that could throw.
+          utf8::unchecked::append(code, std::back_inserter(out));
           break;
         }
         default:

@@ -13,7 +13,9 @@ class KEPJsonReader {
   static constexpr int kMaxDepth = 64;
 
   /// Parses `text`. On failure returns false and sets `line`, `key` (the innermost object key
-  /// being read, empty at top level) and `message`.
+  /// being read, empty at top level) and `message`. `text` is valid UTF-8 (the loaders check it
+  /// with KEPFileText::IsValidUTF8 first): string bytes are copied as they are, and \u escapes
+  /// are encoded to UTF-8.
   static bool Parse(std::string_view text, KEPJsonValue& out, int& line, std::string& key,
                     std::string& message);
 };

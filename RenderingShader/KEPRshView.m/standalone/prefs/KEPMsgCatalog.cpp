@@ -47,15 +47,8 @@ Catalogs& TheCatalogs() {
   return KEPHostContext::State<Catalogs>();
 }
 
-std::string Trim(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r");
-  if (first == std::string::npos) return {};
-  const auto last = text.find_last_not_of(" \t\r");
-  return text.substr(first, last - first + 1);
-}
-
 /// Parses the quoted text that starts `rest`; an explanation of the fault on failure.
-std::optional<std::string> ParseQuoted(const std::string& rest, std::string& text) {
+std::optional<std::string> ParseQuoted(std::string_view rest, std::string& text) {
   if (rest.empty() || rest.front() != '"') return "the text does not start with a double quote";
   std::size_t i = 1;
   for (; i < rest.size() && rest[i] != '"'; ++i) {
@@ -82,7 +75,8 @@ std::optional<std::string> ParseQuoted(const std::string& rest, std::string& tex
     }
   }
   if (i >= rest.size()) return "the text has no closing double quote";
-  if (!Trim(rest.substr(i + 1)).empty()) return "unexpected characters after the closing quote";
+  if (!KEPTrimBlanks(rest.substr(i + 1)).empty())
+    return "unexpected characters after the closing quote";
   return std::nullopt;
 }
 
@@ -96,22 +90,22 @@ Catalog Load(const std::string& name) {
   }
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
-    if (number == 1 && line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
-    const std::string trimmed = Trim(line);
+    if (number == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+    const std::string_view trimmed = KEPTrimBlanks(line);
     if (trimmed.empty() || trimmed.front() == '#') continue;
     const auto equal = trimmed.find('=');
-    if (equal == std::string::npos) {
+    if (equal == std::string_view::npos) {
       Trace().Warning("%s:%d: no '=' in the line; skipped", path.c_str(), number);
       continue;
     }
-    const std::string key = Trim(trimmed.substr(0, equal));
+    const std::string key(KEPTrimBlanks(trimmed.substr(0, equal)));
     if (key.empty() || key.find_first_of(" \t") != std::string::npos) {
       Trace().Warning("%s:%d: key \"%s\": a key is one word; skipped", path.c_str(), number,
                       key.c_str());
       continue;
     }
     std::string text;
-    if (auto fault = ParseQuoted(Trim(trimmed.substr(equal + 1)), text)) {
+    if (auto fault = ParseQuoted(KEPTrimBlanks(trimmed.substr(equal + 1)), text)) {
       Trace().Warning("%s:%d: key \"%s\": %s; skipped", path.c_str(), number, key.c_str(),
                       fault->c_str());
       continue;

@@ -57,7 +57,7 @@ bool KEPRshParameterServices::IsSVGMapPresent(KEPIRshShader* shader) {
       KEPUnicodeString path;
       document->GetImagePath(path);
       const std::string text = KEPToLower(path.ToUTF8());
-      found = text.size() >= 4 && text.compare(text.size() - 4, 4, ".svg") == 0;
+      found = text.ends_with(".svg");
     }
     if (p) p->Release();
   }

@@ -24,6 +24,72 @@ TEST(Strings, UnicodeRoundTripAndCase) {
   EXPECT_EQ(KEPToLower("DeG"), "deg");
 }
 
+// Every invalid sequence becomes one U+FFFD and never another character: the overlong "/" is the
+// classic way past a path or key check.
+TEST(Strings, UTF8DecodingTable) {
+  struct Case {
+    const char* utf8;
+    std::u16string expected;
+  };
+  const Case cases[] = {
+      // Valid sequences of 1 to 4 bytes, at the edges of each length.
+      {"\x7F", u"\u007F"},
+      {"\xC2\x80", u"\u0080"},
+      {"\xDF\xBF", u"\u07FF"},
+      {"\xE0\xA0\x80", u"\u0800"},
+      {"\xEF\xBF\xBD", u"\uFFFD"},
+      {"\xEF\xBF\xBF", u"\uFFFF"},
+      {"\xF0\x90\x80\x80", u"\U00010000"},
+      {"\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
+      // Overlong encodings.
+      {"a\xE0\x80\xAF"
+       "b",
+       u"a\uFFFDb"},
+      {"\xC0\xAF", u"\uFFFD"},
+      {"\xC1\xBF", u"\uFFFD"},
+      {"\xF0\x80\x80\xAF", u"\uFFFD"},
+      // Surrogates encoded in UTF-8, alone and as a pair.
+      {"\xED\xA0\x80", u"\uFFFD"},
+      {"\xED\xA0\xBD\xED\xB2\xA9", u"\uFFFD\uFFFD"},
+      // Truncated sequences, at the end and before another character.
+      {"\xF0\x9F\x8E", u"\uFFFD"},
+      {"\xE2\x82"
+       "a",
+       u"\uFFFDa"},
+      // Above U+10FFFF, and bytes that cannot start a character.
+      {"\xF4\x90\x80\x80", u"\uFFFD"},
+      {"\xF5\x80\x80\x80", u"\uFFFD"},
+      {"\x80\xFE", u"\uFFFD\uFFFD"},
+  };
+  for (const Case& c : cases) {
+    const KEPUnicodeString decoded = KEPUnicodeString::FromUTF8(c.utf8);
+    EXPECT_EQ(decoded.Str(), c.expected) << "input: " << ::testing::PrintToString(c.utf8);
+    // What comes out is valid UTF-8 again and decodes to the same text.
+    EXPECT_EQ(KEPUnicodeString::FromUTF8(decoded.ToUTF8()), decoded);
+  }
+}
+
+TEST(Strings, UnpairedSurrogatesEncodeAsReplacement) {
+  struct Case {
+    std::u16string utf16;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {u"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
+      {std::u16string(1, u'\xD800'), "\xEF\xBF\xBD"},
+      {std::u16string(1, u'\xDC00'), "\xEF\xBF\xBD"},
+      {std::u16string{u'\xDC00', u'\xD800'}, "\xEF\xBF\xBD\xEF\xBF\xBD"},
+      {std::u16string{u'\xD800', u'A'},
+       "\xEF\xBF\xBD"
+       "A"},
+      {std::u16string{u'x', u'\xD800', u'\xD83D', u'\xDE00', u'\xDBFF'},
+       "x\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD"},
+  };
+  for (const Case& c : cases)
+    EXPECT_EQ(KEPUnicodeString(c.utf16).ToUTF8(), c.expected)
+        << "input: " << ::testing::PrintToString(c.utf16);
+}
+
 class Configuration : public Fixture {};
 
 TEST_F(Configuration, HierarchicalLookupAndIntegers) {

@@ -6,7 +6,9 @@
 #include <fstream>
 
 #include "KEPConfigurationLoader.h"
+#include "KEPFileText.h"
 #include "KEPJsonReader.h"
+#include "KEPHostValueJson.h"
 #include "KEPShaderDocumentLoader.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPShaderLibraryLoader.h"
@@ -125,6 +127,50 @@ TEST_F(LibraryLoader, ConfigurationFaultsNameFileLineAndKey) {
   EXPECT_TRUE(HasError(result, file + ":7: key '@include': unknown directive")) << result.Text();
   // Nothing of a faulty directory reaches the store.
   EXPECT_FALSE(KEPRbaConfiguration::HasConfiguration("broken"));
+}
+
+// The loaders refuse what the string codec would turn into U+FFFD, on the line of the first
+// fault; the configuration file shows it, the JSON files share the check.
+TEST_F(LibraryLoader, InvalidUTF8IsRefusedOnItsLine) {
+  struct Case {
+    const char* text;
+    int line;  // 0: valid
+  };
+  const Case cases[] = {
+      {"x.Label = caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8E\xA8\n", 0},
+      {"x.Min = 0\nx.Label = \xE0\x80\xAF\n", 2},  // overlong "/"
+      {"a = 1\nb = 2\nc = \xED\xA0\x80\n", 3},     // an encoded surrogate
+      {"x.Label = \xF4\x90\x80\x80\n", 1},         // above U+10FFFF
+      {"x.Min = 0\n\nx.Label = caf\xC3", 3},       // truncated at the end
+  };
+  for (const Case& c : cases) {
+    int line = -1;
+    EXPECT_EQ(KEPFileText::IsValidUTF8(c.text, line), c.line == 0) << c.text;
+    TempDir dir;
+    const std::string file = dir.Write("config/t.cfg", c.text);
+    const KEPLoadResult result = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
+    if (c.line == 0)
+      EXPECT_TRUE(result.Ok()) << result.Text();
+    else
+      EXPECT_TRUE(HasError(result, file + ":" + std::to_string(c.line) + ": invalid UTF-8"))
+          << result.Text();
+  }
+}
+
+TEST_F(LibraryLoader, GroupCountIsDecimalDigitsUpToTheLimit) {
+  struct Case {
+    const char* value;
+    bool ok;
+  };
+  const Case cases[] = {
+      {"0", true},   {"1000", true}, {"1001", false}, {"-1", false},
+      {"+5", false}, {"", false},    {"1e2", false},  {"18446744073709551617", false}};
+  for (const Case& c : cases) {
+    TempDir dir;
+    dir.Write("config/g.cfg", std::string("GroupCount = ") + c.value + "\n");
+    const KEPLoadResult result = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
+    EXPECT_EQ(result.Ok(), c.ok) << "'" << c.value << "': " << result.Text();
+  }
 }
 
 TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
@@ -324,6 +370,23 @@ TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
   const KEPLoadResult unwritable =
       KEPShaderDocumentWriter::Save(*original, dir.Path() + "/no/such/dir/x.rshdoc.json");
   EXPECT_TRUE(HasError(unwritable, "x.rshdoc.json")) << unwritable.Text();
+}
+
+// Scalars are written as the shortest decimal that reads back as the same float.
+TEST(ValueJson, ScalarsAreWrittenShortest) {
+  struct Case {
+    float value;
+    const char* json;
+  };
+  const Case cases[] = {{0.3f, "0.3"},
+                        {0.1f, "0.1"},
+                        {1.0f, "1.0"},
+                        {-2.5f, "-2.5"},
+                        {16777216.0f, "16777216.0"},
+                        {1e-45f, "1e-45"},
+                        {3.4028235e38f, "3.4028235e+38"}};
+  for (const Case& c : cases)
+    EXPECT_EQ(KEPHostValueJson::Write(KEPHostValue::Scalar(c.value), ""), c.json) << c.value;
 }
 
 TEST(JsonReader, RecordsLinesAndDecodesEscapes) {
