@@ -123,7 +123,7 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
       sticker = true;
       continue;
     }
-    if (arg.rfind("-", 0) == 0 && arg.size() > 1) {
+    if (arg.starts_with('-') && arg.size() > 1) {
       std::string name = arg;
       std::string value;
       bool inlineValue = false;

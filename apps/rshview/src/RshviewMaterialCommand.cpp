@@ -3,7 +3,6 @@
 #include <stdlib.h>
 
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -20,6 +19,7 @@
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
 #include "RshviewCommands.h"
+#include "RshviewNumber.h"
 
 const char* const kRshviewMaterialHelp =
     "Usage: rshview material [--library DIR] [--doc FILE] [--node ID|all] [--format text|json]\n"
@@ -50,15 +50,9 @@ namespace fs = std::filesystem;
 
 constexpr float kUntouched = std::numeric_limits<float>::quiet_NaN();
 
-std::string Number(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%g", value);
-  return text;
-}
-
 /// A number, or null for an output the material did not touch.
 Json Num(double value) {
-  return std::isnan(value) ? Json(nullptr) : Json(std::stod(Number(value)));
+  return std::isnan(value) ? Json(nullptr) : Json(RshviewRounded(value));
 }
 
 Json WithCode(Json value, HRESULT hr) {
@@ -76,135 +70,12 @@ void EnsureStartupPath(const RshviewContext& context) {
   KEPHostContext::SetEnvironment("KEPStartupPath", fs::weakly_canonical(startup, ec).string());
 }
 
-Json Answers(KEPHostShaderNode& node, bool sticker) {
-  Json json;
-  json["id"] = node.Id();
-  json["type"] = node.TypeName();
-  json["physical"] = node.TypeName().rfind("MPM", 0) == 0;
-
-  auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
-  auto link = KEPQueryVar<KEPIRshShaderLink>(delegate);
-  auto material = KEPQueryVar<KEPIHardwareMaterial>(delegate);
-  auto program = KEPQueryVar<KEPIOpenGLShaderMaterial>(delegate);
-  auto mapping = KEPQueryVar<KEPIRmaMappingManipulator>(delegate);
-  auto mappingMaterial = KEPQueryVar<KEPIRmaMappingManipulatorMaterial>(delegate);
-  if (!link || !material || !program || !mapping || !mappingMaterial) {
-    json["error"] = "the module's hardware material is not registered";
-    return json;
-  }
-  link->SetShader(&node);
-
-  // The program, then its sticker sibling; the mode asked for stays set.
-  program->SetStickerMode(0);
-  const std::string file = program->GetExternalShader().ToUTF8();
-  program->SetStickerMode(1);
-  const std::string stickerFile = program->GetExternalShader().ToUTF8();
-  program->SetStickerMode(sticker ? 1 : 0);
-  json["program"] = {{"file", file.empty() ? Json(nullptr) : Json(file)},
-                     {"stickerFile", stickerFile.empty() ? Json(nullptr) : Json(stickerFile)},
-                     {"stickerMode", program->IsStickerMode() != 0},
-                     {"used", program->GetExternalShader().ToUTF8()}};
-
-  Json lighting;
-  {
-    float coef = kUntouched, c[3] = {kUntouched, kUntouched, kUntouched};
-    material->GetAmbient(coef, c);
-    lighting["ambient"] = {{"coefficient", Num(coef)},
-                           {"color", {Num(c[0]), Num(c[1]), Num(c[2])}}};
-  }
-  {
-    float coef = kUntouched, c[3] = {kUntouched, kUntouched, kUntouched};
-    material->GetDiffuse(coef, c);
-    lighting["diffuse"] = {{"coefficient", Num(coef)},
-                           {"color", {Num(c[0]), Num(c[1]), Num(c[2])}}};
-  }
-  {
-    float coef = kUntouched, c[3] = {kUntouched, kUntouched, kUntouched}, gloss = kUntouched;
-    material->GetSpecular(coef, c, gloss);
-    lighting["specular"] = {{"coefficient", Num(coef)},
-                            {"color", {Num(c[0]), Num(c[1]), Num(c[2])}},
-                            {"glossiness", Num(gloss)}};
-  }
-  lighting["transparencyCoef"] = Num(material->GetTransparencyCoef());
-  auto scalar = [&](HRESULT (KEPIRmaMappingManipulatorMaterial::*get)(double&)) {
-    double value = kUntouched;
-    const HRESULT hr = (mappingMaterial.Get()->*get)(value);
-    return WithCode(Num(value), hr);
-  };
-  lighting["luminosity"] = scalar(&KEPIRmaMappingManipulatorMaterial::GetLuminosity);
-  lighting["contrast"] = scalar(&KEPIRmaMappingManipulatorMaterial::GetContrast);
-  lighting["shininess"] = scalar(&KEPIRmaMappingManipulatorMaterial::GetShininess);
-  lighting["transparency"] = scalar(&KEPIRmaMappingManipulatorMaterial::GetTransparency);
-  {
-    double r = kUntouched, g = kUntouched, b = kUntouched;
-    HRESULT hr = mappingMaterial->GetColor(r, g, b);
-    lighting["color"] = WithCode(Json{Num(r), Num(g), Num(b)}, hr);
-    r = g = b = kUntouched;
-    hr = mappingMaterial->GetTransparentColor(r, g, b);
-    lighting["transparentColor"] = WithCode(Json{Num(r), Num(g), Num(b)}, hr);
-    unsigned char use = 0;
-    hr = mappingMaterial->GetUseTranparentColor(use);
-    lighting["useTransparentColor"] = WithCode(use != 0, hr);
-  }
-  json["lighting"] = std::move(lighting);
-
-  Json texture;
-  {
-    auto image = KEP_var<KEPTexturePixelImage>::Adopt(material->GetTextureImage());
-    texture["image"] = image ? Json{{"path", image->GetPath().ToUTF8()},
-                                    {"width", image->GetWidth()},
-                                    {"height", image->GetHeight()}}
-                             : Json(nullptr);
-    int wu = -1, wv = -1;
-    material->GetTextureWrapping(wu, wv);
-    texture["wrapping"] = {wu < 0 ? Json(nullptr) : Json(wu), wv < 0 ? Json(nullptr) : Json(wv)};
-    unsigned char repeat = 0;
-    const HRESULT hr = mappingMaterial->GetTextureRepeat(repeat);
-    texture["repeat"] = WithCode(repeat != 0, hr);
-    unsigned char fu = 0xff, fv = 0xff;
-    material->GetTextureFlip(fu, fv);
-    texture["flip"] = {fu == 0xff ? Json(nullptr) : Json(fu != 0),
-                       fv == 0xff ? Json(nullptr) : Json(fv != 0)};
-    float u = kUntouched, v = kUntouched;
-    material->GetTexturePosition(u, v);
-    texture["position"] = {Num(u), Num(v)};
-    u = v = kUntouched;
-    material->GetTextureSize(u, v);
-    texture["size"] = {Num(u), Num(v)};
-    texture["angle"] = Num(material->GetTextureAngle());
-  }
-  json["texture"] = std::move(texture);
-
-  Json map;
-  {
-    short type = -1;
-    HRESULT hr = mapping->GetMappingType(type);
-    map["type"] = WithCode(type, hr);
-    auto number = [&](HRESULT (KEPIRmaMappingManipulator::*get)(double&)) {
-      double value = kUntouched;
-      const HRESULT code = (mapping.Get()->*get)(value);
-      return WithCode(Num(value), code);
-    };
-    map["ratio"] = number(&KEPIRmaMappingManipulator::GetRatio);
-    map["rotation"] = number(&KEPIRmaMappingManipulator::GetRotation);
-    map["scale"] = number(&KEPIRmaMappingManipulator::GetScale);
-    unsigned char flip = 0;
-    hr = mapping->GetFlipU(flip);
-    map["flipU"] = WithCode(flip != 0, hr);
-    hr = mapping->GetFlipV(flip);
-    map["flipV"] = WithCode(flip != 0, hr);
-    map["translationU"] = number(&KEPIRmaMappingManipulator::GetTranslationU);
-    map["translationV"] = number(&KEPIRmaMappingManipulator::GetTranslationV);
-    map["size"] = number(&KEPIRmaMappingManipulator::GetSize);
-  }
-  json["mapping"] = std::move(map);
-  return json;
-}
+// --- Text form
 
 std::string Text(const Json& value) {
   if (value.is_null()) return "-";
   if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
-  if (value.is_number()) return Number(value.get<double>());
+  if (value.is_number()) return RshviewNumber(value.get<double>());
   if (value.is_string()) return value.get<std::string>();
   if (value.is_array()) {
     std::string text = "(";
@@ -214,10 +85,238 @@ std::string Text(const Json& value) {
   return value.dump();
 }
 
-void Row(std::ostream& out, const std::string& label, const Json& value) {
-  std::string line = "  " + label;
+std::string LightText(const Json& light) {
+  std::string text =
+      "coefficient " + Text(light["coefficient"]) + ", color " + Text(light["color"]);
+  if (light.contains("glossiness")) text += ", glossiness " + Text(light["glossiness"]);
+  return text;
+}
+
+std::string ImageText(const Json& image) {
+  if (image.is_null()) return "-";
+  return image["path"].get<std::string>() + " (" + std::to_string(image["width"].get<int>()) +
+         " x " + std::to_string(image["height"].get<int>()) + ")";
+}
+
+// --- The viewer's questions
+
+/// The interfaces through which the viewer asks a material.
+struct Viewer {
+  KEP_var<KEPIHardwareMaterial> material;
+  KEP_var<KEPIOpenGLShaderMaterial> program;
+  KEP_var<KEPIRmaMappingManipulator> mapping;
+  KEP_var<KEPIRmaMappingManipulatorMaterial> mappingMaterial;
+  bool sticker;
+};
+
+Json File(const KEPUnicodeString& path) {
+  const std::string file = path.ToUTF8();
+  return file.empty() ? Json(nullptr) : Json(file);
+}
+
+Json Light(float coefficient, const float (&color)[3]) {
+  return {{"coefficient", Num(coefficient)},
+          {"color", {Num(color[0]), Num(color[1]), Num(color[2])}}};
+}
+
+/// A number answered with a result code, by an interface of the viewer's.
+template <class Interface>
+Json CodedNumber(Interface* object, HRESULT (Interface::*get)(double&)) {
+  double value = kUntouched;
+  const HRESULT hr = (object->*get)(value);
+  return WithCode(Num(value), hr);
+}
+
+/// A flag answered with a result code.
+template <class Interface>
+Json CodedFlag(Interface* object, HRESULT (Interface::*get)(unsigned char&)) {
+  unsigned char flag = 0;
+  const HRESULT hr = (object->*get)(flag);
+  return WithCode(flag != 0, hr);
+}
+
+Json CodedColor(KEPIRmaMappingManipulatorMaterial* material,
+                HRESULT (KEPIRmaMappingManipulatorMaterial::*get)(double&, double&, double&)) {
+  double r = kUntouched, g = kUntouched, b = kUntouched;
+  const HRESULT hr = (material->*get)(r, g, b);
+  return WithCode(Json{Num(r), Num(g), Num(b)}, hr);
+}
+
+using MappingMaterial = KEPIRmaMappingManipulatorMaterial;
+using Mapping = KEPIRmaMappingManipulator;
+
+/// One answer of the material: where it goes in JSON (group and key), its label in the text form,
+/// how to ask it and, for an answer that is not a plain value or a value with its result code, how
+/// to print it. The answers are asked, listed and printed in this order, which is also the order
+/// that matters to the program questions: the sticker mode they set stays for those that follow.
+struct Answer {
+  const char* group;
+  const char* key;
+  const char* label;
+  Json (*ask)(Viewer&);
+  std::string (*text)(const Json&) = nullptr;
+};
+
+const Answer kAnswers[] = {
+    // The program, then its sticker sibling; the mode asked for stays set.
+    {"program", "file", "program file",
+     [](Viewer& v) {
+       v.program->SetStickerMode(0);
+       return File(v.program->GetExternalShader());
+     }},
+    {"program", "stickerFile", "sticker program file",
+     [](Viewer& v) {
+       v.program->SetStickerMode(1);
+       return File(v.program->GetExternalShader());
+     }},
+    {"program", "stickerMode", "sticker mode",
+     [](Viewer& v) {
+       v.program->SetStickerMode(v.sticker ? 1 : 0);
+       return Json(v.program->IsStickerMode() != 0);
+     }},
+    {"program", "used", "program used",
+     [](Viewer& v) { return Json(v.program->GetExternalShader().ToUTF8()); }},
+    {"lighting", "ambient", "ambient",
+     [](Viewer& v) {
+       float coefficient = kUntouched, color[3] = {kUntouched, kUntouched, kUntouched};
+       v.material->GetAmbient(coefficient, color);
+       return Light(coefficient, color);
+     },
+     LightText},
+    {"lighting", "diffuse", "diffuse",
+     [](Viewer& v) {
+       float coefficient = kUntouched, color[3] = {kUntouched, kUntouched, kUntouched};
+       v.material->GetDiffuse(coefficient, color);
+       return Light(coefficient, color);
+     },
+     LightText},
+    {"lighting", "specular", "specular",
+     [](Viewer& v) {
+       float coefficient = kUntouched, color[3] = {kUntouched, kUntouched, kUntouched};
+       float glossiness = kUntouched;
+       v.material->GetSpecular(coefficient, color, glossiness);
+       Json light = Light(coefficient, color);
+       light["glossiness"] = Num(glossiness);
+       return light;
+     },
+     LightText},
+    {"lighting", "transparencyCoef", "transparency coefficient",
+     [](Viewer& v) { return Num(v.material->GetTransparencyCoef()); }},
+    {"lighting", "luminosity", "luminosity",
+     [](Viewer& v) {
+       return CodedNumber(v.mappingMaterial.Get(), &MappingMaterial::GetLuminosity);
+     }},
+    {"lighting", "contrast", "contrast",
+     [](Viewer& v) { return CodedNumber(v.mappingMaterial.Get(), &MappingMaterial::GetContrast); }},
+    {"lighting", "shininess", "shininess",
+     [](Viewer& v) {
+       return CodedNumber(v.mappingMaterial.Get(), &MappingMaterial::GetShininess);
+     }},
+    {"lighting", "transparency", "transparency",
+     [](Viewer& v) {
+       return CodedNumber(v.mappingMaterial.Get(), &MappingMaterial::GetTransparency);
+     }},
+    {"lighting", "color", "color",
+     [](Viewer& v) { return CodedColor(v.mappingMaterial.Get(), &MappingMaterial::GetColor); }},
+    {"lighting", "transparentColor", "transparent color",
+     [](Viewer& v) {
+       return CodedColor(v.mappingMaterial.Get(), &MappingMaterial::GetTransparentColor);
+     }},
+    {"lighting", "useTransparentColor", "use transparent color",
+     [](Viewer& v) {
+       return CodedFlag(v.mappingMaterial.Get(), &MappingMaterial::GetUseTranparentColor);
+     }},
+    {"texture", "image", "texture image",
+     [](Viewer& v) {
+       auto image = KEP_var<KEPTexturePixelImage>::Adopt(v.material->GetTextureImage());
+       return image ? Json{{"path", image->GetPath().ToUTF8()},
+                           {"width", image->GetWidth()},
+                           {"height", image->GetHeight()}}
+                    : Json(nullptr);
+     },
+     ImageText},
+    {"texture", "wrapping", "texture wrapping",
+     [](Viewer& v) {
+       int u = -1, w = -1;
+       v.material->GetTextureWrapping(u, w);
+       return Json{u < 0 ? Json(nullptr) : Json(u), w < 0 ? Json(nullptr) : Json(w)};
+     }},
+    {"texture", "repeat", "texture repeat",
+     [](Viewer& v) {
+       return CodedFlag(v.mappingMaterial.Get(), &MappingMaterial::GetTextureRepeat);
+     }},
+    {"texture", "flip", "texture flip",
+     [](Viewer& v) {
+       unsigned char u = 0xff, w = 0xff;
+       v.material->GetTextureFlip(u, w);
+       return Json{u == 0xff ? Json(nullptr) : Json(u != 0),
+                   w == 0xff ? Json(nullptr) : Json(w != 0)};
+     }},
+    {"texture", "position", "texture position",
+     [](Viewer& v) {
+       float u = kUntouched, w = kUntouched;
+       v.material->GetTexturePosition(u, w);
+       return Json{Num(u), Num(w)};
+     }},
+    {"texture", "size", "texture size",
+     [](Viewer& v) {
+       float u = kUntouched, w = kUntouched;
+       v.material->GetTextureSize(u, w);
+       return Json{Num(u), Num(w)};
+     }},
+    {"texture", "angle", "texture angle",
+     [](Viewer& v) { return Num(v.material->GetTextureAngle()); }},
+    {"mapping", "type", "mapping type",
+     [](Viewer& v) {
+       short type = -1;
+       const HRESULT hr = v.mapping->GetMappingType(type);
+       return WithCode(type, hr);
+     }},
+    {"mapping", "ratio", "ratio",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetRatio); }},
+    {"mapping", "rotation", "rotation",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetRotation); }},
+    {"mapping", "scale", "scale",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetScale); }},
+    {"mapping", "flipU", "flip U",
+     [](Viewer& v) { return CodedFlag(v.mapping.Get(), &Mapping::GetFlipU); }},
+    {"mapping", "flipV", "flip V",
+     [](Viewer& v) { return CodedFlag(v.mapping.Get(), &Mapping::GetFlipV); }},
+    {"mapping", "translationU", "translation U",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetTranslationU); }},
+    {"mapping", "translationV", "translation V",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetTranslationV); }},
+    {"mapping", "size", "size",
+     [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetSize); }},
+};
+
+Json Answers(KEPHostShaderNode& node, bool sticker) {
+  Json json;
+  json["id"] = node.Id();
+  json["type"] = node.TypeName();
+  json["physical"] = node.TypeName().rfind("MPM", 0) == 0;
+
+  auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
+  auto link = KEPQueryVar<KEPIRshShaderLink>(delegate);
+  Viewer viewer{KEPQueryVar<KEPIHardwareMaterial>(delegate),
+                KEPQueryVar<KEPIOpenGLShaderMaterial>(delegate),
+                KEPQueryVar<KEPIRmaMappingManipulator>(delegate),
+                KEPQueryVar<KEPIRmaMappingManipulatorMaterial>(delegate), sticker};
+  if (!link || !viewer.material || !viewer.program || !viewer.mapping || !viewer.mappingMaterial) {
+    json["error"] = "the module's hardware material is not registered";
+    return json;
+  }
+  link->SetShader(&node);
+  for (const Answer& answer : kAnswers) json[answer.group][answer.key] = answer.ask(viewer);
+  return json;
+}
+
+void Row(std::ostream& out, const Answer& answer, const Json& value) {
+  std::string line = "  " + std::string(answer.label);
   line.resize(28, ' ');
-  if (value.is_object() && value.contains("result")) {
+  if (answer.text) {
+    out << line << answer.text(value) << "\n";
+  } else if (value.is_object() && value.contains("result")) {
     std::string shown = Text(value["value"]);
     if (shown.size() < 28) shown.resize(28, ' ');
     out << line << shown << "  " << value["result"].get<std::string>() << "\n";
@@ -233,50 +332,7 @@ void PrintText(const Json& node, std::ostream& out) {
     out << "  " << node["error"].get<std::string>() << "\n";
     return;
   }
-  const Json& program = node["program"];
-  Row(out, "program file", program["file"]);
-  Row(out, "sticker program file", program["stickerFile"]);
-  Row(out, "sticker mode", program["stickerMode"]);
-  Row(out, "program used", program["used"]);
-  const Json& l = node["lighting"];
-  for (const char* kind : {"ambient", "diffuse", "specular"}) {
-    const Json& answer = l[kind];
-    std::string text =
-        "coefficient " + Text(answer["coefficient"]) + ", color " + Text(answer["color"]);
-    if (answer.contains("glossiness")) text += ", glossiness " + Text(answer["glossiness"]);
-    Row(out, kind, text);
-  }
-  Row(out, "transparency coefficient", l["transparencyCoef"]);
-  Row(out, "luminosity", l["luminosity"]);
-  Row(out, "contrast", l["contrast"]);
-  Row(out, "shininess", l["shininess"]);
-  Row(out, "transparency", l["transparency"]);
-  Row(out, "color", l["color"]);
-  Row(out, "transparent color", l["transparentColor"]);
-  Row(out, "use transparent color", l["useTransparentColor"]);
-  const Json& t = node["texture"];
-  const Json& image = t["image"];
-  Row(out, "texture image",
-      image.is_null() ? Json(nullptr)
-                      : Json(image["path"].get<std::string>() + " (" +
-                             std::to_string(image["width"].get<int>()) + " x " +
-                             std::to_string(image["height"].get<int>()) + ")"));
-  Row(out, "texture wrapping", t["wrapping"]);
-  Row(out, "texture repeat", t["repeat"]);
-  Row(out, "texture flip", t["flip"]);
-  Row(out, "texture position", t["position"]);
-  Row(out, "texture size", t["size"]);
-  Row(out, "texture angle", t["angle"]);
-  const Json& m = node["mapping"];
-  Row(out, "mapping type", m["type"]);
-  Row(out, "ratio", m["ratio"]);
-  Row(out, "rotation", m["rotation"]);
-  Row(out, "scale", m["scale"]);
-  Row(out, "flip U", m["flipU"]);
-  Row(out, "flip V", m["flipV"]);
-  Row(out, "translation U", m["translationU"]);
-  Row(out, "translation V", m["translationV"]);
-  Row(out, "size", m["size"]);
+  for (const Answer& answer : kAnswers) Row(out, answer, node[answer.group][answer.key]);
 }
 
 }  // namespace

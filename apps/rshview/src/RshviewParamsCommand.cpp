@@ -2,7 +2,6 @@
 // parameter behaviours (KEPIRshParameterImmLayout and KEPIRshParameterDialog) exactly as the
 // editors read it.
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -14,6 +13,7 @@
 #include "KEPParmDictionary.h"
 #include "KEPRbaConfiguration.h"
 #include "RshviewCommands.h"
+#include "RshviewNumber.h"
 
 const char* const kRshviewParamsHelp =
     "Usage: rshview params [--library DIR] [--doc FILE] [--node ID|all] [--format text|json]\n"
@@ -40,23 +40,87 @@ using Json = nlohmann::ordered_json;
 constexpr int kMaxEnumEntries = 1000;
 constexpr int kMaxLabels = 4;
 
-std::string Number(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%g", value);
+// --- Text form of one value
+
+std::string Scalar(const Json& value) {
+  if (value.is_null()) return "-";
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
+  if (value.is_number()) return RshviewNumber(value.get<double>());
+  std::string text;
+  if (value.is_array()) {
+    for (const Json& item : value) text += (text.empty() ? "" : " ") + Scalar(item);
+    return text;
+  }
+  if (value.contains("image")) return Scalar(value["image"]);
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string WidgetText(const Json& widget) {
+  return Scalar(widget["kind"]) + (widget["configured"].get<bool>() ? "" : " (default)") +
+         (widget["known"].get<bool>() ? "" : " (not a kind these widgets know)");
+}
+
+std::string RangeText(const Json& range) {
+  std::string text = Scalar(range["min"]) + " .. " + Scalar(range["max"]);
+  if (range.contains("step") && !range["step"].is_null()) text += ", step " + Scalar(range["step"]);
   return text;
 }
 
-Json Range(HRESULT hr, const KEPString& min, const KEPString& max, const KEPString& step) {
-  if (FAILED(hr)) return nullptr;
-  return Json{{"min", min}, {"max", max}, {"step", step.empty() ? Json(nullptr) : Json(step)}};
+std::string PrecisionText(const Json& precision) {
+  return Scalar(precision) + (precision == 1 ? " decimal" : " decimals");
 }
 
-// The readers that both behaviours offer are asked of the immersive one, and of the classic one
-// for a type without immersive behaviour (light profiles).
-struct Behaviours {
+std::string UnitText(const Json& unit) {
+  std::string text = Scalar(unit["name"]);
+  if (!unit["symbol"].is_null())
+    text += ", symbol " + Scalar(unit["symbol"]);
+  else
+    text += ", not in the unit dictionary";
+  if (!unit["factor"].is_null()) text += ", factor " + Scalar(unit["factor"]);
+  return text;
+}
+
+std::string MagnitudeText(const Json& magnitude) {
+  return Scalar(magnitude["name"]) + (magnitude["known"].get<bool>() ? "" : " (unknown magnitude)");
+}
+
+std::string GroupText(const Json& group) {
+  return Scalar(group["key"]) +
+         (group["name"].is_null() ? "" : " \"" + Scalar(group["name"]) + "\"");
+}
+
+std::string EnumerationText(const Json& enumeration) {
+  std::string text;
+  for (const Json& entry : enumeration)
+    text += (text.empty() ? "" : ", ") + Scalar(entry["label"]) + "=" + Scalar(entry["value"]);
+  return text;
+}
+
+std::string ListText(const Json& items) {
+  std::string text;
+  for (const Json& item : items) text += (text.empty() ? "" : ", ") + Scalar(item);
+  return text;
+}
+
+std::string TooltipText(const Json& tooltip) {
+  std::string text = Scalar(tooltip["text"]);
+  if (!tooltip["image"].is_null()) text += " (image " + Scalar(tooltip["image"]) + ")";
+  return text;
+}
+
+// --- Reading
+
+/// What one parameter's fields are read from.
+struct Source {
+  KEPIRshParameter& parameter;
+  const KEPString& type;
+  const std::string& configurationId;
   KEP_var<KEPIRshParameterImmLayout> imm;
   KEP_var<KEPIRshParameterDialog> dlg;
 
+  /// The readers that both behaviours offer are asked of the immersive one, and of the classic
+  /// one for a type without immersive behaviour (light profiles).
   template <class F>
   HRESULT Shared(F&& read) {
     if (imm) return read(*imm);
@@ -64,6 +128,13 @@ struct Behaviours {
     return E_NOINTERFACE;
   }
 };
+
+Json OrNull(HRESULT hr, const KEPString& text) {
+  return SUCCEEDED(hr) ? Json(text) : Json(nullptr);
+}
+Json OrNull(HRESULT hr, const KEPUnicodeString& text) {
+  return SUCCEEDED(hr) ? Json(text.ToUTF8()) : Json(nullptr);
+}
 
 Json Value(KEPIRshParameter& parameter, const std::string& type) {
   if (type == "KEPRmaBoolean") {
@@ -74,18 +145,17 @@ Json Value(KEPIRshParameter& parameter, const std::string& type) {
     if (SUCCEEDED(parameter.GetIntegerValue(i))) return i;
   } else if (type == "KEPRmaScalar") {
     float f = 0;
-    if (SUCCEEDED(parameter.GetScalarValue(f))) return std::stod(Number(f));
+    if (SUCCEEDED(parameter.GetScalarValue(f))) return RshviewRounded(f);
   } else if (type == "KEPRmaColor") {
     float r = 0, g = 0, b = 0, a = 1;
     if (SUCCEEDED(parameter.GetColorValue(r, g, b, &a)))
-      return Json{std::stod(Number(r)), std::stod(Number(g)), std::stod(Number(b)),
-                  std::stod(Number(a))};
+      return Json{RshviewRounded(r), RshviewRounded(g), RshviewRounded(b), RshviewRounded(a)};
   } else if (type == "KEPRmaVector") {
     float v[4] = {0, 0, 0, 0};
     if (SUCCEEDED(parameter.GetVectorValue(v))) {
       Json list = Json::array();
       for (int i = 0; i < parameter.GetVectorDimension() && i < 4; ++i)
-        list.push_back(std::stod(Number(v[i])));
+        list.push_back(RshviewRounded(v[i]));
       return list;
     }
   } else if (type == "KEPRmaTexture") {
@@ -99,144 +169,189 @@ Json Value(KEPIRshParameter& parameter, const std::string& type) {
   return nullptr;
 }
 
+Json Connected(Source& s) {
+  KEP_var<KEPIRshShader> connected;
+  KEPString id;
+  if (SUCCEEDED(s.parameter.GetConnectedShader(*connected.Out())) && connected)
+    connected->GetId(id);
+  return id.empty() ? Json(nullptr) : Json(id);
+}
+
+template <class Behaviour>
+Json Widget(Behaviour* behaviour) {
+  if (!behaviour) return nullptr;
+  KEPString configured, kind;
+  const bool isConfigured = SUCCEEDED(behaviour->GetWidget(configured));
+  if (FAILED(behaviour->ChooseWidgetKind(kind))) return nullptr;
+  // A configured word that the type's widgets do not tell apart is most likely a typing
+  // mistake in the configuration; say so rather than let it pass silently.
+  std::vector<KEPString> kinds;
+  behaviour->GetWidgetKinds(kinds);
+  KEPString fallback;
+  if (SUCCEEDED(behaviour->GetDefaultWidgetKind(fallback))) kinds.push_back(fallback);
+  const bool known = !isConfigured || kinds.empty() || KEPToLower(kind) == "none" ||
+                     std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+  return Json{{"kind", kind}, {"configured", isConfigured}, {"known", known}};
+}
+
+template <class Behaviour>
+Json Range(Behaviour* behaviour) {
+  KEPString min, max, step;
+  if (!behaviour || FAILED(behaviour->GetRange(min, max, step))) return nullptr;
+  return Json{{"min", min}, {"max", max}, {"step", step.empty() ? Json(nullptr) : Json(step)}};
+}
+
+Json Bounds(Source& s, HRESULT (KEPIRshParameterImmLayout::*read)(double&, double&)) {
+  double min = 0, max = 0;
+  if (!s.imm || FAILED((s.imm.Get()->*read)(min, max))) return nullptr;
+  return Json{{"min", min}, {"max", max}};
+}
+
+Json Unit(Source& s) {
+  KEPString name;
+  if (FAILED(s.Shared([&](auto& r) { return r.GetUnitName(name); }))) return nullptr;
+  Json unit{{"name", name}, {"symbol", nullptr}, {"factor", nullptr}};
+  KEP_var<KEPICkeUnit> object;
+  if (SUCCEEDED(s.Shared([&](auto& r) { return r.GetUnit(*object.Out()); })) && object)
+    unit["symbol"] = object->Symbol().ToUTF8();
+  float factor = 1.0f;
+  if (s.imm && SUCCEEDED(s.imm->ConvertToModelUnit(factor))) unit["factor"] = factor;
+  return unit;
+}
+
+Json Magnitude(Source& s) {
+  KEPString name;
+  if (!s.imm || FAILED(s.imm->GetMagnitudeName(name))) return nullptr;
+  KEP_var<KEPICkeMagnitude> magnitude;
+  const bool known = SUCCEEDED(s.imm->GetMagnitude(*magnitude.Out())) && magnitude;
+  return Json{{"name", name}, {"known", known}};
+}
+
+Json Group(Source& s) {
+  KEPUnicodeString group;
+  if (FAILED(s.Shared([&](auto& r) { return r.GetGroup(group); }))) return nullptr;
+  KEPString display;
+  const bool named = SUCCEEDED(KEPRbaConfiguration::GetHierarchicalValue(
+      s.configurationId, group.ToUTF8() + ".Name", display));
+  return Json{{"key", group.ToUTF8()}, {"name", named ? Json(display) : Json(nullptr)}};
+}
+
+Json Enumeration(Source& s) {
+  Json enumeration = Json::array();
+  for (int i = 0; i < kMaxEnumEntries; ++i) {
+    KEPUnicodeString label;
+    if (FAILED(s.Shared([&](auto& r) { return r.GetEnumLabel(i, label); }))) break;
+    int value = 0;
+    const bool hasValue = SUCCEEDED(s.Shared([&](auto& r) { return r.GetEnumValue(i, value); }));
+    enumeration.push_back(
+        Json{{"label", label.ToUTF8()}, {"value", hasValue ? Json(value) : Json(nullptr)}});
+  }
+  return enumeration.empty() ? Json(nullptr) : enumeration;
+}
+
+Json Labels(Source& s) {
+  Json labels = Json::array();
+  for (int i = 0; i < kMaxLabels; ++i) {
+    KEPUnicodeString label;
+    if (FAILED(s.Shared([&](auto& r) { return r.GetLabel(i, label); }))) break;
+    labels.push_back(label.ToUTF8());
+  }
+  return labels.empty() ? Json(nullptr) : labels;
+}
+
+Json Connectable(Source& s) {
+  KEPString state;
+  const HRESULT hr = s.Shared([&](auto& r) { return r.GetConnectableState(state); });
+  // Without the key the state comes from the shader manager, which always writes it.
+  return SUCCEEDED(hr) || !state.empty() ? Json(state) : Json(nullptr);
+}
+
+Json Tooltip(Source& s) {
+  KEPUnicodeString text;
+  KEPString image;
+  const bool hasImage = s.imm && SUCCEEDED(s.imm->GetTooltip(text, image));
+  if (text.IsEmpty() && !hasImage) return nullptr;
+  return Json{{"text", text.IsEmpty() ? Json(nullptr) : Json(text.ToUTF8())},
+              {"image", hasImage ? Json(image) : Json(nullptr)}};
+}
+
+/// One field of a parameter: its JSON key and text label, how to read it (null when it is not
+/// configured) and how to print it in text when it is not null. The fields are read, listed in
+/// JSON and printed in text in this order.
+struct Field {
+  const char* key;
+  const char* label;
+  Json (*read)(Source&);
+  std::string (*text)(const Json&) = Scalar;
+  /// Printed as "-" when null rather than left out, so that the default kind an editor falls
+  /// back to is seen.
+  bool alwaysShown = false;
+};
+
+const Field kFields[] = {
+    {"value", "value", [](Source& s) { return Value(s.parameter, s.type); }},
+    {"connected", "connected", Connected},
+    {"widget", "widget", [](Source& s) { return Widget(s.imm.Get()); }, WidgetText, true},
+    {"classicWidget", "classic widget", [](Source& s) { return Widget(s.dlg.Get()); }, WidgetText,
+     true},
+    {"range", "range", [](Source& s) { return Range(s.imm.Get()); }, RangeText},
+    {"classicRange", "classic range", [](Source& s) { return Range(s.dlg.Get()); }, RangeText},
+    {"softRange", "soft range",
+     [](Source& s) { return Bounds(s, &KEPIRshParameterImmLayout::GetSoftRange); }, RangeText},
+    {"hardRange", "hard range",
+     [](Source& s) { return Bounds(s, &KEPIRshParameterImmLayout::GetHardRange); }, RangeText},
+    {"step", "step",
+     [](Source& s) {
+       double step = 0;
+       return s.imm && SUCCEEDED(s.imm->GetStep(step)) ? Json(step) : Json(nullptr);
+     }},
+    {"precision", "precision",
+     [](Source& s) {
+       int precision = 0;
+       return s.imm && SUCCEEDED(s.imm->GetDecimalPrecision(precision)) ? Json(precision)
+                                                                        : Json(nullptr);
+     },
+     PrecisionText},
+    {"unit", "unit", Unit, UnitText},
+    {"magnitude", "magnitude", Magnitude, MagnitudeText},
+    {"group", "group", Group, GroupText},
+    {"sortingOrder", "sorting order",
+     [](Source& s) {
+       KEPString order;
+       return OrNull(s.Shared([&](auto& r) { return r.GetSortingOrder(order); }), order);
+     }},
+    {"enumeration", "enumeration", Enumeration, EnumerationText},
+    {"labels", "labels", Labels, ListText},
+    {"connectable", "connectable", Connectable},
+    {"layerGroup", "layer group",
+     [](Source& s) {
+       KEPString name;
+       return OrNull(s.Shared([&](auto& r) { return r.GetLayerGroupName(name); }), name);
+     }},
+    {"description", "description",
+     [](Source& s) {
+       KEPUnicodeString description;
+       return OrNull(s.Shared([&](auto& r) { return r.GetDescription(description); }), description);
+     }},
+    {"tooltip", "tooltip", Tooltip, TooltipText},
+    {"default", "default",
+     [](Source& s) {
+       KEPString value;
+       return OrNull(s.Shared([&](auto& r) { return r.GetDefault(value); }), value);
+     }},
+};
+
 Json Parameter(KEPHostParameter& feature, const std::string& configurationId) {
   KEPIRshParameter& parameter = feature;
   KEPString name, type;
   parameter.GetName(name);
   parameter.GetTypeName(type);
-  Behaviours b{KEPQueryVar<KEPIRshParameterImmLayout>(&feature),
-               KEPQueryVar<KEPIRshParameterDialog>(&feature)};
-
+  Source source{parameter, type, configurationId, KEPQueryVar<KEPIRshParameterImmLayout>(&feature),
+                KEPQueryVar<KEPIRshParameterDialog>(&feature)};
   Json json;
   json["name"] = name;
   json["type"] = type;
-  json["value"] = Value(parameter, type);
-  KEP_var<KEPIRshShader> connected;
-  KEPString connectedId;
-  if (SUCCEEDED(parameter.GetConnectedShader(*connected.Out())) && connected)
-    connected->GetId(connectedId);
-  json["connected"] = connectedId.empty() ? Json(nullptr) : Json(connectedId);
-
-  auto widget = [](auto* behaviour) -> Json {
-    if (!behaviour) return nullptr;
-    KEPString configured, kind;
-    const bool isConfigured = SUCCEEDED(behaviour->GetWidget(configured));
-    if (FAILED(behaviour->ChooseWidgetKind(kind))) return nullptr;
-    // A configured word that the type's widgets do not tell apart is most likely a typing
-    // mistake in the configuration; say so rather than let it pass silently.
-    std::vector<KEPString> kinds;
-    behaviour->GetWidgetKinds(kinds);
-    KEPString fallback;
-    if (SUCCEEDED(behaviour->GetDefaultWidgetKind(fallback))) kinds.push_back(fallback);
-    const bool known = !isConfigured || kinds.empty() || KEPToLower(kind) == "none" ||
-                       std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
-    return Json{{"kind", kind}, {"configured", isConfigured}, {"known", known}};
-  };
-  json["widget"] = widget(b.imm.Get());
-  json["classicWidget"] = widget(b.dlg.Get());
-
-  KEPString min, max, step;
-  json["range"] = b.imm ? Range(b.imm->GetRange(min, max, step), min, max, step) : Json(nullptr);
-  min.clear(), max.clear(), step.clear();
-  json["classicRange"] =
-      b.dlg ? Range(b.dlg->GetRange(min, max, step), min, max, step) : Json(nullptr);
-
-  double low = 0, high = 0, stepValue = 0;
-  int precision = 0;
-  json["softRange"] = b.imm && SUCCEEDED(b.imm->GetSoftRange(low, high))
-                          ? Json{{"min", low}, {"max", high}}
-                          : Json(nullptr);
-  json["hardRange"] = b.imm && SUCCEEDED(b.imm->GetHardRange(low, high))
-                          ? Json{{"min", low}, {"max", high}}
-                          : Json(nullptr);
-  json["step"] = b.imm && SUCCEEDED(b.imm->GetStep(stepValue)) ? Json(stepValue) : Json(nullptr);
-  json["precision"] =
-      b.imm && SUCCEEDED(b.imm->GetDecimalPrecision(precision)) ? Json(precision) : Json(nullptr);
-
-  KEPString unitName;
-  if (SUCCEEDED(b.Shared([&](auto& r) { return r.GetUnitName(unitName); }))) {
-    Json unit{{"name", unitName}, {"symbol", nullptr}, {"factor", nullptr}};
-    KEP_var<KEPICkeUnit> object;
-    if (SUCCEEDED(b.Shared([&](auto& r) { return r.GetUnit(*object.Out()); })) && object)
-      unit["symbol"] = object->Symbol().ToUTF8();
-    float factor = 1.0f;
-    if (b.imm && SUCCEEDED(b.imm->ConvertToModelUnit(factor))) unit["factor"] = factor;
-    json["unit"] = unit;
-  } else {
-    json["unit"] = nullptr;
-  }
-
-  KEPString magnitudeName;
-  if (b.imm && SUCCEEDED(b.imm->GetMagnitudeName(magnitudeName))) {
-    KEP_var<KEPICkeMagnitude> magnitude;
-    const bool known = SUCCEEDED(b.imm->GetMagnitude(*magnitude.Out())) && magnitude;
-    json["magnitude"] = Json{{"name", magnitudeName}, {"known", known}};
-  } else {
-    json["magnitude"] = nullptr;
-  }
-
-  KEPUnicodeString group;
-  if (SUCCEEDED(b.Shared([&](auto& r) { return r.GetGroup(group); }))) {
-    KEPString display;
-    const bool named = SUCCEEDED(KEPRbaConfiguration::GetHierarchicalValue(
-        configurationId, group.ToUTF8() + ".Name", display));
-    json["group"] = Json{{"key", group.ToUTF8()}, {"name", named ? Json(display) : Json(nullptr)}};
-  } else {
-    json["group"] = nullptr;
-  }
-
-  KEPString text;
-  json["sortingOrder"] = SUCCEEDED(b.Shared([&](auto& r) { return r.GetSortingOrder(text); }))
-                             ? Json(text)
-                             : Json(nullptr);
-
-  Json enumeration = Json::array();
-  for (int i = 0; i < kMaxEnumEntries; ++i) {
-    KEPUnicodeString label;
-    if (FAILED(b.Shared([&](auto& r) { return r.GetEnumLabel(i, label); }))) break;
-    int value = 0;
-    const bool hasValue = SUCCEEDED(b.Shared([&](auto& r) { return r.GetEnumValue(i, value); }));
-    enumeration.push_back(
-        Json{{"label", label.ToUTF8()}, {"value", hasValue ? Json(value) : Json(nullptr)}});
-  }
-  json["enumeration"] = enumeration.empty() ? Json(nullptr) : enumeration;
-
-  Json labels = Json::array();
-  for (int i = 0; i < kMaxLabels; ++i) {
-    KEPUnicodeString label;
-    if (FAILED(b.Shared([&](auto& r) { return r.GetLabel(i, label); }))) break;
-    labels.push_back(label.ToUTF8());
-  }
-  json["labels"] = labels.empty() ? Json(nullptr) : labels;
-
-  text.clear();
-  const HRESULT connectable = b.Shared([&](auto& r) { return r.GetConnectableState(text); });
-  json["connectable"] = SUCCEEDED(connectable) || !text.empty() ? Json(text) : Json(nullptr);
-
-  text.clear();
-  json["layerGroup"] = SUCCEEDED(b.Shared([&](auto& r) { return r.GetLayerGroupName(text); }))
-                           ? Json(text)
-                           : Json(nullptr);
-
-  KEPUnicodeString description;
-  json["description"] = SUCCEEDED(b.Shared([&](auto& r) { return r.GetDescription(description); }))
-                            ? Json(description.ToUTF8())
-                            : Json(nullptr);
-
-  KEPUnicodeString tooltipText;
-  KEPString tooltipImage;
-  const bool hasImage = b.imm && SUCCEEDED(b.imm->GetTooltip(tooltipText, tooltipImage));
-  if (!tooltipText.IsEmpty() || hasImage) {
-    json["tooltip"] =
-        Json{{"text", tooltipText.IsEmpty() ? Json(nullptr) : Json(tooltipText.ToUTF8())},
-             {"image", hasImage ? Json(tooltipImage) : Json(nullptr)}};
-  } else {
-    json["tooltip"] = nullptr;
-  }
-
-  text.clear();
-  json["default"] =
-      SUCCEEDED(b.Shared([&](auto& r) { return r.GetDefault(text); })) ? Json(text) : Json(nullptr);
+  for (const Field& field : kFields) json[field.key] = field.read(source);
   return json;
 }
 
@@ -256,67 +371,6 @@ Json Node(KEPHostShaderNode& node) {
   return json;
 }
 
-// --- Text form
-
-std::string Scalar(const Json& value) {
-  if (value.is_null()) return "-";
-  if (value.is_string()) return value.get<std::string>();
-  if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
-  if (value.is_number()) return Number(value.get<double>());
-  std::string text;
-  if (value.is_array()) {
-    for (const Json& item : value) text += (text.empty() ? "" : " ") + Scalar(item);
-    return text;
-  }
-  if (value.contains("image")) return Scalar(value["image"]);
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-std::string Text(const std::string& key, const Json& value) {
-  if (value.is_null()) return "-";
-  if (key == "widget" || key == "classicWidget")
-    return Scalar(value["kind"]) + (value["configured"].get<bool>() ? "" : " (default)") +
-           (value["known"].get<bool>() ? "" : " (not a kind these widgets know)");
-  if (key == "range" || key == "classicRange" || key == "softRange" || key == "hardRange") {
-    std::string text = Scalar(value["min"]) + " .. " + Scalar(value["max"]);
-    if (value.contains("step") && !value["step"].is_null())
-      text += ", step " + Scalar(value["step"]);
-    return text;
-  }
-  if (key == "unit") {
-    std::string text = Scalar(value["name"]);
-    if (!value["symbol"].is_null())
-      text += ", symbol " + Scalar(value["symbol"]);
-    else
-      text += ", not in the unit dictionary";
-    if (!value["factor"].is_null()) text += ", factor " + Scalar(value["factor"]);
-    return text;
-  }
-  if (key == "magnitude")
-    return Scalar(value["name"]) + (value["known"].get<bool>() ? "" : " (unknown magnitude)");
-  if (key == "group")
-    return Scalar(value["key"]) +
-           (value["name"].is_null() ? "" : " \"" + Scalar(value["name"]) + "\"");
-  if (key == "enumeration") {
-    std::string text;
-    for (const Json& entry : value)
-      text += (text.empty() ? "" : ", ") + Scalar(entry["label"]) + "=" + Scalar(entry["value"]);
-    return text;
-  }
-  if (key == "labels") {
-    std::string text;
-    for (const Json& label : value) text += (text.empty() ? "" : ", ") + Scalar(label);
-    return text;
-  }
-  if (key == "tooltip") {
-    std::string text = Scalar(value["text"]);
-    if (!value["image"].is_null()) text += " (image " + Scalar(value["image"]) + ")";
-    return text;
-  }
-  if (key == "precision") return Scalar(value) + (value == 1 ? " decimal" : " decimals");
-  return Scalar(value);
-}
-
 // One line per parameter first, so that the whole node reads at a glance; then a block per
 // parameter with only what is configured (JSON keeps every field, with nulls).
 void PrintSummary(const Json& parameters, std::ostream& out) {
@@ -326,7 +380,8 @@ void PrintSummary(const Json& parameters, std::ostream& out) {
   };
   const auto shortType = [](const Json& p) {
     std::string type = Scalar(p["type"]);
-    return type.rfind("KEPRma", 0) == 0 ? type.substr(6) : type;
+    constexpr std::string_view prefix = "KEPRma";
+    return std::string_view(type).starts_with(prefix) ? type.substr(prefix.size()) : type;
   };
   const auto widget = [](const Json& p) {
     const Json& w = p["widget"].is_null() ? p["classicWidget"] : p["widget"];
@@ -388,43 +443,18 @@ void PrintSummary(const Json& parameters, std::ostream& out) {
 }
 
 void PrintText(const Json& node, std::ostream& out) {
-  static const std::pair<const char*, const char*> kRows[] = {
-      {"value", "value"},
-      {"connected", "connected"},
-      {"widget", "widget"},
-      {"classicWidget", "classic widget"},
-      {"range", "range"},
-      {"classicRange", "classic range"},
-      {"softRange", "soft range"},
-      {"hardRange", "hard range"},
-      {"step", "step"},
-      {"precision", "precision"},
-      {"unit", "unit"},
-      {"magnitude", "magnitude"},
-      {"group", "group"},
-      {"sortingOrder", "sorting order"},
-      {"enumeration", "enumeration"},
-      {"labels", "labels"},
-      {"connectable", "connectable"},
-      {"layerGroup", "layer group"},
-      {"description", "description"},
-      {"tooltip", "tooltip"},
-      {"default", "default"},
-  };
   out << "Node " << Scalar(node["id"]) << "  type " << Scalar(node["type"]) << "  alias \""
       << Scalar(node["alias"]) << "\"  configuration " << Scalar(node["configuration"]) << "  ("
       << node["parameters"].size() << " parameters)\n\n";
   PrintSummary(node["parameters"], out);
   for (const Json& parameter : node["parameters"]) {
     out << "\n" << Scalar(parameter["name"]) << "  (" << Scalar(parameter["type"]) << ")\n";
-    for (const auto& [key, label] : kRows) {
-      // The widget rows always show, so that the default kind an editor falls back to is seen.
-      const bool always =
-          std::string_view(key) == "widget" || std::string_view(key) == "classicWidget";
-      if (parameter[key].is_null() && !always) continue;
-      std::string padded = label;
-      padded.resize(16, ' ');
-      out << "  " << padded << Text(key, parameter[key]) << "\n";
+    for (const Field& field : kFields) {
+      const Json& value = parameter[field.key];
+      if (value.is_null() && !field.alwaysShown) continue;
+      std::string label = field.label;
+      label.resize(16, ' ');
+      out << "  " << label << (value.is_null() ? "-" : field.text(value)) << "\n";
     }
   }
 }

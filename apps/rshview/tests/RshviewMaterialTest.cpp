@@ -16,11 +16,6 @@ Json Material(std::vector<std::string> extra) {
   return Json::parse(run.out);
 }
 
-bool EndsWith(const std::string& text, const std::string& tail) {
-  return text.size() >= tail.size() &&
-         text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
-}
-
 TEST(RshviewMaterial, PhysicalPaintDrawsWithTheCommonProgramAndItsTexture) {
   const Json paint = Material({"--node", "red_paint"});
   EXPECT_TRUE(paint["physical"].get<bool>());
@@ -41,8 +36,8 @@ TEST(RshviewMaterial, StickerModeSwitchesTheProgramUsed) {
     const auto at = out.find("program used");
     return out.substr(at, out.find('\n', at) - at);
   };
-  EXPECT_TRUE(EndsWith(programUsed(plain.out), "/MPM_material.cgfx")) << plain.out;
-  EXPECT_TRUE(EndsWith(programUsed(sticker.out), "/MPM_material_Stk.cgfx")) << sticker.out;
+  EXPECT_TRUE(programUsed(plain.out).ends_with("/MPM_material.cgfx")) << plain.out;
+  EXPECT_TRUE(programUsed(sticker.out).ends_with("/MPM_material_Stk.cgfx")) << sticker.out;
 }
 
 TEST(RshviewMaterial, EveryNodeAnswersAndErrorsAreUsageErrors) {

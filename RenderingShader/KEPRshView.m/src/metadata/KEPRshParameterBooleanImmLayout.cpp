@@ -10,13 +10,7 @@ KEPBaseUnknown* KEPRshParameterBooleanImmLayout::CreateItself() {
 }
 
 HRESULT KEPRshParameterBooleanImmLayout::GetTypedDefault(bool& value) {
-  KEPString text;
-  if (FAILED(GetDefault(text))) {
-    // No default configured at all: a boolean is on.
-    value = true;
-    return S_OK;
-  }
-  return KEPRshParameterContext::ParseBoolean(text, value) ? S_OK : E_FAIL;
+  return ReadBooleanDefault(value);
 }
 
 const char* KEPRshParameterBooleanImmLayout::DefaultWidgetKind() const {

@@ -18,9 +18,7 @@ KEPRshParameterColorDialog::~KEPRshParameterColorDialog() {
 }
 
 HRESULT KEPRshParameterColorDialog::GetTypedDefault(float (&value)[4]) {
-  KEPString text;
-  if (FAILED(GetDefault(text))) return E_FAIL;
-  return KEPRshParameterContext::ParseFourFloats(text, value) ? S_OK : E_FAIL;
+  return ReadFourFloatDefault(value);
 }
 
 const char* KEPRshParameterColorDialog::DefaultWidgetKind() const {

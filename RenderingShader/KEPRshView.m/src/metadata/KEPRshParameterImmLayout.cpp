@@ -11,57 +11,9 @@ KEP_IMPLEMENT_CLASS_EX(KEPRshParameterImmLayout, KEPBaseUnknown, "KEPNull", "Ren
 
 KEPRshParameterImmLayout::KEPRshParameterImmLayout() : trace_("KEPRshParameterConfiguration") {}
 
-KEPRshParameterImmLayout::~KEPRshParameterImmLayout() {
-  context_.ReleaseResources();
-}
+KEPRshParameterImmLayout::~KEPRshParameterImmLayout() = default;
 
-HRESULT KEPRshParameterImmLayout::ChangeComponentState(int from, int to, const void* context) {
-  if (from < KEPComponentState_Deleted && to == KEPComponentState_Deleted)
-    context_.ReleaseResources();
-  return KEPBaseUnknown::ChangeComponentState(from, to, context);
-}
-
-const KEPRshParameterContext& KEPRshParameterImmLayout::Context() {
-  context_.Resolve(GetExtendedObject());
-  return context_;
-}
-
-const KEPString& KEPRshParameterImmLayout::GetConfigurationId() {
-  return Context().ConfigurationId();
-}
-
-const KEPString& KEPRshParameterImmLayout::GetParameterName() {
-  return Context().ParameterName();
-}
-
-// --- Texts
-
-HRESULT KEPRshParameterImmLayout::GetDescription(KEPUnicodeString& description) {
-  return Context().Config(".Description", description);
-}
-
-HRESULT KEPRshParameterImmLayout::GetGroup(KEPUnicodeString& group) {
-  return Context().Config(".Group", group);
-}
-
-HRESULT KEPRshParameterImmLayout::GetDefault(KEPString& value) {
-  return Context().ResourceOrConfig("default", ".Default", value);
-}
-
-// --- Typed readers: the types that have a stored form override these.
-
-HRESULT KEPRshParameterImmLayout::GetTypedDefault(bool&) {
-  return E_FAIL;
-}
-HRESULT KEPRshParameterImmLayout::GetTypedDefault(int&) {
-  return E_FAIL;
-}
-HRESULT KEPRshParameterImmLayout::GetTypedDefault(float&) {
-  return E_FAIL;
-}
-HRESULT KEPRshParameterImmLayout::GetTypedDefault(float (&)[4]) {
-  return E_FAIL;
-}
+// --- Ranges
 
 HRESULT KEPRshParameterImmLayout::GetRange(KEPString& min, KEPString& max, KEPString& step) {
   return Context().Range(true, min, max, step);
@@ -148,18 +100,7 @@ HRESULT KEPRshParameterImmLayout::ReadSecondaryParameterName(KEPString& name) {
   return Context().Config(".SecondaryParameter", name);
 }
 
-HRESULT KEPRshParameterImmLayout::ReadFourFloatDefault(float (&value)[4]) {
-  KEPString text;
-  if (FAILED(GetDefault(text))) return E_FAIL;
-  return KEPRshParameterContext::ParseFourFloats(text, value) ? S_OK : E_FAIL;
-}
-
-// --- Enumeration and labels
-
-HRESULT KEPRshParameterImmLayout::GetEnumLabel(int index, KEPUnicodeString& label) {
-  return Context().ResourceOrConfig(KEPRshParameterContext::Indexed("enum", index),
-                                    KEPRshParameterContext::Indexed(".Enum", index), label);
-}
+// --- Enumeration
 
 HRESULT KEPRshParameterImmLayout::GetEnumValue(int index, int& value) {
   return Context().EnumValue(index, value);
@@ -169,24 +110,7 @@ HRESULT KEPRshParameterImmLayout::GetEnumIndex(int value, int& index) {
   return Context().EnumIndex(true, value, index);
 }
 
-HRESULT KEPRshParameterImmLayout::GetLabel(int index, KEPUnicodeString& label) {
-  return Context().ResourceOrConfig(KEPRshParameterContext::Indexed("label", index),
-                                    KEPRshParameterContext::Indexed(".Label", index), label);
-}
-
-// --- Widget, units and the rest
-
-HRESULT KEPRshParameterImmLayout::GetWidget(KEPString& kind) {
-  return Context().ResourceOrConfig("widget", ".Widget", kind);
-}
-
-HRESULT KEPRshParameterImmLayout::GetUnit(KEPICkeUnit*& unit) {
-  return Context().Unit(unit);
-}
-
-HRESULT KEPRshParameterImmLayout::GetUnitName(KEPString& unit) {
-  return Context().Config(".Unit", unit);
-}
+// --- Magnitude, tooltip and units
 
 HRESULT KEPRshParameterImmLayout::GetMagnitude(KEPICkeMagnitude*& magnitude) {
   return Context().Magnitude(magnitude);
@@ -200,18 +124,6 @@ HRESULT KEPRshParameterImmLayout::GetTooltip(KEPUnicodeString& text, KEPString& 
   const KEPRshParameterContext& context = Context();
   context.Config(".TooltipText", text);
   return context.Config(".TooltipImage", image);
-}
-
-HRESULT KEPRshParameterImmLayout::GetSortingOrder(KEPString& order) {
-  return Context().Config(".SortingOrder", order);
-}
-
-HRESULT KEPRshParameterImmLayout::GetConnectableState(KEPString& state) {
-  return Context().ConnectableState(GetExtendedObject(), state);
-}
-
-HRESULT KEPRshParameterImmLayout::GetLayerGroupName(KEPString& name) {
-  return Context().Config(".LayerGroupName", name);
 }
 
 HRESULT KEPRshParameterImmLayout::ConvertToModelUnit(float& value) {
@@ -253,15 +165,5 @@ HRESULT KEPRshParameterImmLayout::ChooseWidgetKind(KEPString& kind) {
                    chosen.c_str(), typeName.c_str());
   }
   kind = std::move(chosen);
-  return S_OK;
-}
-
-HRESULT KEPRshParameterImmLayout::GetDefaultWidgetKind(KEPString& kind) {
-  kind = DefaultWidgetKind();
-  return S_OK;
-}
-
-HRESULT KEPRshParameterImmLayout::GetWidgetKinds(std::vector<KEPString>& kinds) {
-  kinds = WidgetKinds();
   return S_OK;
 }

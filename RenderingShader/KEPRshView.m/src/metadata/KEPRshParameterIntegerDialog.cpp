@@ -18,9 +18,7 @@ KEPRshParameterIntegerDialog::~KEPRshParameterIntegerDialog() {
 }
 
 HRESULT KEPRshParameterIntegerDialog::GetTypedDefault(int& value) {
-  KEPString text;
-  if (FAILED(GetDefault(text))) return E_FAIL;
-  return KEPRshParameterContext::ParseInt(text, value) ? S_OK : E_FAIL;
+  return ReadIntegerDefault(value);
 }
 
 HRESULT KEPRshParameterIntegerDialog::GetEnumValue(int index, int& value) {

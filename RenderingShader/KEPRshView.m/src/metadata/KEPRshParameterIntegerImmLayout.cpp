@@ -10,16 +10,11 @@ KEPBaseUnknown* KEPRshParameterIntegerImmLayout::CreateItself() {
 }
 
 HRESULT KEPRshParameterIntegerImmLayout::GetTypedDefault(int& value) {
-  KEPString text;
-  if (FAILED(GetDefault(text))) return E_FAIL;
-  return KEPRshParameterContext::ParseInt(text, value) ? S_OK : E_FAIL;
+  return ReadIntegerDefault(value);
 }
 
 HRESULT KEPRshParameterIntegerImmLayout::GetTypedRange(int& min, int& max, int& step) {
-  KEPString minText, maxText, stepText;
-  if (FAILED(GetRange(minText, maxText, stepText))) return E_FAIL;
-  return KEPRshParameterContext::ParseIntRange(minText, maxText, stepText, min, max, step) ? S_OK
-                                                                                           : E_FAIL;
+  return ReadIntegerRange(min, max, step);
 }
 
 const char* KEPRshParameterIntegerImmLayout::DefaultWidgetKind() const {

@@ -18,11 +18,7 @@ KEPRshParameterScalarDialog::~KEPRshParameterScalarDialog() {
 }
 
 HRESULT KEPRshParameterScalarDialog::GetTypedDefault(float& value) {
-  KEPString text;
-  double number = 0.0;
-  if (FAILED(GetDefault(text)) || !KEPRshParameterContext::ParseDouble(text, number)) return E_FAIL;
-  value = static_cast<float>(number);
-  return S_OK;
+  return ReadScalarDefault(value);
 }
 
 const char* KEPRshParameterScalarDialog::DefaultWidgetKind() const {

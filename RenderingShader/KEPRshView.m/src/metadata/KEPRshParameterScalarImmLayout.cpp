@@ -10,11 +10,7 @@ KEPBaseUnknown* KEPRshParameterScalarImmLayout::CreateItself() {
 }
 
 HRESULT KEPRshParameterScalarImmLayout::GetTypedDefault(float& value) {
-  KEPString text;
-  double number = 0.0;
-  if (FAILED(GetDefault(text)) || !KEPRshParameterContext::ParseDouble(text, number)) return E_FAIL;
-  value = static_cast<float>(number);
-  return S_OK;
+  return ReadScalarDefault(value);
 }
 
 HRESULT KEPRshParameterScalarImmLayout::GetTypedRange(float& min, float& max, float& step) {

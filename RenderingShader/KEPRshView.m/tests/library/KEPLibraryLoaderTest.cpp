@@ -7,8 +7,8 @@
 
 #include "KEPConfigurationLoader.h"
 #include "KEPFileText.h"
-#include "KEPJsonReader.h"
 #include "KEPHostValueJson.h"
+#include "KEPJsonReader.h"
 #include "KEPShaderDocumentLoader.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPShaderLibraryLoader.h"

@@ -409,6 +409,54 @@ TEST_F(ReadersTest, TypedDefaultsByType) {
   EXPECT_TRUE(b);
 }
 
+TEST_F(ReadersTest, BothBehavioursOfAParameterReadTheSameTypedDefault) {
+  Config("plainCfg", {{"n.Default", " 12 apples"},
+                      {"x.Default", "2.5e-1"},
+                      {"c.Default", "(0.1, 0.2)"},
+                      {"v.Default", "1,2,3,4"}});
+  int nImm = 0, nDlg = 0;
+  float xImm = 0, xDlg = 0;
+  float cImm[4] = {9, 9, 9, 9}, cDlg[4] = {9, 9, 9, 9};
+  float vImm[4] = {}, vDlg[4] = {};
+  ASSERT_EQ(PlainImm("n")->GetTypedDefault(nImm), S_OK);
+  ASSERT_EQ(Dlg(world.Param(plain, "n"))->GetTypedDefault(nDlg), S_OK);
+  ASSERT_EQ(PlainImm("x")->GetTypedDefault(xImm), S_OK);
+  ASSERT_EQ(Dlg(world.Param(plain, "x"))->GetTypedDefault(xDlg), S_OK);
+  ASSERT_EQ(PlainImm("c")->GetTypedDefault(cImm), S_OK);
+  ASSERT_EQ(Dlg(world.Param(plain, "c"))->GetTypedDefault(cDlg), S_OK);
+  ASSERT_EQ(PlainImm("v")->GetTypedDefault(vImm), S_OK);
+  ASSERT_EQ(Dlg(world.Param(plain, "v"))->GetTypedDefault(vDlg), S_OK);
+  EXPECT_EQ(nImm, 12);  // leading blanks skipped, trailing text ignored
+  EXPECT_EQ(nDlg, nImm);
+  EXPECT_FLOAT_EQ(xImm, 0.25f);
+  EXPECT_EQ(xDlg, xImm);
+  EXPECT_FLOAT_EQ(cImm[1], 0.2f);
+  EXPECT_FLOAT_EQ(cImm[2], 9.0f);
+  EXPECT_FLOAT_EQ(vImm[3], 4.0f);
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(cDlg[i], cImm[i]) << i;
+    EXPECT_EQ(vDlg[i], vImm[i]) << i;
+  }
+}
+
+TEST_F(ReadersTest, IntegerTypedRangeFollowsTheRangeOfItsBehaviour) {
+  // Only the immersive range stands in ".HardMin" for a missing ".Min".
+  Config("plainCfg", {{"n.HardMin", "-4"}, {"n.Max", "6"}, {"n.Step", "2"}});
+  int min = 0, max = 0, step = 1;
+  ASSERT_EQ(PlainImm("n")->GetTypedRange(min, max, step), S_OK);
+  EXPECT_EQ(min, -4);
+  EXPECT_EQ(max, 6);
+  EXPECT_EQ(step, 2);
+  min = max = 0, step = 1;
+  EXPECT_EQ(Dlg(world.Param(plain, "n"))->GetTypedRange(min, max, step), E_FAIL);
+  EXPECT_EQ(min, 0);  // outputs untouched
+  EXPECT_EQ(step, 1);
+  Config("plainCfg", {{"n.Min", "-1"}});
+  ASSERT_EQ(Dlg(world.Param(plain, "n"))->GetTypedRange(min, max, step), S_OK);
+  EXPECT_EQ(min, -1);
+  EXPECT_EQ(step, 2);
+}
+
 TEST_F(ReadersTest, BooleanWithoutAnyDefaultReadsTrue) {
   bool value = false;
   EXPECT_EQ(PlainImm("b")->GetTypedDefault(value), S_OK);
