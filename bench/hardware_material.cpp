@@ -118,7 +118,8 @@ void AskEverything(KEPIHardwareMaterial* material, KEPIOpenGLShaderMaterial* pro
   benchmark::DoNotOptimize(mapping->GetTranslationU(d));
   benchmark::DoNotOptimize(mapping->GetTranslationV(d));
   benchmark::DoNotOptimize(mapping->GetSize(d));
-  benchmark::DoNotOptimize(coef + gloss + u + v + wu + wv + fu + fv + color[0]);
+  benchmark::DoNotOptimize(coef + gloss + u + v + static_cast<double>(wu + wv + fu + fv) +
+                           color[0]);
 }
 
 KEPHostShaderTypeDefinition TextureType() {

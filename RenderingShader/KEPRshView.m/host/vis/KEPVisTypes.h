@@ -33,13 +33,13 @@ class KEPListValKEPString {
   /// Item at position i (1-based); an empty string outside 1..Size().
   const KEPString& operator[](int i) const {
     static const KEPString empty;
-    return i >= 1 && i <= Size() ? items_[i - 1] : empty;
+    return i >= 1 && i <= Size() ? items_[static_cast<std::size_t>(i - 1)] : empty;
   }
   void Append(KEPString item) { items_.push_back(std::move(item)); }
   /// Position (1-based) of the first item equal to `item`, or 0.
   int Locate(std::string_view item) const {
-    for (int i = 0; i < Size(); ++i)
-      if (items_[i] == item) return i + 1;
+    for (std::size_t i = 0; i < items_.size(); ++i)
+      if (items_[i] == item) return static_cast<int>(i) + 1;
     return 0;
   }
   void RemoveAll() { items_.clear(); }

@@ -23,6 +23,19 @@ struct StateSlot {
 struct Slots {
   std::vector<StateSlot> slots;
   std::vector<std::size_t> creationOrder;
+
+  /// Destroys every state object, newest first. A state object may use older ones while it is
+  /// destroyed (and may even create one again, which the loop then destroys too).
+  void DestroyAll() {
+    while (!creationOrder.empty()) {
+      const std::size_t slot = creationOrder.back();
+      creationOrder.pop_back();
+      StateSlot& state = slots[slot];
+      if (void* object = std::exchange(state.object, nullptr)) state.destroy(object);
+    }
+  }
+  /// At the end of the process, as function-local statics would be.
+  ~Slots() { DestroyAll(); }
 };
 
 Slots& TheSlots() {
@@ -94,16 +107,7 @@ void* KEPHostContext::Slot(std::size_t& slot, void* (*create)(), void (*destroy)
 
 void KEPHostContext::Reset() {
   RegisterHostExtensions();
-  Slots& all = TheSlots();
-  // Newest first: a state object may use older ones while it is destroyed (and may even create
-  // one again, which the loop then destroys too).
-  while (!all.creationOrder.empty()) {
-    const std::size_t slot = all.creationOrder.back();
-    all.creationOrder.pop_back();
-    StateSlot& state = all.slots[slot];
-    void* object = std::exchange(state.object, nullptr);
-    if (object) state.destroy(object);
-  }
+  TheSlots().DestroyAll();
   KEPRunProcessResetHooks();
 }
 

@@ -98,7 +98,7 @@ class Parser {
       SkipBlanks();
       KEPJsonValue member;
       if (!Value(member, depth + 1)) return false;
-      out.members.emplace_back(std::move(name), std::move(member));
+      out.members.push_back({std::move(name), std::move(member)});
       SkipBlanks();
       if (Peek() == ',') {
         ++pos_;

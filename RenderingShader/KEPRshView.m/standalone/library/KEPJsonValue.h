@@ -3,8 +3,9 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
+
+struct KEPJsonMember;
 
 struct KEPJsonValue {
   enum class Kind { Null, Boolean, Number, String, Array, Object };
@@ -15,7 +16,7 @@ struct KEPJsonValue {
   double number = 0.0;
   std::string text;                                           ///< string value (UTF-8)
   std::vector<KEPJsonValue> items;                            ///< array elements
-  std::vector<std::pair<std::string, KEPJsonValue>> members;  ///< object members, file order
+  std::vector<KEPJsonMember> members;  ///< object members, in file order
 
   bool IsNull() const { return kind == Kind::Null; }
   bool IsBoolean() const { return kind == Kind::Boolean; }
@@ -25,11 +26,7 @@ struct KEPJsonValue {
   bool IsObject() const { return kind == Kind::Object; }
 
   /// The member named `key` of an object, or null when absent (or not an object).
-  const KEPJsonValue* Find(const std::string& key) const {
-    for (const auto& [name, value] : members)
-      if (name == key) return &value;
-    return nullptr;
-  }
+  const KEPJsonValue* Find(const std::string& key) const;
   /// "null", "boolean", "number", "string", "array" or "object".
   const char* KindName() const {
     switch (kind) {
@@ -49,3 +46,16 @@ struct KEPJsonValue {
     return "null";
   }
 };
+
+/// One member of an object: its name and value. (A member type of its own, because a pair would
+/// need KEPJsonValue complete inside its own definition.)
+struct KEPJsonMember {
+  std::string name;
+  KEPJsonValue value;
+};
+
+inline const KEPJsonValue* KEPJsonValue::Find(const std::string& key) const {
+  for (const auto& [name, value] : members)
+    if (name == key) return &value;
+  return nullptr;
+}

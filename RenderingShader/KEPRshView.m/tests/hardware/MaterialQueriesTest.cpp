@@ -57,14 +57,14 @@ TEST_F(MaterialQueriesTest, PhysicalShaderReadsSlotsAndBrdf) {
   EXPECT_EQ(mm->GetLuminosity(d), S_OK);
   EXPECT_EQ(d, 0.0);
   EXPECT_EQ(mm->GetContrast(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.9f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.9f);
   EXPECT_EQ(mm->GetShininess(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.6f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.6f);
   EXPECT_EQ(mm->GetTransparency(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.3f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.3f);
   double r = -1, g = -1, b = -1;
   EXPECT_EQ(mm->GetTransparentColor(r, g, b), S_OK);
-  EXPECT_FLOAT_EQ(r, 0.8f);
+  EXPECT_FLOAT_EQ(static_cast<float>(r), 0.8f);
   unsigned char use = 9, repeat = 9;
   EXPECT_EQ(mm->GetUseTranparentColor(use), S_OK);
   EXPECT_EQ(use, 1);
@@ -81,15 +81,15 @@ TEST_F(MaterialQueriesTest, PhysicalShaderReadsSlotsAndBrdf) {
   EXPECT_EQ(fu, 1);
   EXPECT_EQ(fv, 0);
   EXPECT_EQ(mapping->GetTranslationV(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.5f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.5f);
   EXPECT_EQ(mapping->GetScale(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 2.0f);  // never the V scale
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 2.0f);  // never the V scale
   EXPECT_EQ(mapping->GetRatio(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.25f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.25f);
   EXPECT_EQ(mapping->GetRotation(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 30.0f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 30.0f);
   EXPECT_EQ(mapping->GetSize(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 2.0f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 2.0f);
 
   EXPECT_EQ(mapping->SetSize(4.0), S_OK);
   EXPECT_EQ(world.Param(world.Document()->FindNode(world.Document()->Nodes()[0]->Id()), "scale_v")
@@ -269,7 +269,7 @@ TEST_F(MaterialQueriesTest, OtherShaderUvFamily) {
   mapping->GetFlipV(fv);
   EXPECT_EQ(fv, 1);
   EXPECT_EQ(mapping->GetTranslationU(d), S_OK);
-  EXPECT_FLOAT_EQ(d, 0.1f);
+  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.1f);
   EXPECT_EQ(mapping->GetRotation(d), S_OK);
   EXPECT_EQ(d, 45.0);
 
