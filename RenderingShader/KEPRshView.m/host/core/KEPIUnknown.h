@@ -41,9 +41,9 @@ void* KEPCastTo(KEPIUnknown* object) {
   return object ? static_cast<void*>(dynamic_cast<I*>(object)) : nullptr;
 }
 
-#define KEP_DECLARE_INTERFACE(Interface)                  \
- public:                                                  \
-  static const KEPIID& IID() {                            \
+#define KEP_DECLARE_INTERFACE(Interface)                       \
+ public:                                                       \
+  static const KEPIID& IID() {                                 \
     static const KEPIID id{#Interface, &KEPCastTo<Interface>}; \
-    return id;                                            \
+    return id;                                                 \
   }

@@ -10,7 +10,9 @@ class KEPListP {
  public:
   int Size() const { return static_cast<int>(items_.size()); }
   /// Element at position i (1-based); null outside 1..Size().
-  T* operator[](int i) const { return i >= 1 && i <= Size() ? items_[static_cast<std::size_t>(i - 1)] : nullptr; }
+  T* operator[](int i) const {
+    return i >= 1 && i <= Size() ? items_[static_cast<std::size_t>(i - 1)] : nullptr;
+  }
   void Append(T* item) { items_.push_back(item); }
   void RemoveAll() { items_.clear(); }
 

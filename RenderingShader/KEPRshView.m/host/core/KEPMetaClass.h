@@ -47,21 +47,25 @@ class KEPMetaClass {
 };
 
 /// Declares the class-level metadata operations inside a class derived from KEPBaseUnknown.
-#define KEP_DECLARE_CLASS                           \
- public:                                            \
-  static const char* ClassName();                   \
-  static const KEPMetaClass* MetaObject();          \
+#define KEP_DECLARE_CLASS                  \
+ public:                                   \
+  static const char* ClassName();          \
+  static const KEPMetaClass* MetaObject(); \
   const KEPMetaClass* GetMetaObject() const override;
 
 /// Defines them: the metaclass is created on first request and cached for the process.
-#define KEP_IMPLEMENT_CLASS_EX(Class, Base, SecondName, Framework, Kind, LateType)         \
-  const char* Class::ClassName() { return #Class; }                                       \
-  const KEPMetaClass* Class::MetaObject() {                                                \
+#define KEP_IMPLEMENT_CLASS_EX(Class, Base, SecondName, Framework, Kind, LateType)          \
+  const char* Class::ClassName() {                                                          \
+    return #Class;                                                                          \
+  }                                                                                         \
+  const KEPMetaClass* Class::MetaObject() {                                                 \
     static const KEPMetaClass meta(#Class, SecondName, Base::MetaObject(), Framework, Kind, \
-                                   LateType);                                              \
-    return &meta;                                                                          \
-  }                                                                                        \
-  const KEPMetaClass* Class::GetMetaObject() const { return MetaObject(); }
+                                   LateType);                                               \
+    return &meta;                                                                           \
+  }                                                                                         \
+  const KEPMetaClass* Class::GetMetaObject() const {                                        \
+    return MetaObject();                                                                    \
+  }
 
 #define KEP_IMPLEMENT_CLASS(Class, Base, Framework) \
   KEP_IMPLEMENT_CLASS_EX(Class, Base, "KEPNull", Framework, KEPClassKind_Implementation, "")

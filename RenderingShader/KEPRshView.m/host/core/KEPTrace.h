@@ -9,11 +9,11 @@
 enum class KEPTraceLevel { Info, Warning, Error, Module, Assertion };
 
 struct KEPTraceEntry {
-  std::string channel;   ///< channel name, "module" for the module trace, "assert" for assertions
+  std::string channel;  ///< channel name, "module" for the module trace, "assert" for assertions
   KEPTraceLevel level;
-  int moduleLevel = 0;   ///< numeric level of a module trace entry
+  int moduleLevel = 0;  ///< numeric level of a module trace entry
   std::string text;
-  std::string file;      ///< source path of error entries and assertions
+  std::string file;  ///< source path of error entries and assertions
   int line = 0;
 };
 
@@ -62,8 +62,8 @@ void KEPAssertReport(const char* condition, const char* sourcePath, int line);
 [[noreturn]] void KEPAssertFatalReport(const char* condition, const char* sourcePath, int line);
 
 /// Non-fatal assertion: `condition` is the text after "AssertionFailed:" when it fails.
-#define KEP_ASSERT(expr, conditionText, sourcePath)                   \
-  do {                                                                \
+#define KEP_ASSERT(expr, conditionText, sourcePath)                    \
+  do {                                                                 \
     if (!(expr)) KEPAssertReport(conditionText, sourcePath, __LINE__); \
   } while (0)
 #define KEP_ASSERT_FATAL(expr, conditionText, sourcePath)                   \

@@ -14,8 +14,8 @@ struct KEPJsonValue {
   int line = 0;  ///< 1-based line of the value's first character
   bool boolean = false;
   double number = 0.0;
-  std::string text;                                           ///< string value (UTF-8)
-  std::vector<KEPJsonValue> items;                            ///< array elements
+  std::string text;                    ///< string value (UTF-8)
+  std::vector<KEPJsonValue> items;     ///< array elements
   std::vector<KEPJsonMember> members;  ///< object members, in file order
 
   bool IsNull() const { return kind == Kind::Null; }

@@ -58,7 +58,8 @@ bool ReadRecord(const std::string& path, std::map<KEPString, int>& levels) {
     json = nlohmann::json::parse(text);
   } catch (const nlohmann::json::parse_error& e) {
     const std::size_t end = std::min<std::size_t>(e.byte > 0 ? e.byte - 1 : 0, text.size());
-    const int line = 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
+    const int line = 1 + static_cast<int>(std::count(
+                             text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
     Trace().Error(__FILE__, __LINE__, "%s:%d: malformed record file: not valid JSON", path.c_str(),
                   line);
     return false;

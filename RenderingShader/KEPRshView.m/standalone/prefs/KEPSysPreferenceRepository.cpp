@@ -37,7 +37,8 @@ std::string Env(const char* name) {
 /// One-based line of byte offset `offset` in `text`.
 int LineOf(const std::string& text, std::size_t offset) {
   offset = std::min(offset, text.size());
-  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+  return 1 + static_cast<int>(std::count(text.begin(),
+                                         text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
 }
 
 /// A JSON value as a preference value; false when it is neither a text nor a list of shorts.
