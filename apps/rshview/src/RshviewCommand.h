@@ -47,3 +47,7 @@ const std::vector<RshviewCommand>& RshviewCommands();
 
 /// Runs rshview with `args` (without the program name); returns the exit code.
 int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+/// The bundled samples: $RSHVIEW_SAMPLES when set, else share/KEPRshView/samples beside the
+/// program's directory.
+std::string RshviewSamplesDirectory();

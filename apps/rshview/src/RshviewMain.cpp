@@ -66,11 +66,6 @@ const RshviewCommand* FindCommand(const std::string& name) {
   return nullptr;
 }
 
-std::string SamplesDirectory() {
-  if (const char* env = std::getenv("RSHVIEW_SAMPLES"); env && *env) return env;
-  return RSHVIEW_DEFAULT_SAMPLES;
-}
-
 /// Prints the module's traces while alive, and restores the previous sink and level.
 class TraceGuard {
  public:
@@ -173,7 +168,7 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
 // Library, configuration and document, with every error printed as it is found.
 int Load(RshviewContext& context) {
   RshviewOptions& options = context.options;
-  const std::string samples = SamplesDirectory();
+  const std::string samples = RshviewSamplesDirectory();
   if (options.doc.empty())
     options.doc = (fs::path(samples) / "documents" / "showroom.rshdoc.json").string();
 
@@ -236,6 +231,18 @@ int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& 
   return code;
 }
 }  // namespace
+
+std::string RshviewSamplesDirectory() {
+  if (const char* env = std::getenv("RSHVIEW_SAMPLES"); env && *env) return env;
+  // BIN/../share/KEPRshView/samples, in the installed tree as in the build tree (where the build
+  // links it to the sources).
+  std::error_code ec;
+  const fs::path self = fs::read_symlink("/proc/self/exe", ec);
+  if (ec) return "samples";
+  return (self.parent_path() / ".." / "share" / "KEPRshView" / "samples")
+      .lexically_normal()
+      .string();
+}
 
 int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
   // The host API never throws; this only keeps an exhausted allocator from ending the process

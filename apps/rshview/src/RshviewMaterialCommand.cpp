@@ -66,7 +66,7 @@ void EnsureStartupPath(const RshviewContext& context) {
   if (SUCCEEDED(KEPGetEnv("KEPStartupPath", value))) return;
   std::error_code ec;
   fs::path startup = fs::path(context.options.library) / ".." / "startup";
-  if (!fs::is_directory(startup, ec)) startup = fs::path(RSHVIEW_DEFAULT_SAMPLES) / "startup";
+  if (!fs::is_directory(startup, ec)) startup = fs::path(RshviewSamplesDirectory()) / "startup";
   KEPHostContext::SetEnvironment("KEPStartupPath", fs::weakly_canonical(startup, ec).string());
 }
 

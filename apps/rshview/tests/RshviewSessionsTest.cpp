@@ -18,7 +18,7 @@ class SampleCopy {
   SampleCopy() {
     std::string pattern = (fs::temp_directory_path() / "rshview-copyXXXXXX").string();
     root_ = mkdtemp(pattern.data());
-    fs::copy(RSHVIEW_DEFAULT_SAMPLES, root_, fs::copy_options::recursive);
+    fs::copy(RSHVIEW_TEST_SAMPLES, root_, fs::copy_options::recursive);
   }
   ~SampleCopy() {
     std::error_code ignored;

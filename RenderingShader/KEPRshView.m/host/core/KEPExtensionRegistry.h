@@ -34,14 +34,14 @@ class KEPExtensionRegistry {
 
 /// Defines CreateTIE<Interface><Class>: the adapter is the implementation itself seen through the
 /// interface, so an existing adapter of the same object is always reused.
-#define KEP_DEFINE_TIE(Interface, Class)                                     \
-  KEPIUnknown* CreateTIE##Interface##Class(KEPBaseUnknown* implementation) { \
-    auto* object = dynamic_cast<Class*>(implementation);                     \
-    if (!object) return nullptr;                                             \
-    Interface* adapter = object;                                             \
-    adapter->AddRef();                                                       \
-    return adapter;                                                          \
+#define KEP_DEFINE_TIE(Interface, Class)                                                \
+  KEP_EXPORT KEPIUnknown* CreateTIE##Interface##Class(KEPBaseUnknown* implementation) { \
+    auto* object = dynamic_cast<Class*>(implementation);                                \
+    if (!object) return nullptr;                                                        \
+    Interface* adapter = object;                                                        \
+    adapter->AddRef();                                                                  \
+    return adapter;                                                                     \
   }
 
 #define KEP_DECLARE_TIE(Interface, Class) \
-  KEPIUnknown* CreateTIE##Interface##Class(KEPBaseUnknown* implementation);
+  KEP_EXPORT KEPIUnknown* CreateTIE##Interface##Class(KEPBaseUnknown* implementation);

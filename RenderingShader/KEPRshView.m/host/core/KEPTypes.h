@@ -3,6 +3,10 @@
 
 #include <cstdint>
 
+/// Marks what a library built with hidden visibility exports to its host: entry points,
+/// interface adapter factories and the classes a host may name.
+#define KEP_EXPORT __attribute__((visibility("default")))
+
 using HRESULT = std::int32_t;
 using ULONG = std::uint32_t;
 

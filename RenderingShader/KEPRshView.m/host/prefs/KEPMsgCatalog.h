@@ -21,7 +21,8 @@ class KEPMsgCatalog {
   static HRESULT GetMessageText(const KEPString& catalog, const KEPString& key,
                                 KEPUnicodeString& text);
 
-  /// The directory holding "msg/", the style sheet and the icons.
+  /// The directory holding "msg/", the style sheet and the icons: $KEPRSH_RESOURCES when set,
+  /// else share/KEPRshView/resources beside the host library's directory.
   static std::string ResourcesDirectory();
   /// The file a catalogue is read from.
   static std::string CatalogPath(const KEPString& catalog);

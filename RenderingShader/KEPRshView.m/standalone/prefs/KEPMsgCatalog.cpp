@@ -16,8 +16,11 @@
 
 #include "KEPHostContext.h"
 
+#include <dlfcn.h>
 #include <cctype>
+
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -25,10 +28,6 @@
 #include <utility>
 
 #include "KEPTrace.h"
-
-#ifndef KEPRSH_RESOURCES_DIR
-#define KEPRSH_RESOURCES_DIR "resources"
-#endif
 
 namespace {
 const KEPTrace& Trace() {
@@ -151,7 +150,16 @@ KEPUnicodeString Substitute(const std::u16string& text,
 std::string KEPMsgCatalog::ResourcesDirectory() {
   const char* overridden = std::getenv("KEPRSH_RESOURCES");
   if (overridden && *overridden) return overridden;
-  return KEPRSH_RESOURCES_DIR;
+  // Beside the host library: LIB/../share/KEPRshView/resources, in the installed tree as in the
+  // build tree (where the build links it to the sources).
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<const void*>(&KEPMsgCatalog::ResourcesDirectory), &info) &&
+      info.dli_fname)
+    return (std::filesystem::path(info.dli_fname).parent_path() / ".." / "share" / "KEPRshView" /
+            "resources")
+        .lexically_normal()
+        .string();
+  return "resources";
 }
 
 std::string KEPMsgCatalog::CatalogPath(const KEPString& catalog) {

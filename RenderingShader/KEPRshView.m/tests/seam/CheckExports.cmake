@@ -1,0 +1,23 @@
+# The module's shared library exports its entry point, its interface adapter factories and the
+# classes marked for export, and nothing else. Variables: LIBRARY, NM.
+execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} RESULT_VARIABLE result
+                OUTPUT_VARIABLE output ERROR_VARIABLE error)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "${NM} failed on ${LIBRARY}: ${error}")
+endif()
+string(REPLACE "\n" ";" lines "${output}")
+set(count 0)
+foreach(line IN LISTS lines)
+  if(line STREQUAL "")
+    continue()
+  endif()
+  string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" symbol "${line}")
+  if(NOT symbol MATCHES "^(KEPRshViewRegister$|CreateTIE|KEPRsh|vtable for KEPRsh|typeinfo (name )?for KEPRsh)")
+    message(FATAL_ERROR "${LIBRARY} exports ${symbol}")
+  endif()
+  math(EXPR count "${count} + 1")
+endforeach()
+if(NOT output MATCHES "KEPRshViewRegister")
+  message(FATAL_ERROR "${LIBRARY} does not export its entry point")
+endif()
+message(STATUS "${count} exported symbols, all of them the module's own")
