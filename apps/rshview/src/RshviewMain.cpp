@@ -101,7 +101,7 @@ struct Parsed {
 int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& err) {
   bool sticker = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
-    std::string arg = args[i];
+    const std::string& arg = args[i];
     if (arg == "-h" || arg == "--help") {
       parsed.help = true;
       continue;

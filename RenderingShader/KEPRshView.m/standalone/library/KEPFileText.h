@@ -8,7 +8,7 @@
 
 class KEPFileText {
  public:
-  static constexpr std::size_t kMaxBytes = 64u * 1024u * 1024u;
+  static constexpr std::size_t kMaxBytes = std::size_t{64} * 1024 * 1024;
 
   /// Reads `path` into `content`. On failure returns false with `message` ("cannot open ...",
   /// "not a regular file", "larger than 64 MiB", "read error").

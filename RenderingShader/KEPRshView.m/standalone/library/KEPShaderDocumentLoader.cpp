@@ -289,7 +289,7 @@ KEPLoadResult KEPShaderDocumentLoader::ReadLibraryPath(const std::string& path,
 }
 
 KEPLoadResult KEPShaderDocumentLoader::Load(const std::string& path,
-                                            std::shared_ptr<const KEPHostShaderLibrary> library,
+                                            const std::shared_ptr<const KEPHostShaderLibrary>& library,
                                             KEP_var<KEPHostShaderDocument>& document) {
   KEPLoadResult result;
   if (!library) {

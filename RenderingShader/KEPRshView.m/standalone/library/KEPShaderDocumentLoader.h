@@ -27,6 +27,6 @@ class KEPShaderDocumentLoader {
   /// Reads `path` into a new document over `library` (which must not be null). On success
   /// `document` holds the only reference; on failure it is left untouched.
   static KEPLoadResult Load(const std::string& path,
-                            std::shared_ptr<const KEPHostShaderLibrary> library,
+                            const std::shared_ptr<const KEPHostShaderLibrary>& library,
                             KEP_var<KEPHostShaderDocument>& document);
 };
