@@ -17,6 +17,7 @@
 #include "KEPIRmaMappingManipulatorMaterial.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
+#include "KEPRshViewModule.h"
 #include "RshviewCommands.h"
 
 const char* const kRshviewMaterialHelp =
@@ -76,7 +77,7 @@ Json Answers(KEPRshShaderNode& node, bool sticker) {
   Json json;
   json["id"] = node.Id();
   json["type"] = node.TypeName();
-  json["physical"] = node.TypeName().rfind("MPM", 0) == 0;
+  json["physical"] = KEPRshIsPhysicalShaderType(node.TypeName());
 
   auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
   auto link = KEPQueryVar<KEPIRshShaderLink>(delegate);

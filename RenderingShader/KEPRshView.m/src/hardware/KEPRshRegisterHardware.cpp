@@ -1,8 +1,10 @@
 // Registration of the hardware material and the shader link as extensions of the delegate.
 #include "KEPExtensionRegistry.h"
+#include "KEPProcessReset.h"
 #include "KEPRshShaderHardwareDefault.h"
 #include "KEPRshShaderHardwareLink.h"
 #include "KEPRshShaderNodeLink.h"
+#include "KEPRshShaderProgramLocator.h"
 
 namespace {
 void RegisterMaterial(const char* lateType) {
@@ -31,4 +33,6 @@ void KEPRshRegisterHardware() {
   // fall-backs ask it): it is linked to itself by the host's node link.
   KEPRegisterShaderNodeLink();
   RegisterMaterial("KEPRshShader");
+  // A reset host looks like a new process to the program search: the startup path is read again.
+  KEPRegisterProcessResetHook(&KEPRshShaderProgramLocator::ForgetProcessCache);
 }
