@@ -8,3 +8,7 @@ extern "C" void KEPRshViewRegister() {
   KEPRshRegisterMetadata();
   KEPRshRegisterHardware();
 }
+
+bool KEPRshIsPhysicalShaderType(std::string_view typeName) {
+  return typeName.starts_with("MPM");
+}

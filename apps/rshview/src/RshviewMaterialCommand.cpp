@@ -18,6 +18,7 @@
 #include "KEPIRmaMappingManipulatorMaterial.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
+#include "KEPRshViewModule.h"
 #include "RshviewCommands.h"
 #include "RshviewNumber.h"
 
@@ -294,7 +295,7 @@ Json Answers(KEPHostShaderNode& node, bool sticker) {
   Json json;
   json["id"] = node.Id();
   json["type"] = node.TypeName();
-  json["physical"] = node.TypeName().rfind("MPM", 0) == 0;
+  json["physical"] = KEPRshIsPhysicalShaderType(node.TypeName());
 
   auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
   auto link = KEPQueryVar<KEPIRshShaderLink>(delegate);

@@ -4,6 +4,7 @@
 #include "KEPRshShaderHardwareDefault.h"
 #include "KEPRshShaderHardwareExt.h"
 #include "KEPRshShaderHardwareLink.h"
+#include "KEPRshShaderProgramLocator.h"
 
 namespace {
 void RegisterMaterial(const char* lateType) {
@@ -31,6 +32,6 @@ void KEPRshRegisterHardware() {
   // A shader node connected to a parameter answers the viewer too (the connected-texture
   // fall-backs ask it): the host links every node to itself.
   RegisterMaterial("KEPRshShader");
-  // The startup directories are read once per process; a reset host is a new process to them.
-  KEPRegisterProcessResetHook(&KEPRshShaderHardwareExt::ResetProcessCachesForTests);
+  // A reset host looks like a new process to the program search: the startup path is read again.
+  KEPRegisterProcessResetHook(&KEPRshShaderProgramLocator::ForgetProcessCache);
 }

@@ -1,77 +1,20 @@
 #include "KEPRshShaderHardwareExt.h"
 
-#include "KEPRshParameterServices.h"
+#include <utility>
 
-#include <algorithm>
-#include <optional>
-#include <string>
-#include <type_traits>
-
-#include "KEPFileServices.h"
 #include "KEPIPLMDmtDocument.h"
 #include "KEPIRshShader.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
 #include "KEPRbaImageServices.h"
+#include "KEPRshShaderProgramLocator.h"
+#include "KEPRshViewModule.h"
 #include "KEP_var.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshShaderHardwareExt, KEPBaseUnknown, "KEPNull", "RenderingShader",
                        KEPClassKind_Extension, "KEPRshShaderDelegate")
 
 namespace {
-
-constexpr char kPhysicalPrefix[] = "MPM";
-constexpr char kProgramExtension[] = "cgfx";
-constexpr char kMaterialsShaders[] = "materials/shaders";
-constexpr char kShaders[] = "shaders";
-
-// Process-wide: the "KEPStartupPath" value and the directory lists built from it. Built on first
-// use and never rebuilt (except by the test hook).
-struct StartupDirectories {
-  bool valueRead = false;
-  std::optional<std::string> value;
-  bool listsBuilt = false;
-  std::vector<std::string> directories;
-  std::vector<std::string> subdirectories;
-};
-
-StartupDirectories& Startup() {
-  static StartupDirectories startup;
-  return startup;
-}
-
-const std::optional<std::string>& StartupPathValue() {
-  StartupDirectories& startup = Startup();
-  if (!startup.valueRead) {
-    startup.valueRead = true;
-    KEPString value;
-    if (SUCCEEDED(KEPGetEnv("KEPStartupPath", value))) startup.value = std::move(value);
-  }
-  return startup.value;
-}
-
-const StartupDirectories& StartupLists() {
-  StartupDirectories& startup = Startup();
-  if (!startup.listsBuilt) {
-    startup.listsBuilt = true;
-    if (const auto& value = StartupPathValue()) {
-      // Every segment is kept, empty ones included.
-      std::string_view rest(*value);
-      while (true) {
-        const std::size_t end = rest.find(KEPSearchPathSeparator);
-        startup.directories.emplace_back(rest.substr(0, end));
-        if (end == std::string_view::npos) break;
-        rest.remove_prefix(end + 1);
-      }
-    }
-    startup.subdirectories = {kMaterialsShaders, kShaders};
-  }
-  return startup;
-}
-
-bool StartsWithPhysicalPrefix(std::string_view typeName) {
-  return typeName.substr(0, 3) == kPhysicalPrefix;
-}
 
 bool Read(KEPIRshParameter* parameter, float& value) {
   return SUCCEEDED(parameter->GetScalarValue(value));
@@ -92,42 +35,29 @@ bool ReadColor(KEPIRshParameter* parameter, float (&rgb)[3]) {
 
 KEPRshShaderHardwareExt::KEPRshShaderHardwareExt() = default;
 
+// Member-wise, except that the copy's parameter index holds references of its own, and the copy
+// finds its own link and connected texture (it belongs to no component yet).
 KEPRshShaderHardwareExt::KEPRshShaderHardwareExt(const KEPRshShaderHardwareExt& other)
     : KEPIUnknown(),
       KEPBaseUnknown(other),
       KEPIHardwareMaterial(),
       KEPIOpenGLShaderMaterial(),
       KEPIRmaMappingManipulator(),
-      KEPIRmaMappingManipulatorMaterial() {
-  CopyFrom(other);
-}
+      KEPIRmaMappingManipulatorMaterial(),
+      parameters_(other.parameters_),
+      shaderFile_(other.shaderFile_),
+      shaderType_(other.shaderType_),
+      stickerMode_(other.stickerMode_) {}
 
 KEPRshShaderHardwareExt& KEPRshShaderHardwareExt::operator=(const KEPRshShaderHardwareExt& other) {
   if (this == &other) return *this;
   KEPBaseUnknown::operator=(other);
-  CleanUp();
-  CopyFrom(other);
-  return *this;
-}
-
-void KEPRshShaderHardwareExt::CopyFrom(const KEPRshShaderHardwareExt& other) {
-  // Member-wise, except that the copy holds references of its own on the parameters instead of
-  // sharing the other's list, and finds its own link (it belongs to no component yet).
-  parameterNames_ = other.parameterNames_;
-  firstPosition_ = other.firstPosition_;
-  texturePositions_ = other.texturePositions_;
-  std::copy(std::begin(other.readPositions_), std::end(other.readPositions_), readPositions_);
+  parameters_ = other.parameters_;
+  connected_.Forget();
   shaderFile_ = other.shaderFile_;
   shaderType_ = other.shaderType_;
   stickerMode_ = other.stickerMode_;
-  if (other.parameters_) {
-    parameters_ = new KEPListP<KEPIRshParameter>();
-    for (int i = 1; i <= other.parameters_->Size(); ++i) {
-      KEPIRshParameter* parameter = (*other.parameters_)[i];
-      if (parameter) parameter->AddRef();
-      parameters_->Append(parameter);
-    }
-  }
+  return *this;
 }
 
 KEPRshShaderHardwareExt::~KEPRshShaderHardwareExt() {
@@ -141,10 +71,6 @@ KEPBaseUnknown* KEPRshShaderHardwareExt::CreateItself() {
 HRESULT KEPRshShaderHardwareExt::ChangeComponentState(int from, int to, const void* context) {
   if (from < KEPComponentState_Deleted && to == KEPComponentState_Deleted) CleanUp();
   return KEPBaseUnknown::ChangeComponentState(from, to, context);
-}
-
-void KEPRshShaderHardwareExt::ResetProcessCachesForTests() {
-  Startup() = StartupDirectories{};
 }
 
 // --- Link and initialisation
@@ -178,36 +104,10 @@ bool KEPRshShaderHardwareExt::IsPhysicalShader() {
   // Read afresh for every question, into a buffer that keeps its capacity: no allocation per
   // question once the first name has been read.
   ReadLinkedTypeName(typeNameBuffer_);
-  return StartsWithPhysicalPrefix(typeNameBuffer_);
+  return KEPRshIsPhysicalShaderType(typeNameBuffer_);
 }
 
-bool KEPRshShaderHardwareExt::FindShaderFile(std::string_view baseName, KEPUnicodeString& found) {
-  const StartupDirectories& lists = StartupLists();
-  for (const std::string& directory : lists.directories) {
-    for (const std::string& subdirectory : lists.subdirectories) {
-      std::string candidate = directory;
-      candidate += KEPPathSeparator;
-      candidate += subdirectory;
-      candidate += KEPPathSeparator;
-      candidate += baseName;
-      candidate += '.';
-      candidate += kProgramExtension;
-      if (KEPFileAccess(candidate.c_str(), 0) == 0) {
-        found = KEPUnicodeString::FromUTF8(candidate);
-        return true;
-      }
-    }
-  }
-  return false;
-}
-
-void KEPRshShaderHardwareExt::AppendName(KEPString name) {
-  parameterNames_.Append(name);
-  firstPosition_.try_emplace(std::move(name), parameterNames_.Size());
-}
-
-void KEPRshShaderHardwareExt::Init() {
-  if (parameters_) return;
+void KEPRshShaderHardwareExt::InitFromLinkedShader() {
   KEPIRshShaderLink* link = FindLink();
   if (!link) return;
   KEP_var<KEPIRshShader> shader;
@@ -216,111 +116,49 @@ void KEPRshShaderHardwareExt::Init() {
   // The program file is searched once for the object's life.
   KEPString typeName;
   if (shaderFile_.IsEmpty() && SUCCEEDED(shader->GetTypeName(typeName)) &&
-      typeName.find(kPhysicalPrefix) == 0) {
-    // Every physical shader draws with the common program when there is one.
-    for (std::string_view baseName : {std::string_view("MPM_material"), std::string_view(typeName),
-                                      std::string_view("rsh_default")})
-      if (FindShaderFile(baseName, shaderFile_)) break;
-  }
-  if (shaderFile_.IsEmpty()) {
-    if (const auto& startupPath = StartupPathValue()) {
-      // The type is read again for the member; the path is built from the first read.
-      shader->GetTypeName(shaderType_);
-      std::string relative;
-      if (typeName == "kep_phen_texture")
-        relative = kMaterialsShaders;
-      else if (StartsWithPhysicalPrefix(typeName))
-        relative = kShaders;
-      else
-        relative = kMaterialsShaders;
-      relative += KEPPathSeparator;
-      relative += typeName;
-      relative += '.';
-      relative += kProgramExtension;
-      KEPString found;
-      HRESULT hr = KEPFindPath(relative.c_str(), startupPath->c_str(), found);
-      if (FAILED(hr)) {
-        const std::string fallback =
-            std::string(kMaterialsShaders) + KEPPathSeparator + "rsh_default." + kProgramExtension;
-        hr = KEPFindPath(fallback.c_str(), startupPath->c_str(), found);
-      }
-      if (SUCCEEDED(hr)) shaderFile_ = KEPUnicodeString::FromUTF8(found);
-    }
+      KEPRshIsPhysicalShaderType(typeName))
+    KEPRshShaderProgramLocator::FindPhysicalProgram(typeName, shaderFile_);
+  if (shaderFile_.IsEmpty() && KEPRshShaderProgramLocator::HasStartupPath()) {
+    // The type is read again for the member; the path is built from the first read.
+    shader->GetTypeName(shaderType_);
+    KEPRshShaderProgramLocator::ResolveAlongStartupPath(typeName, shaderFile_);
   }
 
   KEPListP<KEPIRshParameter>* list = nullptr;
   if (FAILED(shader->GetParameters(list))) list = nullptr;
-  parameters_ = list;
-  if (!parameters_) return;
-  texturePositions_.clear();
-  for (int i = 1; i <= parameters_->Size(); ++i) {
-    KEPIRshParameter* parameter = (*parameters_)[i];
-    if (!parameter) continue;
-    // A name that cannot be read is skipped: later names then pair with the next positions.
-    KEPString name;
-    if (SUCCEEDED(parameter->GetName(name))) AppendName(std::move(name));
-    KEPString parameterType;
-    if (SUCCEEDED(parameter->GetTypeName(parameterType)) && parameterType == "KEPRmaTexture")
-      texturePositions_.push_back(i);
-  }
-  for (int k = 0; k < kReadNameCount; ++k)
-    readPositions_[k] = std::max(CheckParameter(kReadNames[k]), 0);
-}
-
-KEPIRshParameter* KEPRshShaderHardwareExt::GetReadParameter(int index) {
-  Init();
-  if (!parameters_) return nullptr;
-  const int position = readPositions_[index];
-  if (position == 0 || position > parameters_->Size()) return nullptr;
-  return (*parameters_)[position];
+  parameters_.Take(list);
 }
 
 void KEPRshShaderHardwareExt::CleanUp() {
-  if (!parameters_) return;
-  for (int i = 1; i <= parameters_->Size(); ++i)
-    if (KEPIRshParameter* parameter = (*parameters_)[i]) parameter->Release();
-  delete parameters_;
-  parameters_ = nullptr;
-  texturePositions_.clear();
-  connected_ = ConnectedTexture{};
+  parameters_.Clear();
+  connected_.Forget();
 }
 
 // --- Parameter lookup
 
 KEPIRshParameter* KEPRshShaderHardwareExt::GetParameter(int i) {
   Init();
-  if (!parameters_ || i < 1 || i > parameters_->Size()) return nullptr;
-  return (*parameters_)[i];
+  return parameters_.At(i);
 }
 
 KEPIRshParameter* KEPRshShaderHardwareExt::GetParameter(std::string_view name) {
   Init();
-  if (!parameters_) return nullptr;
-  // The first position of a name in the name list is its first match among 1..count, if any.
-  // Positions past the end of the name list (names that could not be read) read as empty names,
-  // so an empty name that is not in the list meets the first of them.
-  auto it = firstPosition_.find(name);
-  int position = it == firstPosition_.end() ? 0 : it->second;
-  if (position == 0 && name.empty()) position = parameterNames_.Size() + 1;
-  if (position == 0 || position > parameters_->Size()) return nullptr;
-  return (*parameters_)[position];
+  return parameters_.ByName(name);
 }
 
 int KEPRshShaderHardwareExt::CheckParameter(std::string_view name) {
-  auto it = firstPosition_.find(name);
-  return it == firstPosition_.end() ? -1 : it->second;
+  return parameters_.PositionOf(name);
 }
 
 int KEPRshShaderHardwareExt::IsModifiedParameter(int i) {
   Init();
-  return parameters_ && i >= 1 && i <= parameters_->Size() && (*parameters_)[i] ? 2 : 3;
+  return parameters_.At(i) ? 2 : 3;
 }
 
 KEPIHardwareMaterial* KEPRshShaderHardwareExt::GetConnectedTexture() {
   Init();
-  if (!parameters_) return nullptr;
-  for (int i = 1; i <= parameters_->Size(); ++i) {
-    KEPIRshParameter* parameter = (*parameters_)[i];
+  for (int i = 1; i <= parameters_.Count(); ++i) {
+    KEPIRshParameter* parameter = parameters_.At(i);
     if (!parameter) continue;
     KEP_var<KEPIRshShader> connected;
     if (FAILED(parameter->GetConnectedShader(*connected.Out())) || !connected) continue;
@@ -330,40 +168,29 @@ KEPIHardwareMaterial* KEPRshShaderHardwareExt::GetConnectedTexture() {
   return nullptr;
 }
 
-bool KEPRshShaderHardwareExt::RefreshConnectedTexture() {
-  // The viewer asks every frame and connections change rarely, while finding the connected
-  // texture means a walk over the parameters and several interface queries. So what was found is
-  // kept, without a reference, for as long as no connection in the model has changed and the
-  // object found is alive.
-  const unsigned long long generation = KEPRshParameterServices::GetConnectionGeneration();
-  if (connected_.generation == generation && parameters_ &&
-      (!connected_.material || connected_.object.IsAlive()))
-    return connected_.material != nullptr;
-  connected_ = ConnectedTexture{};
-  auto material = KEP_var<KEPIHardwareMaterial>::Adopt(GetConnectedTexture());
-  if (!parameters_) return false;  // not initialised yet: look again next time
-  connected_.generation = generation;
-  auto* object = dynamic_cast<KEPBaseUnknown*>(material.Get());
-  if (!object) return false;
-  connected_.object.Set(object);
-  connected_.material = material.Get();
-  // Borrowed like the material: served by the same component, which outlives neither.
-  connected_.mapping = KEPQueryVar<KEPIRmaMappingManipulator>(material).Get();
-  return true;
-}
-
 template <class Interface, class Ask>
 bool KEPRshShaderHardwareExt::AskConnectedTexture(Ask&& ask) {
-  if (askingConnected_ || !RefreshConnectedTexture()) return false;
-  Interface* target = nullptr;
-  if constexpr (std::is_same_v<Interface, KEPIHardwareMaterial>)
-    target = connected_.material;
-  else
-    target = connected_.mapping;
-  if (!target) return false;
-  askingConnected_ = true;
-  ask(*target);
-  askingConnected_ = false;
+  return connected_.Ask<Interface>(
+      [this](KEP_var<KEPIHardwareMaterial>& material) {
+        material = KEP_var<KEPIHardwareMaterial>::Adopt(GetConnectedTexture());
+        return parameters_.HasList();  // not initialised yet: look again next time
+      },
+      std::forward<Ask>(ask));
+}
+
+template <KEPRshShaderHardwareExt::PairRead how, class T>
+bool KEPRshShaderHardwareExt::ReadPair(int nameU, int nameV, T& u, T& v) {
+  KEPIRshParameter* parameterU = GetReadParameter(nameU);
+  KEPIRshParameter* parameterV = GetReadParameter(nameV);
+  if (!parameterU || !parameterV) return false;
+  if constexpr (how == PairRead::kUnchecked) {
+    Read(parameterU, u);
+    Read(parameterV, v);
+  } else {
+    T readU{}, readV{};
+    if (!Read(parameterU, readU) || !Read(parameterV, readV)) return false;
+    u = readU, v = readV;
+  }
   return true;
 }
 
@@ -504,16 +331,14 @@ HRESULT KEPRshShaderHardwareExt::GetUseTranparentColor(unsigned char& use) {
 
 KEPTexturePixelImage* KEPRshShaderHardwareExt::GetTextureImage() {
   Init();
-  if (parameters_) {
-    for (int position : texturePositions_) {
-      KEPIRshParameter* parameter = (*parameters_)[position];
-      KEP_var<KEPIPLMDmtDocument> document;
-      if (!parameter || FAILED(parameter->GetTextureValue(*document.Out())) || !document) continue;
-      KEPUnicodeString path;
-      if (FAILED(KEPRbaImageServices::GetProjectionPath(document.Get(), path))) continue;
-      if (KEPTexturePixelImage* image = KEPTexturePixelImage::GetImage(path, KEPReadOnlyState))
-        return image;
-    }
+  for (int position : parameters_.TexturePositions()) {
+    KEPIRshParameter* parameter = parameters_.At(position);
+    KEP_var<KEPIPLMDmtDocument> document;
+    if (!parameter || FAILED(parameter->GetTextureValue(*document.Out())) || !document) continue;
+    KEPUnicodeString path;
+    if (FAILED(KEPRbaImageServices::GetProjectionPath(document.Get(), path))) continue;
+    if (KEPTexturePixelImage* image = KEPTexturePixelImage::GetImage(path, KEPReadOnlyState))
+      return image;
   }
   KEPTexturePixelImage* image = nullptr;
   AskConnectedTexture<KEPIHardwareMaterial>(
@@ -529,10 +354,8 @@ KEPTexturePixelImage* KEPRshShaderHardwareExt::GetTexturePixelImage() {
 
 void KEPRshShaderHardwareExt::GetTextureWrapping(int& u, int& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* repeatU = GetReadParameter(ReadName("repeat_u"));
-    KEPIRshParameter* repeatV = GetReadParameter(ReadName("repeat_v"));
     unsigned char ru = 0, rv = 0;
-    if (!repeatU || !repeatV || !Read(repeatU, ru) || !Read(repeatV, rv)) return;
+    if (!ReadPair<PairRead::kChecked>(ReadName("repeat_u"), ReadName("repeat_v"), ru, rv)) return;
     u = ru != 0;
     v = rv != 0;
     return;
@@ -548,73 +371,44 @@ void KEPRshShaderHardwareExt::GetTextureWrapping(int& u, int& v) {
 
 HRESULT KEPRshShaderHardwareExt::GetTextureRepeat(unsigned char& repeat) {
   if (!IsPhysicalShader()) return E_FAIL;
-  KEPIRshParameter* repeatU = GetReadParameter(ReadName("repeat_u"));
-  KEPIRshParameter* repeatV = GetReadParameter(ReadName("repeat_v"));
   unsigned char ru = 0, rv = 0;
-  if (!repeatU || !repeatV || !Read(repeatU, ru) || !Read(repeatV, rv)) return E_FAIL;
+  if (!ReadPair<PairRead::kChecked>(ReadName("repeat_u"), ReadName("repeat_v"), ru, rv))
+    return E_FAIL;
   repeat = ru != 0 && rv != 0 ? 1 : 0;
   return S_OK;
 }
 
 void KEPRshShaderHardwareExt::GetTextureFlip(unsigned char& u, unsigned char& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* flipU = GetReadParameter(ReadName("flip_u"));
-    KEPIRshParameter* flipV = GetReadParameter(ReadName("flip_v"));
-    unsigned char fu = 0, fv = 0;
-    if (!flipU || !flipV || !Read(flipU, fu) || !Read(flipV, fv)) return;
-    u = fu, v = fv;
+    ReadPair<PairRead::kChecked>(ReadName("flip_u"), ReadName("flip_v"), u, v);
     return;
   }
   u = v = 0;
-  KEPIRshParameter* flipU = GetReadParameter(ReadName("_uv_flip_u"));
-  KEPIRshParameter* flipV = GetReadParameter(ReadName("_uv_flip_v"));
-  if (flipU && flipV) {
-    Read(flipU, u);
-    Read(flipV, v);
-    return;
-  }
+  if (ReadPair<PairRead::kUnchecked>(ReadName("_uv_flip_u"), ReadName("_uv_flip_v"), u, v)) return;
   AskConnectedTexture<KEPIHardwareMaterial>(
       [&](KEPIHardwareMaterial& material) { material.GetTextureFlip(u, v); });
 }
 
 void KEPRshShaderHardwareExt::GetTexturePosition(float& u, float& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* offsetU = GetReadParameter(ReadName("offset_u"));
-    KEPIRshParameter* offsetV = GetReadParameter(ReadName("offset_v"));
-    float ou = 0.0f, ov = 0.0f;
-    if (!offsetU || !offsetV || !Read(offsetU, ou) || !Read(offsetV, ov)) return;
-    u = ou, v = ov;
+    ReadPair<PairRead::kChecked>(ReadName("offset_u"), ReadName("offset_v"), u, v);
     return;
   }
   u = v = 0.0f;
-  KEPIRshParameter* offsetU = GetReadParameter(ReadName("_uv_offset_u"));
-  KEPIRshParameter* offsetV = GetReadParameter(ReadName("_uv_offset_v"));
-  if (offsetU && offsetV) {
-    Read(offsetU, u);
-    Read(offsetV, v);
+  if (ReadPair<PairRead::kUnchecked>(ReadName("_uv_offset_u"), ReadName("_uv_offset_v"), u, v))
     return;
-  }
   AskConnectedTexture<KEPIHardwareMaterial>(
       [&](KEPIHardwareMaterial& material) { material.GetTexturePosition(u, v); });
 }
 
 void KEPRshShaderHardwareExt::GetTextureSize(float& u, float& v) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
-    KEPIRshParameter* scaleV = GetReadParameter(ReadName("scale_v"));
-    float su = 0.0f, sv = 0.0f;
-    if (!scaleU || !scaleV || !Read(scaleU, su) || !Read(scaleV, sv)) return;
-    u = su, v = sv;
+    ReadPair<PairRead::kChecked>(ReadName("scale_u"), ReadName("scale_v"), u, v);
     return;
   }
   u = v = 1.0f;
-  KEPIRshParameter* scaleU = GetReadParameter(ReadName("_uv_scale_u"));
-  KEPIRshParameter* scaleV = GetReadParameter(ReadName("_uv_scale_v"));
-  if (scaleU && scaleV) {
-    Read(scaleU, u);
-    Read(scaleV, v);
+  if (ReadPair<PairRead::kUnchecked>(ReadName("_uv_scale_u"), ReadName("_uv_scale_v"), u, v))
     return;
-  }
   AskConnectedTexture<KEPIHardwareMaterial>(
       [&](KEPIHardwareMaterial& material) { material.GetTextureSize(u, v); });
 }
@@ -681,11 +475,9 @@ HRESULT KEPRshShaderHardwareExt::GetRotation(double& angle) {
 
 HRESULT KEPRshShaderHardwareExt::GetRatio(double& ratio) {
   if (IsPhysicalShader()) {
-    KEPIRshParameter* scaleU = GetReadParameter(ReadName("scale_u"));
-    KEPIRshParameter* scaleV = GetReadParameter(ReadName("scale_v"));
-    if (!scaleU || !scaleV) return E_FAIL;
     float u = 1.0f, v = 1.0f;
-    if (!Read(scaleU, u) || !Read(scaleV, v)) return E_FAIL;
+    if (!ReadPair<PairRead::kChecked>(ReadName("scale_u"), ReadName("scale_v"), u, v))
+      return E_FAIL;
     ratio = u / v;
     return S_OK;
   }
@@ -826,14 +618,7 @@ KEPUnicodeString KEPRshShaderHardwareExt::GetExternalShader() {
   Init();
   if (!stickerMode_) return shaderFile_;
   // A sticker draws with the sibling program whose name carries "_Stk" before the extension.
-  KEPUnicodeString base, extension;
-  KEPRbaImageServices::SplitPath(shaderFile_, base, extension);
-  const std::u16string original = base.Str() + u"." + extension.Str();
-  const std::u16string sticker = base.Str() + u"_Stk." + extension.Str();
-  KEPUnicodeString result = shaderFile_;
-  const std::size_t at = result.Str().find(original);
-  if (at != std::u16string::npos) result.Str().replace(at, original.size(), sticker);
-  return result;
+  return KEPRshShaderProgramLocator::StickerVariant(shaderFile_);
 }
 
 unsigned char KEPRshShaderHardwareExt::IsStickerMode() {

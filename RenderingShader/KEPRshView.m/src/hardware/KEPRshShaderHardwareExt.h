@@ -5,31 +5,33 @@
 // "MPM" (a physical shader) is read through its slot, BRDF and plain mapping parameters; any
 // other through the "_uv_mapping" family, falling back on the texture shader connected to one of
 // its parameters.
+//
+// This class answers the interfaces; the program file search (KEPRshShaderProgramLocator), the
+// parameter list and its lookups (KEPRshShaderParameterIndex) and the connected texture found
+// (KEPRshConnectedTextureCache) live in their own units.
 #pragma once
 
-#include <iterator>
 #include <string_view>
-#include <unordered_map>
-#include <vector>
 
 #include "KEPBaseUnknown.h"
-#include "KEPBaseUnknown_WR.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
 #include "KEPIRmaMappingManipulatorMaterial.h"
 #include "KEPIRshParameter.h"
-#include "KEPListP.h"
+#include "KEPRshConnectedTextureCache.h"
+#include "KEPRshShaderParameterIndex.h"
+#include "KEPRshViewModule.h"
 #include "KEPVisTypes.h"
 
 class KEPIRshShader;
 class KEPIRshShaderLink;
 
-class KEPRshShaderHardwareExt : public KEPBaseUnknown,
-                                public KEPIHardwareMaterial,
-                                public KEPIOpenGLShaderMaterial,
-                                public KEPIRmaMappingManipulator,
-                                public KEPIRmaMappingManipulatorMaterial {
+class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
+                                               public KEPIHardwareMaterial,
+                                               public KEPIOpenGLShaderMaterial,
+                                               public KEPIRmaMappingManipulator,
+                                               public KEPIRmaMappingManipulatorMaterial {
   KEP_DECLARE_CLASS
  public:
   KEPRshShaderHardwareExt();
@@ -160,14 +162,12 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   void SetShaderISLFile(KEPUnicodeString& path) override;
   void SetShaderStringParameter(int position, KEPUnicodeString& path) override;
 
-  /// Test hook: forgets the process-wide caches (the "KEPStartupPath" value and the directory
-  /// lists built from it) so that the next search reads the environment again. Only for tests:
-  /// the host never calls it, and it must not run while another search is in progress.
-  static void ResetProcessCachesForTests();
-
  protected:
-  /// Reads the linked shader's parameters on first use (see the .cpp for the steps).
-  void Init();
+  /// Reads the linked shader's parameters on first use (the steps: InitFromLinkedShader); does
+  /// nothing without a link or a shader, so that the next query tries again.
+  void Init() {
+    if (!parameters_.HasList()) InitFromLinkedShader();
+  }
   /// Releases the parameter references and forgets the list; names and program file stay.
   void CleanUp();
   /// Parameter at position i (1-based, borrowed, possibly null), after Init.
@@ -182,46 +182,15 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   /// the caller, or null.
   KEPIHardwareMaterial* GetConnectedTexture();
 
-  /// The parameter names that the material answers read. Their first positions are resolved at
-  /// Init, so that the viewer's per-frame questions do no string lookups.
-  static constexpr std::string_view kReadNames[] = {
-      "RNDMaterialVersion",
-      "_uv_angle",
-      "_uv_flip_u",
-      "_uv_flip_v",
-      "_uv_mapping",
-      "_uv_offset_u",
-      "_uv_offset_v",
-      "_uv_scale_u",
-      "_uv_scale_v",
-      "angle",
-      "default_generic_brdf_diffuse_glossiness",
-      "default_generic_brdf_diffuse_weight",
-      "default_generic_brdf_specular_weight",
-      "default_slot_diffuse_color",
-      "default_slot_opacity",
-      "default_slot_specular_color",
-      "default_slot_specular_glossiness",
-      "default_slot_transparency",
-      "flip_u",
-      "flip_v",
-      "offset_u",
-      "offset_v",
-      "repeat_u",
-      "repeat_v",
-      "scale_u",
-      "scale_v",
-      "type",
-  };
-  static constexpr int kReadNameCount = static_cast<int>(std::size(kReadNames));
-  /// Index of `name` in kReadNames; a name missing from the table does not compile.
+  /// Index of `name` among KEPRshShaderParameterIndex::kReadNames; other names do not compile.
   static consteval int ReadName(std::string_view name) {
-    for (int i = 0; i < kReadNameCount; ++i)
-      if (kReadNames[i] == name) return i;
-    throw "not a name the material reads";
+    return KEPRshShaderParameterIndex::ReadName(name);
   }
   /// Same answer as GetParameter(kReadNames[index]), from the positions resolved at Init.
-  KEPIRshParameter* GetReadParameter(int index);
+  KEPIRshParameter* GetReadParameter(int index) {
+    Init();
+    return parameters_.Read(index);
+  }
 
   /// True when the linked shader's type name begins with "MPM" (asked afresh on every call).
   bool IsPhysicalShader();
@@ -231,49 +200,32 @@ class KEPRshShaderHardwareExt : public KEPBaseUnknown,
   void ReadLinkedTypeName(KEPString& typeName);
 
  private:
+  /// Init's work: finds the program file once, then takes the shader's parameter list.
+  void InitFromLinkedShader();
   KEPIRshShaderLink* FindLink();
-  bool FindShaderFile(std::string_view baseName, KEPUnicodeString& found);
-  void AppendName(KEPString name);
-  void CopyFrom(const KEPRshShaderHardwareExt& other);
   /// Reads "default_slot_diffuse_color" for GetColor and GetTransparentColor.
   HRESULT GetDiffuseColor(double& r, double& g, double& b);
-  /// Runs `ask` on the connected texture's material; false when there is none, or when this
-  /// object is already asking one (a cycle of connections ends there).
+  /// How ReadPair reads: kChecked changes the outputs only when both values read (the second is
+  /// not read after a failed first); kUnchecked reads both straight into the outputs.
+  enum class PairRead { kChecked, kUnchecked };
+  /// Reads the u/v pair of parameters named by ReadName indexes `nameU`, `nameV` into u and v.
+  /// False, outputs untouched, when either parameter is missing or (kChecked) a read fails.
+  template <PairRead how, class T>
+  bool ReadPair(int nameU, int nameV, T& u, T& v);
+  /// Runs `ask` on the connected texture's material (Part 7.2 fall-backs); false when there is
+  /// none, or when this object is already asking one (a cycle of connections ends there).
   template <class Interface, class Ask>
   bool AskConnectedTexture(Ask&& ask);
-  /// Brings connected_ up to date; true when there is a connected texture material.
-  bool RefreshConnectedTexture();
 
-  KEPListValKEPString parameterNames_;
-  KEPListP<KEPIRshParameter>* parameters_ = nullptr;
+  KEPRshShaderParameterIndex parameters_;
   KEPUnicodeString shaderFile_;
   KEPString shaderType_;
   unsigned char stickerMode_ = 0;
 
-  // Derived from the members above to keep the per-frame questions fast; rebuilt with them.
-  struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view s) const { return std::hash<std::string_view>{}(s); }
-  };
-  /// Name -> first position in parameterNames_.
-  std::unordered_map<KEPString, int, NameHash, std::equal_to<>> firstPosition_;
-  /// Positions of the parameters whose type name is "KEPRmaTexture", ascending.
-  std::vector<int> texturePositions_;
-  /// First position (1-based) of each of kReadNames in parameterNames_, 0 when absent.
-  int readPositions_[kReadNameCount] = {};
   /// The sibling link extension of the component (borrowed: it lives as long as we do).
   KEPIRshShaderLink* link_ = nullptr;
-  /// Set while a question is passed on to the connected texture.
-  bool askingConnected_ = false;
-  /// The connected texture's material as last found (no references held): valid while the
-  /// model's connection generation is still `generation` and `object` is alive.
-  struct ConnectedTexture {
-    unsigned long long generation = 0;  ///< 0: not looked up
-    KEPBaseUnknown_WR object;
-    KEPIHardwareMaterial* material = nullptr;
-    KEPIRmaMappingManipulator* mapping = nullptr;
-  };
-  ConnectedTexture connected_;
+  /// The connected texture's material as last found; not copied.
+  KEPRshConnectedTextureCache connected_;
   /// Scratch space of IsPhysicalShader.
   KEPString typeNameBuffer_;
 };

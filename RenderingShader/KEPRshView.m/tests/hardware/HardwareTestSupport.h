@@ -22,6 +22,7 @@
 #include "KEPRshShaderHardwareDefault.h"
 #include "KEPRshShaderHardwareExt.h"
 #include "KEPRshShaderHardwareLink.h"
+#include "KEPRshShaderProgramLocator.h"
 #include "KEPRshViewModule.h"
 #include "KEPTestSupport.h"
 
@@ -63,11 +64,11 @@ class Startup {
   Startup() {
     std::string pattern = (std::filesystem::temp_directory_path() / "kephwXXXXXX").string();
     root_ = mkdtemp(pattern.data());
-    KEPRshShaderHardwareExt::ResetProcessCachesForTests();
+    KEPRshShaderProgramLocator::ForgetProcessCache();
   }
   ~Startup() {
     unsetenv("KEPStartupPath");
-    KEPRshShaderHardwareExt::ResetProcessCachesForTests();
+    KEPRshShaderProgramLocator::ForgetProcessCache();
     std::error_code ignored;
     std::filesystem::remove_all(root_, ignored);
   }
@@ -86,7 +87,7 @@ class Startup {
     for (std::size_t i = 0; i < labels.size(); ++i)
       value += (i ? ";" : "") + (labels[i].empty() ? std::string() : Dir(labels[i]));
     setenv("KEPStartupPath", value.c_str(), 1);
-    KEPRshShaderHardwareExt::ResetProcessCachesForTests();
+    KEPRshShaderProgramLocator::ForgetProcessCache();
   }
 
  private:
@@ -183,7 +184,7 @@ class HardwareFixture : public keptest::Fixture {
   void SetUp() override {
     keptest::Fixture::SetUp();
     unsetenv("KEPStartupPath");
-    KEPRshShaderHardwareExt::ResetProcessCachesForTests();
+    KEPRshShaderProgramLocator::ForgetProcessCache();
     KEPTexturePixelImage::FlushCache();
     KEPRshViewRegister();
   }

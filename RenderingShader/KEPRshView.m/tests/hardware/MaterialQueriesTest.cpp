@@ -281,6 +281,66 @@ TEST_F(MaterialQueriesTest, OtherShaderUvFamily) {
   EXPECT_EQ(world.Param(node, "_uv_offset_u")->Value().scalar, 0.1f);
 }
 
+// A u/v pair whose second value cannot be read (a colour where a number or flag is expected):
+// a physical shader answers both or nothing; another shader does not check its reads.
+TEST_F(MaterialQueriesTest, UvPairsWithAnUnreadableValue) {
+  World world;
+  world.Add(Type("MPM_broken")
+                .Param("repeat_u", Boolean(true))
+                .Param("repeat_v", Color(1, 1, 1))
+                .Param("flip_u", Boolean(true))
+                .Param("flip_v", Color(1, 1, 1))
+                .Param("offset_u", Scalar(0.25f))
+                .Param("offset_v", Color(1, 1, 1))
+                .Param("scale_u", Scalar(2.0f))
+                .Param("scale_v", Color(1, 1, 1)));
+  world.Add(Type("mia_phen_material")
+                .Param("_uv_flip_u", Boolean(true))
+                .Param("_uv_flip_v", Color(1, 1, 1))
+                .Param("_uv_offset_u", Scalar(0.25f))
+                .Param("_uv_offset_v", Color(1, 1, 1))
+                .Param("_uv_scale_u", Scalar(2.0f))
+                .Param("_uv_scale_v", Color(1, 1, 1)));
+  {
+    SCOPED_TRACE("physical");
+    Delegate delegate(world.Node("MPM_broken"));
+    auto material = delegate.Material();
+    int wu = -1, wv = -1;
+    material->GetTextureWrapping(wu, wv);
+    EXPECT_EQ(wu, -1);
+    EXPECT_EQ(wv, -1);
+    unsigned char repeat = 9, fu = 9, fv = 9;
+    EXPECT_EQ(delegate.MappingMaterial()->GetTextureRepeat(repeat), E_FAIL);
+    EXPECT_EQ(repeat, 9);
+    material->GetTextureFlip(fu, fv);
+    EXPECT_EQ(fu, 9);
+    float u = -1, v = -1;
+    material->GetTexturePosition(u, v);
+    EXPECT_EQ(u, -1);
+    material->GetTextureSize(u, v);
+    EXPECT_EQ(u, -1);
+    double d = -1;
+    EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
+    EXPECT_EQ(d, -1);
+  }
+  {
+    SCOPED_TRACE("other");
+    Delegate delegate(world.Node("mia_phen_material"));
+    auto material = delegate.Material();
+    unsigned char fu = 9, fv = 9;
+    material->GetTextureFlip(fu, fv);
+    EXPECT_EQ(fu, 1);
+    EXPECT_EQ(fv, 0);
+    float u = -1, v = -1;
+    material->GetTexturePosition(u, v);
+    EXPECT_EQ(u, 0.25f);
+    EXPECT_EQ(v, 0.0f);
+    material->GetTextureSize(u, v);
+    EXPECT_EQ(u, 2.0f);
+    EXPECT_EQ(v, 1.0f);
+  }
+}
+
 TEST_F(MaterialQueriesTest, OtherShaderZeroScaleHasNoRatio) {
   World world;
   world.Add(Type("mia_phen_material")

@@ -1,7 +1,9 @@
 // Where the viewer's program file comes from: the search orders over "KEPStartupPath", the
 // common physical program, the fallback, and the sticker sibling.
 #include "HardwareTestSupport.h"
+#include "KEPHostContext.h"
 #include "KEPRbaImageServices.h"
+#include "KEPRshShaderProgramLocator.h"
 
 using namespace keptest;
 using namespace hwtest;
@@ -137,6 +139,59 @@ TEST_F(ProgramFileTest, StartupPathIsReadOnceForTheProcess) {
   Delegate second(world.Node("mia_phen_material", "n2"));
   EXPECT_EQ(second.Program()->GetExternalShader().ToUTF8(),
             startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
+}
+
+TEST_F(ProgramFileTest, ForgettingTheProcessCacheReadsTheStartupPathAgain) {
+  Startup startup;
+  const std::string inA = startup.File("A", "materials/shaders/rsh_default.cgfx");
+  const std::string inB = startup.File("B", "shaders/rsh_default.cgfx");
+  startup.SetPath({"A"});
+  KEPUnicodeString found;
+  ASSERT_TRUE(KEPRshShaderProgramLocator::FindByBaseName("rsh_default", found));
+  EXPECT_EQ(found.ToUTF8(), inA);
+  setenv("KEPStartupPath", startup.Dir("B").c_str(), 1);
+  ASSERT_TRUE(KEPRshShaderProgramLocator::FindByBaseName("rsh_default", found));
+  EXPECT_EQ(found.ToUTF8(), inA);  // cached for the process
+  KEPRshShaderProgramLocator::ForgetProcessCache();
+  ASSERT_TRUE(KEPRshShaderProgramLocator::FindByBaseName("rsh_default", found));
+  EXPECT_EQ(found.ToUTF8(), inB);
+
+  // A variable unset after the first read is still seen until the cache is forgotten.
+  unsetenv("KEPStartupPath");
+  EXPECT_TRUE(KEPRshShaderProgramLocator::HasStartupPath());
+  KEPRshShaderProgramLocator::ForgetProcessCache();
+  EXPECT_FALSE(KEPRshShaderProgramLocator::HasStartupPath());
+  found = KEPUnicodeString(u"keep");
+  EXPECT_FALSE(KEPRshShaderProgramLocator::FindByBaseName("rsh_default", found));
+  EXPECT_FALSE(KEPRshShaderProgramLocator::ResolveAlongStartupPath("mia_phen_material", found));
+  EXPECT_EQ(found.ToUTF8(), "keep");
+}
+
+TEST_F(ProgramFileTest, AHostResetLooksLikeANewProcessToTheSearch) {
+  // The fixture registered the module, and with it the locator's process-reset hook.
+  Startup startup;
+  startup.File("A", "materials/shaders/rsh_default.cgfx");
+  const std::string inB = startup.File("B", "materials/shaders/rsh_default.cgfx");
+  startup.SetPath({"A"});
+  World world;
+  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  Delegate first(world.Node("mia_phen_material", "n1"));
+  EXPECT_EQ(first.Program()->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
+  setenv("KEPStartupPath", startup.Dir("B").c_str(), 1);
+  KEPRunProcessResetHooks();
+  Delegate second(world.Node("mia_phen_material", "n2"));
+  EXPECT_EQ(second.Program()->GetExternalShader().ToUTF8(), inB);
+  // A program already found stays with its material.
+  EXPECT_EQ(first.Program()->GetExternalShader().ToUTF8(),
+            startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
+}
+
+TEST(PhysicalShaderType, BeginsWithMPM) {
+  for (const char* type : {"MPM", "MPM_car_paint", "MPMx"})
+    EXPECT_TRUE(KEPRshIsPhysicalShaderType(type)) << type;
+  for (const char* type : {"", "M", "MP", "mpm_car_paint", "xMPM", " MPM", "mia_phen_material"})
+    EXPECT_FALSE(KEPRshIsPhysicalShaderType(type)) << type;
 }
 
 TEST_F(ProgramFileTest, FileFoundOnceIsKeptForTheObjectsLife) {
