@@ -2,8 +2,8 @@
 # Installs what the build and the tests need and the machine lacks (Debian packages).
 set -euo pipefail
 
-packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev nlohmann-json3-dev
-          libpng-dev libutfcpp-dev clang-format)
+packages=(cmake ninja-build g++ clang libclang-rt-dev clang-format clang-tidy googletest libgtest-dev
+          libbenchmark-dev nlohmann-json3-dev libpng-dev libutfcpp-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

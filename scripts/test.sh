@@ -1,16 +1,21 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test: in the optimised build (warnings are
-# errors) and in the address+undefined sanitizer build.
-#   scripts/test.sh            both builds
-#   scripts/test.sh release    only one of them (release | asan | debug)
+# Installs what is missing, checks formatting, builds and runs every test: in the optimised GCC
+# build and in the Clang build with the address and undefined-behaviour sanitizers, warnings
+# being errors in both; then clang-tidy over the sources.
+#   scripts/test.sh                both builds and every check
+#   scripts/test.sh release        only one build (release | asan | clang | debug), no tidy
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
+scripts/check-format.sh
 
-presets=("${@:-release asan}")
-# shellcheck disable=SC2206
-presets=(${presets[*]})
+presets=("$@")
+full=0
+if [ ${#presets[@]} -eq 0 ]; then
+  presets=(release asan)
+  full=1
+fi
 jobs=$(nproc 2>/dev/null || echo 2)
 for preset in "${presets[@]}"; do
   echo "=== ${preset}: configure"
@@ -20,4 +25,8 @@ for preset in "${presets[@]}"; do
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
 done
+if [ "$full" = 1 ]; then
+  echo "=== clang-tidy"
+  scripts/check-tidy.sh build/release
+fi
 echo "All tests passed (${presets[*]})."

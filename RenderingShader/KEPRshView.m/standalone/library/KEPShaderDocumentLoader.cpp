@@ -288,9 +288,9 @@ KEPLoadResult KEPShaderDocumentLoader::ReadLibraryPath(const std::string& path,
   return result;
 }
 
-KEPLoadResult KEPShaderDocumentLoader::Load(const std::string& path,
-                                            const std::shared_ptr<const KEPHostShaderLibrary>& library,
-                                            KEP_var<KEPHostShaderDocument>& document) {
+KEPLoadResult KEPShaderDocumentLoader::Load(
+    const std::string& path, const std::shared_ptr<const KEPHostShaderLibrary>& library,
+    KEP_var<KEPHostShaderDocument>& document) {
   KEPLoadResult result;
   if (!library) {
     result.AddError(path, 0, "", "no shader library to read the document with");
