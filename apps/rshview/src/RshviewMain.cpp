@@ -37,7 +37,8 @@ const char* const kGlobalOptions =
     "  --trace              print the module's traces to standard error\n"
     "  -h, --help           help (of the command when given after it)\n"
     "\n"
-    "The bundled samples are looked up in $RSHVIEW_SAMPLES, else in the source tree.\n";
+    "The bundled samples are looked up in $RSHVIEW_SAMPLES, else in share/KEPRshView/samples\n"
+    "beside the program's directory.\n";
 
 void PrintGlobalHelp(std::ostream& out) {
   out << "Usage: rshview COMMAND [OPTIONS]\n"

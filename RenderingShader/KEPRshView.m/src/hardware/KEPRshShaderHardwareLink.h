@@ -21,9 +21,10 @@ class KEPRshShaderHardwareLink : public KEPBaseUnknown, public KEPIRshShaderLink
   /// Releases the shader when the component moves from a live state to deleted (2).
   HRESULT ChangeComponentState(int from, int to, const void* context) override;
 
- private:
   KEPRshShaderHardwareLink(const KEPRshShaderHardwareLink&) = delete;
   KEPRshShaderHardwareLink& operator=(const KEPRshShaderHardwareLink&) = delete;
+
+ private:
   void ReleaseShader();
 
   KEPIRshShader* shader_ = nullptr;

@@ -111,8 +111,8 @@ void KEPHostContext::Reset() {
   KEPRunProcessResetHooks();
 }
 
-void KEPHostContext::InstallLibrary(std::shared_ptr<const KEPHostShaderLibrary> library) {
-  KEPHostShaderManager::Install(std::move(library));
+void KEPHostContext::InstallLibrary(const std::shared_ptr<const KEPHostShaderLibrary>& library) {
+  KEPHostShaderManager::Install(library);
 }
 
 void KEPHostContext::SetEnvironment(const std::string& name, const std::string& value) {

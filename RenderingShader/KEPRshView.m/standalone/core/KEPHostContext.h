@@ -32,7 +32,7 @@ class KEPHostContext {
   static void Reset();
 
   /// Installs the library that the shader manager answers from; null removes the manager.
-  static void InstallLibrary(std::shared_ptr<const KEPHostShaderLibrary> library);
+  static void InstallLibrary(const std::shared_ptr<const KEPHostShaderLibrary>& library);
 
   /// Gives KEPGetEnv `value` for `name` until the next reset, ahead of the real environment
   /// (which is never changed).

@@ -14,9 +14,9 @@ KEPRshShaderManager* KEPRshShaderManager::GetManager() {
   return KEPHostContext::State<InstalledManager>().manager.get();
 }
 
-void KEPHostShaderManager::Install(std::shared_ptr<const KEPHostShaderLibrary> library) {
+void KEPHostShaderManager::Install(const std::shared_ptr<const KEPHostShaderLibrary>& library) {
   KEPHostContext::State<InstalledManager>().manager =
-      library ? std::make_unique<KEPHostShaderManager>(std::move(library)) : nullptr;
+      library ? std::make_unique<KEPHostShaderManager>(library) : nullptr;
 }
 
 HRESULT KEPHostShaderManager::GetConnectableShaders(const KEPString& parameterType,

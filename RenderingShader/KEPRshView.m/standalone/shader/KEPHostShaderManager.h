@@ -10,7 +10,7 @@ class KEPHostShaderManager final : public KEPRshShaderManager {
  public:
   /// Makes the manager of `library` the process's manager (null removes it). The manager is
   /// process state: KEPHostContext::Reset removes it too.
-  static void Install(std::shared_ptr<const KEPHostShaderLibrary> library);
+  static void Install(const std::shared_ptr<const KEPHostShaderLibrary>& library);
 
   explicit KEPHostShaderManager(std::shared_ptr<const KEPHostShaderLibrary> library)
       : library_(std::move(library)) {}
