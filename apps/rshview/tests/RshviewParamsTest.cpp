@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "KEPHostConfiguration.h"
 #include "KEPRbaConfiguration.h"
 #include "KEPRshShaderManager.h"
 #include "KEPTrace.h"
@@ -84,7 +85,7 @@ TEST(RshviewCommandLine, LoadErrorsArePrintedAndExitWithOne) {
       << cycle.err;
   // Nothing of the run stays behind in the process.
   EXPECT_EQ(KEPRshShaderManager::GetManager(), nullptr);
-  EXPECT_TRUE(KEPRbaConfiguration::ConfigurationIds().empty());
+  EXPECT_TRUE(KEPHostConfiguration::ConfigurationIds().empty());
 }
 
 TEST(RshviewParams, TextShowsTheFirstMaterialsMetadata) {

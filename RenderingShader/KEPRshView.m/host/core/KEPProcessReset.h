@@ -9,3 +9,6 @@ using KEPProcessResetHook = void (*)();
 /// Registers `hook`, once however often it is registered; the host calls every hook on each
 /// reset of its process state, in the order of registration.
 void KEPRegisterProcessResetHook(KEPProcessResetHook hook);
+
+/// Forgets `hook` (a module about to be unloaded); nothing happens if it is not registered.
+void KEPUnregisterProcessResetHook(KEPProcessResetHook hook);

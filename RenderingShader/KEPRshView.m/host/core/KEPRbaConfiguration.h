@@ -18,14 +18,4 @@ class KEPRbaConfiguration {
   /// Integer form: the whole text must be one decimal integer (blanks around it allowed) that
   /// fits 32 bits; anything else is E_FAIL with `out` untouched.
   static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, int& out);
-
-  // --- Store administration (host side)
-  static void SetValue(const KEPString& id, const KEPString& key, const KEPString& value);
-  static void SetParent(const KEPString& id, const KEPString& parentId);
-  static bool HasConfiguration(const KEPString& id);
-  static std::vector<KEPString> ConfigurationIds();
-  /// Keys of configuration `id` itself (not its parents), in file order.
-  static std::vector<KEPString> Keys(const KEPString& id);
-  /// Removes every configuration.
-  static void Clear();
 };

@@ -34,7 +34,7 @@ class KEPPixelImage : public KEPBaseUnknown {
 };
 
 /// An image used as a texture. Images are shared: asking twice for the same path gives the same
-/// image while the first is cached (see FlushCache).
+/// image while the first is cached (the host flushes the cache on a reset).
 class KEPTexturePixelImage : public KEPPixelImage {
   KEP_DECLARE_CLASS
  public:
@@ -42,8 +42,6 @@ class KEPTexturePixelImage : public KEPPixelImage {
   /// is missing or unreadable (a failure is not remembered: the next call tries again).
   /// `readOnlyState` is KEPReadOnlyState for images the caller will not modify.
   static KEPTexturePixelImage* GetImage(const KEPUnicodeString& path, int readOnlyState);
-  /// Forgets every cached image (images still referenced elsewhere stay alive).
-  static void FlushCache();
 
   const KEPUnicodeString& GetPath() const { return path_; }
   int GetReadOnlyState() const { return readOnlyState_; }

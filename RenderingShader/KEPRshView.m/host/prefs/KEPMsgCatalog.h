@@ -24,8 +24,4 @@ class KEPMsgCatalog {
   /// The directory holding "msg/", the style sheet and the icons: $KEPRSH_RESOURCES when set,
   /// else share/KEPRshView/resources beside the host library's directory.
   static std::string ResourcesDirectory();
-  /// The file a catalogue is read from.
-  static std::string CatalogPath(const KEPString& catalog);
-  /// Forgets every catalogue read so far and the warnings given; the next lookup reads again.
-  static void Unload();
 };

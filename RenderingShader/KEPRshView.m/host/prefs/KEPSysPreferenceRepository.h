@@ -17,8 +17,9 @@
 
 class KEPSysPreferenceRepository {
  public:
-  /// The repository named `name` (borrowed, lives until Unload), created empty on first request.
-  /// Null for an empty name or a name made unavailable with SetUnavailableForTest.
+  /// The repository named `name` (borrowed, lives until the host resets or unloads its
+  /// preferences), created empty on first request; null for an empty name or a name the host
+  /// made unavailable.
   static KEPSysPreferenceRepository* GetRepository(const KEPString& name);
 
   const KEPString& Name() const { return name_; }
@@ -48,17 +49,6 @@ class KEPSysPreferenceRepository {
   /// Makes the working state the committed state and writes the preference file atomically.
   /// E_FAIL (traced, naming the file) when the file cannot be written; the working state stays.
   HRESULT Commit();
-
-  // --- Store administration
-  /// The preference file: $KEPRSH_PREFERENCES when set, else
-  /// $XDG_CONFIG_HOME/rshview/preferences.json, else $HOME/.config/rshview/preferences.json;
-  /// empty when none of those variables is set.
-  static std::string FilePath();
-  /// Forgets every repository; the next request reads the file again (from FilePath as it is
-  /// then). Pointers handed out before become invalid.
-  static void Unload();
-  /// Makes GetRepository answer null for `name` (or available again); survives Unload.
-  static void SetUnavailableForTest(const KEPString& name, bool unavailable);
 
   using Value = std::variant<KEPString, std::vector<short>>;
   using Values = std::map<KEPString, Value>;

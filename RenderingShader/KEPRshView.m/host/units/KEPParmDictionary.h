@@ -50,19 +50,10 @@ class KEPParmDictionary {
   static KEPICkeUnit* FindUnit(const KEPUnicodeString& name);
   /// The magnitude named exactly `name` (borrowed), or null if unknown.
   static KEPICkeMagnitude* FindMagnitude(const KEPUnicodeString& name);
-  /// Restores every magnitude's display unit to its base unit (tests).
-  static void ResetCurrentUnits();
 
   // --- Listing (for tools that offer the user a choice of display unit)
   /// Every magnitude, in registration order (borrowed).
   static std::vector<KEPICkeMagnitude*> Magnitudes();
   /// The distinct units measuring `magnitude`, base unit first (borrowed); empty for null.
   static std::vector<KEPICkeUnit*> UnitsOf(const KEPICkeMagnitude* magnitude);
-
-  // --- Tests
-  /// Makes the unit registered under `name` unknown to FindUnit (the object itself stays alive,
-  /// so pointers handed out earlier remain valid). Returns false when `name` is not registered.
-  static bool RemoveUnitForTest(const KEPUnicodeString& name);
-  /// Registers again every name removed with RemoveUnitForTest.
-  static void RestoreUnitsForTest();
 };

@@ -212,8 +212,8 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
   /// False, outputs untouched, when either parameter is missing or (kChecked) a read fails.
   template <PairRead how, class T>
   bool ReadPair(int nameU, int nameV, T& u, T& v);
-  /// Runs `ask` on the connected texture's material (Part 7.2 fall-backs); false when there is
-  /// none, or when this object is already asking one (a cycle of connections ends there).
+  /// Runs `ask` on the connected texture's material (the connected-texture fall-backs); false when
+  /// there is none, or when this object is already asking one (a cycle of connections ends there).
   template <class Interface, class Ask>
   bool AskConnectedTexture(Ask&& ask);
 

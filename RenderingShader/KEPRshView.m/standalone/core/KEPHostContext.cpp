@@ -34,17 +34,18 @@ struct Slots {
       if (void* object = std::exchange(state.object, nullptr)) state.destroy(object);
     }
   }
-  /// At the end of the process, as function-local statics would be.
-  ~Slots() { DestroyAll(); }
 };
 
+// Never destroyed: objects released during the process's exit (a static handle of a host
+// program, the module's own statics) may still reach the state, in whatever order statics die.
+// What the state holds stays reachable until the end, so it is not a leak.
 Slots& TheSlots() {
-  static Slots slots;
+  static Slots& slots = *new Slots;
   return slots;
 }
 
 std::vector<KEPProcessResetHook>& Hooks() {
-  static std::vector<KEPProcessResetHook> hooks;
+  static auto& hooks = *new std::vector<KEPProcessResetHook>;
   return hooks;
 }
 
@@ -71,6 +72,11 @@ struct EnvironmentOverrides {
 void KEPRegisterProcessResetHook(KEPProcessResetHook hook) {
   auto& hooks = Hooks();
   if (hook && std::find(hooks.begin(), hooks.end(), hook) == hooks.end()) hooks.push_back(hook);
+}
+
+void KEPUnregisterProcessResetHook(KEPProcessResetHook hook) {
+  auto& hooks = Hooks();
+  hooks.erase(std::remove(hooks.begin(), hooks.end(), hook), hooks.end());
 }
 
 void KEPRunProcessResetHooks() {

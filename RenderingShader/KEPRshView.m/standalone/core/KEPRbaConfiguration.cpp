@@ -1,4 +1,5 @@
 #include "KEPRbaConfiguration.h"
+#include "KEPHostConfiguration.h"
 
 #include "KEPHostContext.h"
 
@@ -70,31 +71,31 @@ HRESULT KEPRbaConfiguration::GetHierarchicalValue(const KEPString& id, const KEP
   return S_OK;
 }
 
-void KEPRbaConfiguration::SetValue(const KEPString& id, const KEPString& key,
-                                   const KEPString& value) {
+void KEPHostConfiguration::SetValue(const KEPString& id, const KEPString& key,
+                                    const KEPString& value) {
   Configuration& c = Store()[id];
   if (c.values.insert_or_assign(key, value).second) c.order.push_back(key);
 }
 
-void KEPRbaConfiguration::SetParent(const KEPString& id, const KEPString& parentId) {
+void KEPHostConfiguration::SetParent(const KEPString& id, const KEPString& parentId) {
   Store()[id].parent = parentId;
 }
 
-bool KEPRbaConfiguration::HasConfiguration(const KEPString& id) {
+bool KEPHostConfiguration::HasConfiguration(const KEPString& id) {
   return Store().count(id) > 0;
 }
 
-std::vector<KEPString> KEPRbaConfiguration::ConfigurationIds() {
+std::vector<KEPString> KEPHostConfiguration::ConfigurationIds() {
   std::vector<KEPString> ids;
   for (const auto& [id, c] : Store()) ids.push_back(id);
   return ids;
 }
 
-std::vector<KEPString> KEPRbaConfiguration::Keys(const KEPString& id) {
+std::vector<KEPString> KEPHostConfiguration::Keys(const KEPString& id) {
   auto it = Store().find(id);
   return it == Store().end() ? std::vector<KEPString>{} : it->second.order;
 }
 
-void KEPRbaConfiguration::Clear() {
+void KEPHostConfiguration::Clear() {
   Store().clear();
 }

@@ -1,4 +1,5 @@
 #include "KEPPixelImage.h"
+#include "KEPHostImages.h"
 
 #include "KEPHostContext.h"
 
@@ -73,6 +74,6 @@ KEPTexturePixelImage* KEPTexturePixelImage::GetImage(const KEPUnicodeString& pat
   return image;
 }
 
-void KEPTexturePixelImage::FlushCache() {
+void KEPHostImages::FlushCache() {
   TextureCache().clear();
 }

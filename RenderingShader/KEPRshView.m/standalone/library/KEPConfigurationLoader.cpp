@@ -1,4 +1,5 @@
 #include "KEPConfigurationLoader.h"
+#include "KEPHostConfiguration.h"
 
 #include <algorithm>
 #include <charconv>
@@ -127,7 +128,7 @@ void CheckParents(const std::vector<ParsedFile>& files, KEPLoadResult& result) {
   for (const ParsedFile& file : files) byId[file.id] = &file;
   for (const ParsedFile& file : files) {
     if (file.parent.empty()) continue;
-    if (!byId.count(file.parent) && !KEPRbaConfiguration::HasConfiguration(file.parent)) {
+    if (!byId.count(file.parent) && !KEPHostConfiguration::HasConfiguration(file.parent)) {
       result.AddError(
           file.path, file.parentLine, "@parent",
           "parent configuration '" + file.parent + "' does not exist (no " + file.parent + ".cfg)");
@@ -150,10 +151,10 @@ void CheckParents(const std::vector<ParsedFile>& files, KEPLoadResult& result) {
 
 void Apply(const std::vector<ParsedFile>& files) {
   for (const ParsedFile& file : files) {
-    if (!file.parent.empty()) KEPRbaConfiguration::SetParent(file.id, file.parent);
+    if (!file.parent.empty()) KEPHostConfiguration::SetParent(file.id, file.parent);
     for (const Entry& entry : file.entries)
-      KEPRbaConfiguration::SetValue(file.id, entry.key, entry.value);
-    if (file.entries.empty() && file.parent.empty()) KEPRbaConfiguration::SetParent(file.id, "");
+      KEPHostConfiguration::SetValue(file.id, entry.key, entry.value);
+    if (file.entries.empty() && file.parent.empty()) KEPHostConfiguration::SetParent(file.id, "");
   }
 }
 }  // namespace

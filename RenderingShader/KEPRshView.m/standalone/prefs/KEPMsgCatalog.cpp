@@ -13,6 +13,8 @@
 // A line that breaks these rules is skipped with a warning naming the file, the line and the key;
 // a repeated key keeps its first text.
 #include "KEPMsgCatalog.h"
+#include "KEPFileServices.h"
+#include "KEPHostCatalogs.h"
 
 #include "KEPHostContext.h"
 
@@ -81,7 +83,7 @@ std::optional<std::string> ParseQuoted(std::string_view rest, std::string& text)
 
 Catalog Load(const std::string& name) {
   Catalog catalog;
-  const std::string path = KEPMsgCatalog::CatalogPath(name);
+  const std::string path = KEPHostCatalogs::CatalogPath(name);
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     Trace().Warning("%s: cannot open the message catalogue \"%s\"", path.c_str(), name.c_str());
@@ -148,8 +150,9 @@ KEPUnicodeString Substitute(const std::u16string& text,
 }  // namespace
 
 std::string KEPMsgCatalog::ResourcesDirectory() {
-  const char* overridden = std::getenv("KEPRSH_RESOURCES");
-  if (overridden && *overridden) return overridden;
+  KEPString overridden;
+  if (SUCCEEDED(KEPGetEnv("KEPRSH_RESOURCES", overridden)) && !overridden.empty())
+    return overridden;
   // Beside the host library: LIB/../share/KEPRshView/resources, in the installed tree as in the
   // build tree (where the build links it to the sources).
   Dl_info info{};
@@ -162,8 +165,8 @@ std::string KEPMsgCatalog::ResourcesDirectory() {
   return "resources";
 }
 
-std::string KEPMsgCatalog::CatalogPath(const KEPString& catalog) {
-  return ResourcesDirectory() + "/msg/" + catalog + ".msg";
+std::string KEPHostCatalogs::CatalogPath(const KEPString& catalog) {
+  return KEPMsgCatalog::ResourcesDirectory() + "/msg/" + catalog + ".msg";
 }
 
 HRESULT KEPMsgCatalog::GetMessageText(const KEPString& catalog, const KEPString& key,
@@ -181,13 +184,13 @@ KEPUnicodeString KEPMsgCatalog::BuildMessage(const KEPString& catalog, const KEP
   if (FAILED(GetMessageText(catalog, key, text))) {
     if (TheCatalogs().warned.emplace(catalog, key).second)
       Trace().Warning("Message \"%s\" missing from the catalogue \"%s\" (%s)", key.c_str(),
-                      catalog.c_str(), CatalogPath(catalog).c_str());
+                      catalog.c_str(), KEPHostCatalogs::CatalogPath(catalog).c_str());
     return KEPUnicodeString::FromUTF8(key);
   }
   return Substitute(text.Str(), parameters);
 }
 
-void KEPMsgCatalog::Unload() {
+void KEPHostCatalogs::Unload() {
   TheCatalogs().loaded.clear();
   TheCatalogs().warned.clear();
 }

@@ -1,4 +1,6 @@
 #include "KEPRecord.h"
+#include "KEPFileServices.h"
+#include "KEPHostRecorder.h"
 
 #include "KEPHostContext.h"
 
@@ -33,7 +35,7 @@ std::string Serialise(const std::map<KEPString, int>& levels) {
   nlohmann::json root;
   root["softwareLevels"] = nlohmann::json::object();
   for (const auto& [name, level] : levels) root["softwareLevels"][name] = level;
-  return root.dump(2) + "\n";
+  return root.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
 }
 
 bool WriteRecord(const Recorder& recorder) {
@@ -87,19 +89,21 @@ void Initialise() {
   Recorder& recorder = TheRecorder();
   if (recorder.initialised) return;
   recorder.initialised = true;
-  const char* mode = std::getenv("KEPRSH_RECORD_MODE");
-  if (!mode || !*mode) return;
-  const char* path = std::getenv("KEPRSH_RECORD");
-  if (!path || !*path) {
+  KEPString modeValue, pathValue;
+  if (FAILED(KEPGetEnv("KEPRSH_RECORD_MODE", modeValue)) || modeValue.empty()) return;
+  const char* mode = modeValue.c_str();
+  const bool hasPath = SUCCEEDED(KEPGetEnv("KEPRSH_RECORD", pathValue)) && !pathValue.empty();
+  const char* path = pathValue.c_str();
+  if (!hasPath) {
     Trace().Warning("KEPRSH_RECORD_MODE is \"%s\" but KEPRSH_RECORD names no file; not recording",
                     mode);
     return;
   }
   const std::string which = KEPToLower(mode);
   if (which == "capture")
-    KEPRecord::StartCapture(path);
+    KEPHostRecorder::StartCapture(path);
   else if (which == "replay")
-    KEPRecord::StartReplay(path);
+    KEPHostRecorder::StartReplay(path);
   else
     Trace().Warning("KEPRSH_RECORD_MODE \"%s\" is neither capture nor replay; not recording", mode);
 }
@@ -140,12 +144,12 @@ KEPRecordMode KEPRecord::GetMode() {
   return TheRecorder().mode;
 }
 
-const std::string& KEPRecord::GetRecordPath() {
+const std::string& KEPHostRecorder::GetRecordPath() {
   Initialise();
   return TheRecorder().path;
 }
 
-HRESULT KEPRecord::StartCapture(const std::string& path) {
+HRESULT KEPHostRecorder::StartCapture(const std::string& path) {
   Stop();
   Recorder& recorder = TheRecorder();
   recorder.path = path;
@@ -158,7 +162,7 @@ HRESULT KEPRecord::StartCapture(const std::string& path) {
   return S_OK;
 }
 
-HRESULT KEPRecord::StartReplay(const std::string& path) {
+HRESULT KEPHostRecorder::StartReplay(const std::string& path) {
   Stop();
   std::map<KEPString, int> levels;
   if (path.empty() || !ReadRecord(path, levels)) return E_FAIL;
@@ -170,7 +174,7 @@ HRESULT KEPRecord::StartReplay(const std::string& path) {
   return S_OK;
 }
 
-void KEPRecord::Stop() {
+void KEPHostRecorder::Stop() {
   Recorder& recorder = TheRecorder();
   recorder.initialised = true;
   recorder.mode = KEPRecordMode::Off;
@@ -178,7 +182,7 @@ void KEPRecord::Stop() {
   recorder.levels.clear();
 }
 
-std::map<KEPString, int> KEPRecord::RecordedLevels() {
+std::map<KEPString, int> KEPHostRecorder::RecordedLevels() {
   Initialise();
   return TheRecorder().levels;
 }

@@ -6,6 +6,8 @@
 // (so the user's data is never silently lost) and the store starts empty; a single value of the
 // wrong type is dropped with a warning naming its repository and key.
 #include "KEPSysPreferenceRepository.h"
+#include "KEPFileServices.h"
+#include "KEPHostPreferences.h"
 
 #include "KEPHostContext.h"
 
@@ -30,8 +32,8 @@ const KEPTrace& Trace() {
 }
 
 std::string Env(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? std::string(value) : std::string();
+  KEPString value;
+  return SUCCEEDED(KEPGetEnv(name, value)) ? value : std::string();
 }
 
 /// One-based line of byte offset `offset` in `text`.
@@ -90,7 +92,7 @@ struct KEPPreferenceStore {
   void Load() {
     if (loaded) return;
     loaded = true;
-    path = KEPSysPreferenceRepository::FilePath();
+    path = KEPHostPreferences::FilePath();
     if (path.empty()) {
       Trace().Warning("No configuration directory (HOME is not set); preferences are not kept");
       return;
@@ -155,7 +157,7 @@ struct KEPPreferenceStore {
     }
     nlohmann::json root;
     root["repositories"] = std::move(all);
-    return root.dump(2) + "\n";
+    return root.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
   }
 };
 
@@ -234,7 +236,7 @@ HRESULT KEPSysPreferenceRepository::Commit() {
   return S_OK;
 }
 
-std::string KEPSysPreferenceRepository::FilePath() {
+std::string KEPHostPreferences::FilePath() {
   if (std::string path = Env("KEPRSH_PREFERENCES"); !path.empty()) return path;
   std::string base = Env("XDG_CONFIG_HOME");
   if (base.empty()) {
@@ -245,14 +247,14 @@ std::string KEPSysPreferenceRepository::FilePath() {
   return base + "/rshview/preferences.json";
 }
 
-void KEPSysPreferenceRepository::Unload() {
+void KEPHostPreferences::Unload() {
   KEPPreferenceStore& store = KEPPreferenceStore::Get();
   store.repositories.clear();
   store.path.clear();
   store.loaded = false;
 }
 
-void KEPSysPreferenceRepository::SetUnavailableForTest(const KEPString& name, bool unavailable) {
+void KEPHostPreferences::SetUnavailableForTest(const KEPString& name, bool unavailable) {
   KEPPreferenceStore& store = KEPPreferenceStore::Get();
   if (unavailable)
     store.unavailable.insert(name);

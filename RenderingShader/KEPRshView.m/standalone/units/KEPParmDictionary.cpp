@@ -6,6 +6,7 @@
 // What changes (the display unit chosen per magnitude, and the names hidden by tests) is process
 // state, owned by the host context and forgotten on its reset.
 #include "KEPParmDictionary.h"
+#include "KEPHostUnits.h"
 
 #include <map>
 #include <memory>
@@ -159,7 +160,7 @@ KEPICkeMagnitude* KEPParmDictionary::FindMagnitude(const KEPUnicodeString& name)
   return nullptr;
 }
 
-void KEPParmDictionary::ResetCurrentUnits() {
+void KEPHostUnits::ResetCurrentUnits() {
   Choices().current.clear();
 }
 
@@ -174,11 +175,11 @@ std::vector<KEPICkeUnit*> KEPParmDictionary::UnitsOf(const KEPICkeMagnitude* mag
   return {};
 }
 
-bool KEPParmDictionary::RemoveUnitForTest(const KEPUnicodeString& name) {
+bool KEPHostUnits::RemoveUnitForTest(const KEPUnicodeString& name) {
   if (!TheDictionary().units.count(name)) return false;
   return Choices().hidden.insert(name).second;
 }
 
-void KEPParmDictionary::RestoreUnitsForTest() {
+void KEPHostUnits::RestoreUnitsForTest() {
   Choices().hidden.clear();
 }

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "KEPAtomicFile.h"
+#include "KEPHostConfiguration.h"
 #include "KEPRbaConfiguration.h"
 #include "KEPRshParameterServices.h"
 #include "KEPTestSupport.h"
@@ -93,7 +94,7 @@ TEST(Strings, UnpairedSurrogatesEncodeAsReplacement) {
 class Configuration : public Fixture {};
 
 TEST_F(Configuration, HierarchicalLookupAndIntegers) {
-  KEPRbaConfiguration::SetParent("child", "base");
+  KEPHostConfiguration::SetParent("child", "base");
   Config(
       "base",
       {{"x.Min", "1"}, {"x.Max", "9"}, {"n", " 12 "}, {"bad", "12abc"}, {"huge", "99999999999"}});
@@ -116,8 +117,8 @@ TEST_F(Configuration, HierarchicalLookupAndIntegers) {
 }
 
 TEST_F(Configuration, ParentCycleEndsTheWalk) {
-  KEPRbaConfiguration::SetParent("a", "b");
-  KEPRbaConfiguration::SetParent("b", "a");
+  KEPHostConfiguration::SetParent("a", "b");
+  KEPHostConfiguration::SetParent("b", "a");
   KEPString text;
   EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("a", "missing", text), E_FAIL);
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "KEPCreateComponent.h"
+#include "KEPHostImages.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
@@ -185,11 +186,11 @@ class HardwareFixture : public keptest::Fixture {
     keptest::Fixture::SetUp();
     unsetenv("KEPStartupPath");
     KEPRshShaderProgramLocator::ForgetProcessCache();
-    KEPTexturePixelImage::FlushCache();
+    KEPHostImages::FlushCache();
     KEPRshViewRegister();
   }
   void TearDown() override {
-    KEPTexturePixelImage::FlushCache();
+    KEPHostImages::FlushCache();
     keptest::Fixture::TearDown();
   }
 };

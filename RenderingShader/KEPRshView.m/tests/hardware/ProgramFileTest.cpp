@@ -141,6 +141,21 @@ TEST_F(ProgramFileTest, StartupPathIsReadOnceForTheProcess) {
             startup.Dir("A") + "/materials/shaders/rsh_default.cgfx");
 }
 
+TEST_F(ProgramFileTest, AMissingStartupPathIsCachedAsMissingUntilAReset) {
+  Startup startup;
+  const std::string inA = startup.File("A", "materials/shaders/rsh_default.cgfx");
+  World world;
+  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  Delegate before(world.Node("mia_phen_material", "n1"));
+  EXPECT_TRUE(before.Program()->GetExternalShader().IsEmpty());
+  setenv("KEPStartupPath", startup.Dir("A").c_str(), 1);
+  Delegate unset(world.Node("mia_phen_material", "n2"));
+  EXPECT_TRUE(unset.Program()->GetExternalShader().IsEmpty()) << "the missing value was not kept";
+  KEPRunProcessResetHooks();
+  Delegate after(world.Node("mia_phen_material", "n3"));
+  EXPECT_EQ(after.Program()->GetExternalShader().ToUTF8(), inA);
+}
+
 TEST_F(ProgramFileTest, ForgettingTheProcessCacheReadsTheStartupPathAgain) {
   Startup startup;
   const std::string inA = startup.File("A", "materials/shaders/rsh_default.cgfx");

@@ -10,7 +10,7 @@ function(run what)
   endif()
   set(last_output "${output}" PARENT_SCOPE)
 endfunction()
-run("install" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+run("install" ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix} --strip)
 run("configure the consumer" ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/build
     -G ${GENERATOR} -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_PREFIX_PATH=${prefix})
 run("build the consumer" ${CMAKE_COMMAND} --build ${WORK_DIR}/build)
@@ -23,10 +23,11 @@ run("the installed rshview" ${prefix}/bin/rshview material --node red_paint)
 if(NOT last_output MATCHES "share/KEPRshView/samples/startup/materials/shaders/MPM_material.cgfx")
   message(FATAL_ERROR "the installed rshview did not use its installed samples:\n${last_output}")
 endif()
-# Nothing installed may name the source tree: the installed files must work anywhere.
+# Nothing installed may name the source tree (no compiled-in path, no __FILE__ of the build
+# machine): the installed files must work anywhere.
 file(GLOB_RECURSE installed ${prefix}/*)
 foreach(file IN LISTS installed)
-  if(file MATCHES "\\.(cmake|h)$")
+  if(file MATCHES "\\.(cmake|h)$" OR file MATCHES "\\.so" OR file MATCHES "/bin/")
     file(STRINGS ${file} hits REGEX "${SOURCE_DIR}")
     if(hits)
       message(FATAL_ERROR "${file} names the source tree: ${hits}")

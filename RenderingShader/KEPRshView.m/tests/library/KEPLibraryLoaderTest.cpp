@@ -7,6 +7,7 @@
 
 #include "KEPConfigurationLoader.h"
 #include "KEPFileText.h"
+#include "KEPHostConfiguration.h"
 #include "KEPHostValueJson.h"
 #include "KEPJsonReader.h"
 #include "KEPShaderDocumentLoader.h"
@@ -126,7 +127,7 @@ TEST_F(LibraryLoader, ConfigurationFaultsNameFileLineAndKey) {
   EXPECT_TRUE(HasError(result, file + ":6: key 'GroupCount':")) << result.Text();
   EXPECT_TRUE(HasError(result, file + ":7: key '@include': unknown directive")) << result.Text();
   // Nothing of a faulty directory reaches the store.
-  EXPECT_FALSE(KEPRbaConfiguration::HasConfiguration("broken"));
+  EXPECT_FALSE(KEPHostConfiguration::HasConfiguration("broken"));
 }
 
 // The loaders refuse what the string codec would turn into U+FFFD, on the line of the first
@@ -177,7 +178,7 @@ TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
   const KEPLoadResult cycle =
       KEPConfigurationLoader::LoadDirectory(DataPath("config_cycle/config"));
   EXPECT_TRUE(HasError(cycle, "a.cfg:1: key '@parent': parent cycle: a -> b -> a")) << cycle.Text();
-  EXPECT_FALSE(KEPRbaConfiguration::HasConfiguration("a"));
+  EXPECT_FALSE(KEPHostConfiguration::HasConfiguration("a"));
 
   TempDir dir;
   dir.Write("config/child.cfg", "# comment\n\n@parent = nowhere\nx.Widget = slider\n");

@@ -7,6 +7,7 @@ if(NOT result EQUAL 0)
 endif()
 string(REPLACE "\n" ";" lines "${output}")
 set(count 0)
+set(factories 0)
 foreach(line IN LISTS lines)
   if(line STREQUAL "")
     continue()
@@ -16,8 +17,27 @@ foreach(line IN LISTS lines)
     message(FATAL_ERROR "${LIBRARY} exports ${symbol}")
   endif()
   math(EXPR count "${count} + 1")
+  if(symbol MATCHES "^CreateTIE")
+    math(EXPR factories "${factories} + 1")
+  endif()
 endforeach()
-if(NOT output MATCHES "KEPRshViewRegister")
-  message(FATAL_ERROR "${LIBRARY} does not export its entry point")
+# What a host needs: the entry point, an adapter factory per registered behaviour and material
+# interface (20 so far), the module's shared rule, and the exported class's life cycle.
+foreach(required IN ITEMS "KEPRshViewRegister"
+                          "KEPRshIsPhysicalShaderType(std::basic_string_view"
+                          "KEPRshShaderHardwareExt::KEPRshShaderHardwareExt(KEPRshShaderHardwareExt const&)"
+                          "KEPRshShaderHardwareExt::operator=(KEPRshShaderHardwareExt const&)"
+                          "KEPRshShaderHardwareExt::~KEPRshShaderHardwareExt()"
+                          "CreateTIEKEPIHardwareMaterialKEPRshShaderHardwareDefault"
+                          "CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink"
+                          "CreateTIEKEPIRshParameterImmLayoutKEPRshParameterScalarImmLayout"
+                          "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog")
+  string(FIND "${output}" "${required}" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "${LIBRARY} does not export ${required}")
+  endif()
+endforeach()
+if(factories LESS 20)
+  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 20 registered")
 endif()
 message(STATUS "${count} exported symbols, all of them the module's own")

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "KEPFileServices.h"
+#include "KEPHostConfiguration.h"
 #include "KEPHostContext.h"
 #include "KEPHostShaderLibrary.h"
+#include "KEPHostUnits.h"
 #include "KEPParmDictionary.h"
 #include "KEPProcessReset.h"
 #include "KEPRbaConfiguration.h"
@@ -16,20 +18,26 @@
 namespace {
 
 int gModuleCacheResets = 0;
+bool gStoresGoneBeforeHook = false;
 void ForgetModuleCache() {
   ++gModuleCacheResets;
+  // A hook runs after the host's own state is gone: the session's values no longer answer.
+  KEPString value;
+  gStoresGoneBeforeHook =
+      FAILED(KEPGetEnv("KEPRSH_CONTEXT_TEST", value)) &&
+      FAILED(KEPRbaConfiguration::GetHierarchicalValue("Paint", "colour.Min", value));
 }
 
 class HostContextTest : public keptest::Fixture {};
 
 TEST_F(HostContextTest, ResetForgetsEveryStoreAndCacheButNotRegistrations) {
-  KEPRbaConfiguration::SetValue("Paint", "colour.Min", "0");
+  KEPHostConfiguration::SetValue("Paint", "colour.Min", "0");
   KEPHostContext::InstallLibrary(std::make_shared<KEPHostShaderLibrary>());
   KEPHostContext::SetEnvironment("KEPRSH_CONTEXT_TEST", "set for this session");
   KEPICkeMagnitude* length = KEPParmDictionary::FindMagnitude(KEPParmDictionary::LengthType);
   ASSERT_NE(length, nullptr);
   ASSERT_EQ(length->SetCurrentUnit(KEPParmDictionary::FindUnit(u"cm")), S_OK);
-  ASSERT_TRUE(KEPParmDictionary::RemoveUnitForTest(u"km"));
+  ASSERT_TRUE(KEPHostUnits::RemoveUnitForTest(u"km"));
   KEPModuleTrace::SetLevel(5);
   int traced = 0;
   KEPTraceSink::Set([&traced](const KEPTraceEntry&) { ++traced; });
@@ -55,9 +63,13 @@ TEST_F(HostContextTest, ResetForgetsEveryStoreAndCacheButNotRegistrations) {
   KEPModuleTrace::SetLevel(0);
   EXPECT_NE(KEPSysPreferenceRepository::GetRepository("Context")->GetValue("group", text), S_OK);
   EXPECT_EQ(gModuleCacheResets, 1);
+  EXPECT_TRUE(gStoresGoneBeforeHook) << "a reset hook ran while the stores still held state";
   // What loaded code registered stays: a reset host still knows its own extensions.
   KEPHostContext::Reset();
   EXPECT_EQ(gModuleCacheResets, 2);
+  KEPUnregisterProcessResetHook(&ForgetModuleCache);
+  KEPHostContext::Reset();
+  EXPECT_EQ(gModuleCacheResets, 2) << "an unregistered hook still runs";
 }
 
 TEST_F(HostContextTest, AnEnvironmentValueOfTheSessionGoesBeforeTheRealOne) {

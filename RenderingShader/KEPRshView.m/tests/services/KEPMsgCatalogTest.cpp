@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "KEPHostCatalogs.h"
 #include "KEPMsgCatalog.h"
 #include "KEPServicesTestUtil.h"
 #include "KEPTestSupport.h"
@@ -20,9 +21,9 @@ class MsgCatalogTest : public ::testing::Test {
  protected:
   MsgCatalogTest() : env_("KEPRSH_RESOURCES", dir_.Path()) {
     std::filesystem::create_directories(dir_.File("msg"));
-    KEPMsgCatalog::Unload();
+    KEPHostCatalogs::Unload();
   }
-  ~MsgCatalogTest() override { KEPMsgCatalog::Unload(); }
+  ~MsgCatalogTest() override { KEPHostCatalogs::Unload(); }
   void Catalog(const std::string& name, const std::string& text) {
     WriteFile(dir_.File("msg/" + name + ".msg"), text);
   }
@@ -95,7 +96,7 @@ TEST_F(MsgCatalogTest, BadLinesAreSkippedWithFileLineAndKey) {
 // The bundled catalogues hold a text for every key the editors ask for.
 TEST(BundledCatalogues, EveryKeyTheEditorsUseHasItsOwnText) {
   keptest::ScopedEnv env("KEPRSH_RESOURCES", std::nullopt);
-  KEPMsgCatalog::Unload();
+  KEPHostCatalogs::Unload();
   const std::pair<const char*, std::vector<const char*>> used[] = {
       {"KEPRshShaderFrame",
        {"connect.Title", "connect.Help", "connect.ShortHelp", "connect.LongHelp",
@@ -119,7 +120,7 @@ TEST(BundledCatalogues, EveryKeyTheEditorsUseHasItsOwnText) {
   // Lead-ins that a unit symbol or an alias follows directly end with a blank.
   EXPECT_EQ(Msg("KEPRshShaderFrame", "UnitTooltip.ShortHelp") + "mm", "Unit: mm");
   EXPECT_EQ(Msg("KEPRshConnectionDialog", "ConnectLabel").back(), ' ');
-  KEPMsgCatalog::Unload();
+  KEPHostCatalogs::Unload();
 }
 
 }  // namespace

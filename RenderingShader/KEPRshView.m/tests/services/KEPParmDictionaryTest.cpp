@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "KEPHostUnits.h"
 #include "KEPParmDictionary.h"
 #include "KEP_var.h"
 
@@ -15,8 +16,8 @@ KEPUnicodeString U(const char* text) {
 class ParmDictionaryTest : public ::testing::Test {
  protected:
   void TearDown() override {
-    KEPParmDictionary::RestoreUnitsForTest();
-    KEPParmDictionary::ResetCurrentUnits();
+    KEPHostUnits::RestoreUnitsForTest();
+    KEPHostUnits::ResetCurrentUnits();
   }
 };
 
@@ -94,7 +95,7 @@ TEST_F(ParmDictionaryTest, CurrentUnitDefaultsToBaseAndFollowsTheUsersChoice) {
   EXPECT_EQ(length->SetCurrentUnit(nullptr), E_INVALIDARG);
   EXPECT_EQ(length->CurrentUnit()->Name().ToUTF8(), "in");
 
-  KEPParmDictionary::ResetCurrentUnits();
+  KEPHostUnits::ResetCurrentUnits();
   EXPECT_EQ(length->CurrentUnit(), length->BaseUnit());
 }
 
@@ -114,13 +115,13 @@ TEST_F(ParmDictionaryTest, UnitsOfAMagnitudeListEachUnitOnceBaseFirst) {
 
 TEST_F(ParmDictionaryTest, ARemovedUnitIsUnknownUntilRestoredAndStaysUsable) {
   KEPICkeUnit* mm = KEPParmDictionary::FindUnit(U("mm"));
-  ASSERT_TRUE(KEPParmDictionary::RemoveUnitForTest(U("mm")));
-  ASSERT_TRUE(KEPParmDictionary::RemoveUnitForTest(U("MM")));
-  EXPECT_FALSE(KEPParmDictionary::RemoveUnitForTest(U("mm")));
+  ASSERT_TRUE(KEPHostUnits::RemoveUnitForTest(U("mm")));
+  ASSERT_TRUE(KEPHostUnits::RemoveUnitForTest(U("MM")));
+  EXPECT_FALSE(KEPHostUnits::RemoveUnitForTest(U("mm")));
   EXPECT_EQ(KEPParmDictionary::FindUnit(U("mm")), nullptr);
   EXPECT_EQ(KEPParmDictionary::FindUnit(U("MM")), nullptr);
   EXPECT_EQ(mm->ToBase(2.0), 2.0);  // a pointer handed out earlier still works
-  KEPParmDictionary::RestoreUnitsForTest();
+  KEPHostUnits::RestoreUnitsForTest();
   EXPECT_EQ(KEPParmDictionary::FindUnit(U("mm")), mm);
   EXPECT_EQ(KEPParmDictionary::FindUnit(U("MM")), mm);
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "KEPHostRecorder.h"
 #include "KEPRecord.h"
 #include "KEPServicesTestUtil.h"
 #include "KEPTestSupport.h"
@@ -11,8 +12,8 @@ using keptest::WriteFile;
 
 class RecordTest : public ::testing::Test {
  protected:
-  void SetUp() override { KEPRecord::Stop(); }
-  void TearDown() override { KEPRecord::Stop(); }
+  void SetUp() override { KEPHostRecorder::Stop(); }
+  void TearDown() override { KEPHostRecorder::Stop(); }
   keptest::TempDir dir_;
 };
 
@@ -23,25 +24,25 @@ const char* const kModuleSettings[] = {"LayoutParameterSortingLevel",
 TEST_F(RecordTest, OffAnswersTheBuiltInLevels) {
   EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Off);
   for (const char* name : kModuleSettings) EXPECT_EQ(KEPRecord::GetSoftwareLevel(name), 1) << name;
-  EXPECT_TRUE(KEPRecord::RecordedLevels().empty());
+  EXPECT_TRUE(KEPHostRecorder::RecordedLevels().empty());
 }
 
 TEST_F(RecordTest, CaptureThenReplayRoundTrip) {
   const std::string path = dir_.File("session.rec");
-  ASSERT_EQ(KEPRecord::StartCapture(path), S_OK);
+  ASSERT_EQ(KEPHostRecorder::StartCapture(path), S_OK);
   EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Capture);
   EXPECT_EQ(ReadFile(path), "{\n  \"softwareLevels\": {}\n}\n");  // exists from the start
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("RNDRSHColorParameterColorPicker"), 1);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
-  KEPRecord::Stop();
+  KEPHostRecorder::Stop();
   EXPECT_EQ(ReadFile(path),
             "{\n  \"softwareLevels\": {\n    \"LayoutParameterSortingLevel\": 1,\n"
             "    \"RNDRSHColorParameterColorPicker\": 1\n  }\n}\n");
 
-  ASSERT_EQ(KEPRecord::StartReplay(path), S_OK);
+  ASSERT_EQ(KEPHostRecorder::StartReplay(path), S_OK);
   EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Replay);
-  EXPECT_EQ(KEPRecord::GetRecordPath(), path);
+  EXPECT_EQ(KEPHostRecorder::GetRecordPath(), path);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("RNDRSHColorParameterColorPicker"), 1);
   // Not asked during the capture: a replay answers 0 for it.
@@ -52,7 +53,7 @@ TEST_F(RecordTest, ReplayAnswersRecordedLevelsEvenWhenTheyDifferFromTheBuiltIn) 
   const std::string path = dir_.File("older.rec");
   WriteFile(path, R"({"softwareLevels": {"KEPRmaUIParameterConfiguration": 2,
                                          "LayoutParameterSortingLevel": 0}})");
-  ASSERT_EQ(KEPRecord::StartReplay(path), S_OK);
+  ASSERT_EQ(KEPHostRecorder::StartReplay(path), S_OK);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("KEPRmaUIParameterConfiguration"), 2);
   EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 0);
   EXPECT_EQ(KEPRecord::GetBuiltInLevel("KEPRmaUIParameterConfiguration"), 1);
@@ -75,7 +76,7 @@ TEST_F(RecordTest, AnUnusableRecordLeavesTheRecorderOffWithAnError) {
     const std::string path = dir_.File(std::string(row.what) + ".rec");
     if (row.content) WriteFile(path, row.content);
     keptest::TraceCapture traces;
-    EXPECT_EQ(KEPRecord::StartReplay(path), E_FAIL);
+    EXPECT_EQ(KEPHostRecorder::StartReplay(path), E_FAIL);
     EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Off);
     EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
     ASSERT_EQ(traces.Entries().size(), 1u);
@@ -84,7 +85,7 @@ TEST_F(RecordTest, AnUnusableRecordLeavesTheRecorderOffWithAnError) {
     EXPECT_TRUE(traces.Contains(row.fragment)) << traces.Entries()[0].text;
   }
   keptest::TraceCapture traces;
-  EXPECT_EQ(KEPRecord::StartCapture(dir_.File("missing/dir.rec")), E_FAIL);
+  EXPECT_EQ(KEPHostRecorder::StartCapture(dir_.File("missing/dir.rec")), E_FAIL);
   EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Off);
   EXPECT_EQ(traces.Entries().size(), 1u);
 }

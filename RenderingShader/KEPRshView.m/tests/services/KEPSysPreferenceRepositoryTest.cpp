@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "KEPAtomicFile.h"
+#include "KEPHostPreferences.h"
 #include "KEPServicesTestUtil.h"
 #include "KEPSysPreferenceRepository.h"
 #include "KEPTestSupport.h"
@@ -19,13 +20,13 @@ using keptest::WriteFile;
 class PreferenceTest : public ::testing::Test {
  protected:
   PreferenceTest() : file_(dir_.File("prefs/preferences.json")), env_("KEPRSH_PREFERENCES", file_) {
-    KEPSysPreferenceRepository::Unload();
+    KEPHostPreferences::Unload();
   }
-  ~PreferenceTest() override { KEPSysPreferenceRepository::Unload(); }
+  ~PreferenceTest() override { KEPHostPreferences::Unload(); }
 
   /// Forgets the in-memory state, as a new session would.
   static KEPSysPreferenceRepository* Reopen(const char* name) {
-    KEPSysPreferenceRepository::Unload();
+    KEPHostPreferences::Unload();
     return KEPSysPreferenceRepository::GetRepository(name);
   }
 
@@ -105,24 +106,24 @@ TEST_F(PreferenceTest, RepositoriesAreSharedByNameAndCanBeMadeUnavailable) {
   EXPECT_EQ(KEPSysPreferenceRepository::GetRepository("X"),
             KEPSysPreferenceRepository::GetRepository("X"));
   EXPECT_EQ(KEPSysPreferenceRepository::GetRepository(""), nullptr);
-  KEPSysPreferenceRepository::SetUnavailableForTest("KEPRmaUIGroupExpansion", true);
+  KEPHostPreferences::SetUnavailableForTest("KEPRmaUIGroupExpansion", true);
   EXPECT_EQ(KEPSysPreferenceRepository::GetRepository("KEPRmaUIGroupExpansion"), nullptr);
-  KEPSysPreferenceRepository::SetUnavailableForTest("KEPRmaUIGroupExpansion", false);
+  KEPHostPreferences::SetUnavailableForTest("KEPRmaUIGroupExpansion", false);
   EXPECT_NE(KEPSysPreferenceRepository::GetRepository("KEPRmaUIGroupExpansion"), nullptr);
 }
 
 TEST_F(PreferenceTest, FileLocationFollowsTheEnvironment) {
-  EXPECT_EQ(KEPSysPreferenceRepository::FilePath(), file_);
+  EXPECT_EQ(KEPHostPreferences::FilePath(), file_);
   keptest::ScopedEnv noOverride("KEPRSH_PREFERENCES", std::nullopt);
   {
     keptest::ScopedEnv xdg("XDG_CONFIG_HOME", "/cfg");
-    EXPECT_EQ(KEPSysPreferenceRepository::FilePath(), "/cfg/rshview/preferences.json");
+    EXPECT_EQ(KEPHostPreferences::FilePath(), "/cfg/rshview/preferences.json");
   }
   keptest::ScopedEnv noXdg("XDG_CONFIG_HOME", std::nullopt);
   keptest::ScopedEnv home("HOME", "/home/u");
-  EXPECT_EQ(KEPSysPreferenceRepository::FilePath(), "/home/u/.config/rshview/preferences.json");
+  EXPECT_EQ(KEPHostPreferences::FilePath(), "/home/u/.config/rshview/preferences.json");
   keptest::ScopedEnv noHome("HOME", std::nullopt);
-  EXPECT_EQ(KEPSysPreferenceRepository::FilePath(), "");
+  EXPECT_EQ(KEPHostPreferences::FilePath(), "");
 }
 
 TEST_F(PreferenceTest, MalformedFilesAreSetAsideWithAWarningNamingFileAndLine) {
@@ -229,4 +230,12 @@ TEST(AtomicFileDeathTest, AWriteCutShortLeavesTheOldFileWhole) {
   EXPECT_EQ(ReadFile(path), old);
 }
 
+}  // namespace
+
+namespace {
+TEST_F(PreferenceTest, TextThatIsNotUtf8NeverThrowsThroughACommit) {
+  KEPSysPreferenceRepository* repo = KEPSysPreferenceRepository::GetRepository("R");
+  ASSERT_EQ(repo->SetValue("Gr\xE9sil", "v\xFF"), S_OK);
+  EXPECT_NO_THROW(EXPECT_EQ(repo->Commit(), S_OK));
+}
 }  // namespace

@@ -1,4 +1,5 @@
 #include "KEPTestSupport.h"
+#include "KEPHostConfiguration.h"
 
 #include <unistd.h>
 
@@ -36,7 +37,7 @@ bool TraceCapture::Contains(const std::string& fragment) const {
 }
 
 void Config(const std::string& id, std::initializer_list<std::pair<std::string, std::string>> kv) {
-  for (const auto& [key, value] : kv) KEPRbaConfiguration::SetValue(id, key, value);
+  for (const auto& [key, value] : kv) KEPHostConfiguration::SetValue(id, key, value);
 }
 
 KEPHostValue Boolean(bool v) {
