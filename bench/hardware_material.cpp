@@ -7,6 +7,7 @@
 #include <string>
 
 #include "KEPCreateComponent.h"
+#include "KEPHostContext.h"
 #include "KEPHostShaderDocument.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
@@ -129,6 +130,7 @@ KEPHostShaderTypeDefinition TextureType() {
 }
 
 void FullSet(benchmark::State& state, Kind kind) {
+  KEPHostContext host;
   KEPRshViewRegister();
   setenv("KEPStartupPath", (std::string(KEPRSH_SOURCE_ROOT) + "/samples/startup").c_str(), 0);
   auto library = std::make_shared<KEPHostShaderLibrary>();

@@ -8,6 +8,9 @@
 // component's reference count, so a reference to an extension keeps its component alive.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -94,3 +97,5 @@ I* KEPQuery(KEPIUnknown* object) {
   if (object) object->QueryInterface(I::IID(), reinterpret_cast<void**>(&out));
   return out;
 }
+
+#pragma GCC visibility pop

@@ -1,6 +1,9 @@
 // Weak reference to a KEPBaseUnknown: reads null once the object is gone.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <memory>
 
 #include "KEPBaseUnknown.h"
@@ -24,3 +27,5 @@ class KEPBaseUnknown_WR {
  private:
   std::shared_ptr<KEPWeakRemnant> remnant_;
 };
+
+#pragma GCC visibility pop

@@ -4,6 +4,9 @@
 // (the class's CreateItself) and its interface adapter factory CreateTIE<Interface><Class>.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <string>
 #include <string_view>
 
@@ -45,3 +48,5 @@ class KEPExtensionRegistry {
 
 #define KEP_DECLARE_TIE(Interface, Class) \
   KEP_EXPORT KEPIUnknown* CreateTIE##Interface##Class(KEPBaseUnknown* implementation);
+
+#pragma GCC visibility pop

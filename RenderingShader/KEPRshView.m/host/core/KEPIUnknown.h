@@ -6,6 +6,9 @@
 // E_NOINTERFACE, never an exception.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPTypes.h"
 
 class KEPIUnknown;
@@ -47,3 +50,5 @@ void* KEPCastTo(KEPIUnknown* object) {
     static const KEPIID id{#Interface, &KEPCastTo<Interface>}; \
     return id;                                                 \
   }
+
+#pragma GCC visibility pop

@@ -3,6 +3,9 @@
 // says who owns the elements.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 template <class T>
@@ -19,3 +22,5 @@ class KEPListP {
  private:
   std::vector<T*> items_;
 };
+
+#pragma GCC visibility pop

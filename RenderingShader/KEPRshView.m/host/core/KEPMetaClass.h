@@ -2,6 +2,9 @@
 // life of the process.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <string_view>
 
 /// Kind of class in the object model.
@@ -69,3 +72,5 @@ class KEPMetaClass {
 
 #define KEP_IMPLEMENT_CLASS(Class, Base, Framework) \
   KEP_IMPLEMENT_CLASS_EX(Class, Base, "KEPNull", Framework, KEPClassKind_Implementation, "")
+
+#pragma GCC visibility pop

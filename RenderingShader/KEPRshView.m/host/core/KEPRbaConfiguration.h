@@ -2,6 +2,9 @@
 // configuration to fall back on.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <string>
 #include <vector>
 
@@ -19,3 +22,5 @@ class KEPRbaConfiguration {
   /// fits 32 bits; anything else is E_FAIL with `out` untouched.
   static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, int& out);
 };
+
+#pragma GCC visibility pop

@@ -2,6 +2,9 @@
 // that a renderer never reads a half-written value. Scoped and re-entrant on one thread.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <mutex>
 
 class KEPRdgRenderLock {
@@ -14,3 +17,5 @@ class KEPRdgRenderLock {
   /// The process-wide mutex, for a render thread that locks it itself.
   static std::recursive_mutex& Mutex();
 };
+
+#pragma GCC visibility pop

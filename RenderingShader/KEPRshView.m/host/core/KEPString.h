@@ -5,6 +5,9 @@
 // fails and never throws: what cannot be converted becomes U+FFFD.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <compare>
 #include <string>
 #include <string_view>
@@ -56,3 +59,5 @@ std::string KEPToLower(std::string_view text);
 std::string KEPToUpper(std::string_view text);
 /// `text` without its leading and trailing blanks (spaces, tabs, carriage returns).
 std::string_view KEPTrimBlanks(std::string_view text);
+
+#pragma GCC visibility pop

@@ -3,6 +3,9 @@
 // the application prints and tests capture.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <functional>
 #include <string>
 
@@ -70,3 +73,5 @@ void KEPAssertReport(const char* condition, const char* sourcePath, int line);
   do {                                                                      \
     if (!(expr)) KEPAssertFatalReport(conditionText, sourcePath, __LINE__); \
   } while (0)
+
+#pragma GCC visibility pop

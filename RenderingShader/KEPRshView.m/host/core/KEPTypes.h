@@ -1,6 +1,9 @@
 // Result codes and the small scalar types shared by every host interface.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <cstdint>
 
 /// Marks what a library built with hidden visibility exports to its host: entry points,
@@ -27,3 +30,5 @@ inline constexpr bool FAILED(HRESULT hr) {
 
 /// Text of a result code for messages ("S_OK", "E_FAIL", or the hexadecimal value).
 const char* KEPResultName(HRESULT hr);
+
+#pragma GCC visibility pop

@@ -1,6 +1,9 @@
 // Smart handles: KEP_var<T> holds one reference and releases it; NULL_var is the empty handle.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <utility>
 
 #include "KEPIUnknown.h"
@@ -77,3 +80,5 @@ template <class I, class U>
 KEP_var<I> KEPQueryVar(const KEP_var<U>& object) {
   return KEPQueryVar<I>(object.Get());
 }
+
+#pragma GCC visibility pop

@@ -2,6 +2,9 @@
 // path, and file access tests.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPString.h"
 #include "KEPTypes.h"
 
@@ -22,3 +25,5 @@ int KEPFileAccess(const char* path, int mode);
 inline constexpr char KEPSearchPathSeparator = ';';
 /// Separator of directories in a path on this platform.
 inline constexpr char KEPPathSeparator = '/';
+
+#pragma GCC visibility pop

@@ -1,6 +1,9 @@
 // Pixel images read from PNG files: 8-bit RGBA pixels, rows from the top.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <cstdint>
 #include <vector>
 
@@ -51,3 +54,5 @@ class KEPTexturePixelImage : public KEPPixelImage {
   KEPUnicodeString path_;
   int readOnlyState_ = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPString.h"
 #include "KEPTypes.h"
 
@@ -19,3 +22,5 @@ class KEPRbaImageServices {
   static void SplitPath(const KEPUnicodeString& path, KEPUnicodeString& base,
                         KEPUnicodeString& extension);
 };
+
+#pragma GCC visibility pop

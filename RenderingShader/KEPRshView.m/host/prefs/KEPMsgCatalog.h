@@ -3,6 +3,9 @@
 // set, else the directory the host was built with.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <string>
 #include <vector>
 
@@ -25,3 +28,5 @@ class KEPMsgCatalog {
   /// else share/KEPRshView/resources beside the host library's directory.
   static std::string ResourcesDirectory();
 };
+
+#pragma GCC visibility pop

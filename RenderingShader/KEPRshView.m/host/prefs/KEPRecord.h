@@ -11,6 +11,9 @@
 // Record file (JSON): { "softwareLevels": { "<setting>": <level>, ... } }
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <map>
 #include <string>
 
@@ -29,3 +32,5 @@ class KEPRecord {
 
   static KEPRecordMode GetMode();
 };
+
+#pragma GCC visibility pop

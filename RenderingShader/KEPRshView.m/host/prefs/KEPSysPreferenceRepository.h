@@ -7,6 +7,9 @@
 // one repository never writes another's uncommitted changes.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <map>
 #include <string>
 #include <variant>
@@ -64,3 +67,5 @@ class KEPSysPreferenceRepository {
   Values values_;     ///< working state
   Values committed_;  ///< state in the file (or to be written to it)
 };
+
+#pragma GCC visibility pop

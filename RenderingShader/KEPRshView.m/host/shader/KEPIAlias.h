@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 #include "KEPString.h"
 
@@ -9,3 +12,5 @@ class KEPIAlias : public virtual KEPIUnknown {
   virtual HRESULT GetAlias(KEPUnicodeString& alias) = 0;
   virtual HRESULT SetAlias(const KEPUnicodeString& alias) = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -15,3 +18,5 @@ class KEPIPLMDmtDocument : public virtual KEPIUnknown {
   virtual HRESULT GetDpi(double& dpi) = 0;
   virtual HRESULT GetGroups(std::vector<KEPString>& groups) = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -42,3 +45,5 @@ class KEPIRshParameter : public virtual KEPIUnknown {
   /// Connects `shader` (null disconnects).
   virtual HRESULT SetConnectedShader(KEPIRshShader* shader) = 0;
 };
+
+#pragma GCC visibility pop

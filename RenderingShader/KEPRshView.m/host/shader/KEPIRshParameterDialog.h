@@ -6,6 +6,9 @@
 // E_NOTIMPL). Outputs are left untouched on failure.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -73,3 +76,5 @@ class KEPIRshParameterDialog : public virtual KEPIUnknown {
   /// The kind words this type's classic frame tells apart (empty for types without a choice).
   virtual HRESULT GetWidgetKinds(std::vector<KEPString>& kinds) = 0;
 };
+
+#pragma GCC visibility pop

@@ -8,6 +8,9 @@
 // the configuration store otherwise.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -108,3 +111,5 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   /// The kind words this type's immersive widgets tell apart (empty for types without a choice).
   virtual HRESULT GetWidgetKinds(std::vector<KEPString>& kinds) = 0;
 };
+
+#pragma GCC visibility pop

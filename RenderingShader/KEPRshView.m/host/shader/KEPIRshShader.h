@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -25,3 +28,5 @@ class KEPIRshShader : public virtual KEPIUnknown {
   /// The parameters (of any node) connected to this node, in connection order.
   virtual HRESULT GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>& pointing) = 0;
 };
+
+#pragma GCC visibility pop

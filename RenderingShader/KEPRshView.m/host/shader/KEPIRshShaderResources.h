@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 #include "KEPString.h"
 
@@ -10,3 +13,5 @@ class KEPIRshShaderResources : public virtual KEPIUnknown {
   virtual HRESULT GetResourceValue(const KEPString& parameterName, const KEPString& key,
                                    KEPUnicodeString& value) = 0;
 };
+
+#pragma GCC visibility pop

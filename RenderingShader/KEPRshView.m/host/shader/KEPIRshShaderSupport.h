@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -20,3 +23,5 @@ class KEPIRshShaderSupport : public virtual KEPIUnknown {
   virtual HRESULT CreateShader(const KEPString& typeName, const KEPString& id,
                                KEPIRshShader*& shader) = 0;
 };
+
+#pragma GCC visibility pop

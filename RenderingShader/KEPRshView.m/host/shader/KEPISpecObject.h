@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPBaseUnknown.h"
 
 /// A specification object: knows the object that owns it (a parameter's father is its shader).
@@ -8,3 +11,5 @@ class KEPISpecObject : public virtual KEPIUnknown {
   /// The father with a reference for the caller; E_FAIL and null when there is none.
   virtual HRESULT GetFather(KEPBaseUnknown*& father) = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,6 +1,9 @@
 // Shortcuts over the shader model used by the editors.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPString.h"
@@ -29,3 +32,5 @@ class KEPRshParameterServices {
   /// Called by the shader model when a connection changes.
   static void NoteConnectionChange();
 };
+
+#pragma GCC visibility pop

@@ -2,6 +2,9 @@
 // creation of new nodes.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPString.h"
@@ -31,3 +34,5 @@ class KEPRshShaderManager {
   KEPRshShaderManager() = default;
   virtual ~KEPRshShaderManager() = default;
 };
+
+#pragma GCC visibility pop

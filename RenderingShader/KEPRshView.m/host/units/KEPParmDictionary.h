@@ -2,6 +2,9 @@
 // radian) in which models store values, and a current display unit that the user chooses.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <vector>
 
 #include "KEPIUnknown.h"
@@ -57,3 +60,5 @@ class KEPParmDictionary {
   /// The distinct units measuring `magnitude`, base unit first (borrowed); empty for null.
   static std::vector<KEPICkeUnit*> UnitsOf(const KEPICkeMagnitude* magnitude);
 };
+
+#pragma GCC visibility pop

@@ -3,6 +3,9 @@
 // shader node towards the viewer).
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPBaseUnknown.h"
 
 class KEPLateTypeComponent : public KEPBaseUnknown {
@@ -18,3 +21,5 @@ class KEPLateTypeComponent : public KEPBaseUnknown {
 /// A new component of `lateType` with one reference for the caller, or null for an empty name.
 /// Queries for interfaces reach the extensions registered for that late type.
 KEPBaseUnknown* KEPCreateComponent(const char* lateType);
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 #include "KEPVisTypes.h"
 
@@ -35,3 +38,5 @@ class KEPIHardwareMaterial : public virtual KEPIUnknown {
   virtual HRESULT GetMatrix(KEPMathTransformation& matrix) = 0;
   virtual HRESULT SetMatrix(const KEPMathTransformation& matrix) = 0;
 };
+
+#pragma GCC visibility pop

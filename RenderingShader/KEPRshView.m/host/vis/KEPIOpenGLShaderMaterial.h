@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 #include "KEPString.h"
 #include "KEPVisTypes.h"
@@ -96,3 +99,5 @@ class KEPIOpenGLShaderMaterial : public virtual KEPIUnknown {
   virtual int UpdateSubstanceOutputMaps(const KEPString& output) = 0;
   virtual void GenerateSubstanceOutputMaps(unsigned char generate) = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 
 /// How a texture is placed on a surface: mapping type, ratio, rotation, scale, flips, offsets.
@@ -19,3 +22,5 @@ class KEPIRmaMappingManipulator : public virtual KEPIUnknown {
   virtual HRESULT SetTranslationU(double& translation) = 0;
   virtual HRESULT SetTranslationV(double& translation) = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 
 class KEPTexturePixelImage;
@@ -19,3 +22,5 @@ class KEPIRmaMappingManipulatorMaterial : public virtual KEPIUnknown {
   /// The texture image with a reference for the caller, or null.
   virtual KEPTexturePixelImage* GetTexturePixelImage() = 0;
 };
+
+#pragma GCC visibility pop

@@ -1,5 +1,8 @@
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include "KEPIUnknown.h"
 
 class KEPIRshShader;
@@ -12,3 +15,5 @@ class KEPIRshShaderLink : public virtual KEPIUnknown {
   /// The held shader with a reference for the caller; E_FAIL, `out` untouched, when none.
   virtual HRESULT GetShader(KEPIRshShader*& out) = 0;
 };
+
+#pragma GCC visibility pop

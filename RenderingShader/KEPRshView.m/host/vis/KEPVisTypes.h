@@ -2,6 +2,9 @@
 // viewer does not use them beyond passing them through, so they are kept minimal.
 #pragma once
 
+// Host types have one identity in every library that uses them (see KEP_EXPORT).
+#pragma GCC visibility push(default)
+
 #include <string_view>
 #include <vector>
 
@@ -47,3 +50,5 @@ class KEPListValKEPString {
  private:
   std::vector<KEPString> items_;
 };
+
+#pragma GCC visibility pop

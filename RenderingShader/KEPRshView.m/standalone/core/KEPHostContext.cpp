@@ -62,6 +62,10 @@ void RegisterHostExtensions() {
   (void)registered;
 }
 
+// The host starts when its library is loaded: its own extensions are there before any program
+// code can ask for them, with or without a context.
+[[maybe_unused]] const bool gHostExtensionsRegistered = (RegisterHostExtensions(), true);
+
 /// Environment values set for this process (KEPHostContext::SetEnvironment).
 struct EnvironmentOverrides {
   std::map<std::string, std::string, std::less<>> values;

@@ -5,13 +5,20 @@
 #include <filesystem>
 
 #include "KEPCreateComponent.h"
+#include "KEPExtensionRegistry.h"
 #include "KEPHostContext.h"
 #include "KEPIHardwareMaterial.h"
+#include "KEPIRshShaderLink.h"
 #include "KEPMsgCatalog.h"
 #include "KEPRshViewModule.h"
 #include "KEP_var.h"
 
 int main() {
+  // Loading the host starts it: its own extensions exist before any context.
+  if (!KEPExtensionRegistry::Find("KEPRshShader", KEPIRshShaderLink::IID().name)) {
+    std::puts("consumer: the host did not register its node link when it was loaded");
+    return 1;
+  }
   KEPHostContext host;
   KEPRshViewRegister();
   auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
