@@ -5,7 +5,8 @@
 
 #include "KEPBaseUnknown.h"
 
-/// A specification object: knows the object that owns it (a parameter's father is its shader).
+/// An element of the shader model that knows the element owning it: a parameter's father is
+/// its shader node.
 class KEPISpecObject : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPISpecObject)
   /// The father with a reference for the caller; E_FAIL and null when there is none.
