@@ -9,6 +9,7 @@
 
 #include "KEPConfigurationLoader.h"
 #include "KEPHostContext.h"
+#include "KEPHostShaderManager.h"
 #include "KEPRbaConfiguration.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshViewModule.h"
@@ -191,7 +192,7 @@ int Load(RshviewContext& context) {
   std::error_code ec;
   if (fs::exists(config, ec) && !report(KEPConfigurationLoader::LoadDirectory(config.string())))
     return kExitFailure;
-  KEPHostContext::InstallLibrary(library);
+  KEPHostShaderManager::Install(library);
 
   KEP_var<KEPHostShaderDocument> document;
   if (!report(KEPShaderDocumentLoader::Load(options.doc, library, document))) return kExitFailure;

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "KEPFileServices.h"
-#include "KEPHostShaderManager.h"
 #include "KEPHostShaderNodeLink.h"
 #include "KEPProcessReset.h"
 #include "KEPTrace.h"
@@ -119,10 +118,6 @@ void KEPHostContext::Reset() {
   RegisterHostExtensions();
   TheSlots().DestroyAll();
   KEPRunProcessResetHooks();
-}
-
-void KEPHostContext::InstallLibrary(const std::shared_ptr<const KEPHostShaderLibrary>& library) {
-  KEPHostShaderManager::Install(library);
 }
 
 void KEPHostContext::SetEnvironment(const std::string& name, const std::string& value) {

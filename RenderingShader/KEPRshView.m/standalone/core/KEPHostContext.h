@@ -10,12 +10,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-
-class KEPHostShaderLibrary;
 
 class KEPHostContext {
  public:
@@ -30,9 +27,6 @@ class KEPHostContext {
   /// Destroys every state object (newest first), then runs the registered reset hooks. Unsaved
   /// preference changes are dropped. Makes the host's own registrations first if no context did.
   static void Reset();
-
-  /// Installs the library that the shader manager answers from; null removes the manager.
-  static void InstallLibrary(const std::shared_ptr<const KEPHostShaderLibrary>& library);
 
   /// Gives KEPGetEnv `value` for `name` until the next reset, ahead of the real environment
   /// (which is never changed).

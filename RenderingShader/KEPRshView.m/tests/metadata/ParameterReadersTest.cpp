@@ -2,7 +2,7 @@
 // fallbacks and the outputs left alone on failure.
 #include <cmath>
 
-#include "KEPHostContext.h"
+#include "KEPHostShaderManager.h"
 #include "KEPParmDictionary.h"
 #include "MetadataTestSupport.h"
 
@@ -16,7 +16,7 @@ class ReadersTest : public MetadataTest {
   void SetUp() override {
     MetadataTest::SetUp();
     // The fixture's reset ran after the world was built: give the world its manager back.
-    KEPHostContext::InstallLibrary(world.library);
+    KEPHostShaderManager::Install(world.library);
     world.Add(Type("plain", "plainCfg")
                   .Param("x", Scalar(1))
                   .Param("n", Integer(0))
@@ -526,7 +526,7 @@ TEST_F(ReadersTest, ConnectableStateFromKeyOrShaderManager) {
 }
 
 TEST_F(ReadersTest, ConnectableStateWithoutManagerIsNoAndFailure) {
-  KEPHostContext::InstallLibrary(nullptr);
+  KEPHostShaderManager::Install(nullptr);
   KEPString state = "keep";
   EXPECT_EQ(PlainImm("c")->GetConnectableState(state), E_FAIL);
   EXPECT_EQ(state, "No");

@@ -5,6 +5,7 @@
 #include "KEPHostConfiguration.h"
 #include "KEPHostContext.h"
 #include "KEPHostShaderLibrary.h"
+#include "KEPHostShaderManager.h"
 #include "KEPHostUnits.h"
 #include "KEPParmDictionary.h"
 #include "KEPProcessReset.h"
@@ -32,7 +33,7 @@ class HostContextTest : public keptest::Fixture {};
 
 TEST_F(HostContextTest, ResetForgetsEveryStoreAndCacheButNotRegistrations) {
   KEPHostConfiguration::SetValue("Paint", "colour.Min", "0");
-  KEPHostContext::InstallLibrary(std::make_shared<KEPHostShaderLibrary>());
+  KEPHostShaderManager::Install(std::make_shared<KEPHostShaderLibrary>());
   KEPHostContext::SetEnvironment("KEPRSH_CONTEXT_TEST", "set for this session");
   KEPICkeMagnitude* length = KEPParmDictionary::FindMagnitude(KEPParmDictionary::LengthType);
   ASSERT_NE(length, nullptr);

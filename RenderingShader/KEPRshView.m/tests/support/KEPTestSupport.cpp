@@ -1,5 +1,6 @@
 #include "KEPTestSupport.h"
 #include "KEPHostConfiguration.h"
+#include "KEPHostShaderManager.h"
 
 #include <unistd.h>
 
@@ -98,11 +99,11 @@ World::World() : library(std::make_shared<KEPHostShaderLibrary>()) {
 
 World::~World() {
   document_.Reset();
-  KEPHostContext::InstallLibrary(nullptr);
+  KEPHostShaderManager::Install(nullptr);
 }
 
 void World::Rebuild() {
-  KEPHostContext::InstallLibrary(library);
+  KEPHostShaderManager::Install(library);
   if (!document_)
     document_ = KEP_var<KEPHostShaderDocument>::Adopt(KEPHostShaderDocument::Create(library));
 }
