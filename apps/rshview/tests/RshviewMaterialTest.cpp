@@ -27,6 +27,13 @@ TEST(RshviewMaterial, PhysicalPaintDrawsWithTheCommonProgramAndItsTexture) {
       << "a physical type never uses its own program while the common one exists";
 }
 
+TEST(RshviewMaterial, ABumpConnectedBeforeTheTextureDoesNotHideIt) {
+  // The wall's "bump" slot comes before "diffuse_texture": only the texture shader answers.
+  const Json wall = Material({"--node", "plaster_wall"});
+  ASSERT_TRUE(wall["texture"]["image"].is_object()) << wall.dump();
+  EXPECT_TRUE(wall["texture"]["image"]["path"].get<std::string>().ends_with("/checker.png"));
+}
+
 TEST(RshviewMaterial, StickerModeSwitchesTheProgramUsed) {
   const Outcome plain = Rshview({"material", "--node", "red_paint"});
   const Outcome sticker = Rshview({"material", "--node", "red_paint", "--sticker"});

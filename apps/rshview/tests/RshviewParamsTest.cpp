@@ -132,7 +132,7 @@ TEST(RshviewParams, JsonOfANodeAndOfAllNodes) {
   const auto json = nlohmann::json::parse(run.out);
   EXPECT_EQ(json["id"], "floor");
   EXPECT_EQ(json["configuration"], "mia_phen_material");
-  ASSERT_EQ(json["parameters"].size(), 21u);
+  ASSERT_EQ(json["parameters"].size(), 22u);
   const auto& params = json["parameters"];
   auto find = [&](const std::string& name) {
     for (const auto& p : params)
@@ -160,11 +160,11 @@ TEST(RshviewParams, JsonOfANodeAndOfAllNodes) {
   const Outcome all = Rshview({"params", "--node=all", "--format=json"});
   ASSERT_EQ(all.code, 0) << all.err;
   const auto nodes = nlohmann::json::parse(all.out)["nodes"];
-  ASSERT_EQ(nodes.size(), 6u);
-  EXPECT_EQ(nodes[4]["id"], "window");
+  ASSERT_EQ(nodes.size(), 9u);
+  EXPECT_EQ(nodes[7]["id"], "window");
   // The frosted glass reads its widget and range from its shader resources.
-  EXPECT_EQ(nodes[4]["parameters"][1]["range"]["step"], "0.05");
-  EXPECT_EQ(nodes[4]["parameters"][5]["enumeration"][2]["label"], "High");
+  EXPECT_EQ(nodes[7]["parameters"][1]["range"]["step"], "0.05");
+  EXPECT_EQ(nodes[7]["parameters"][5]["enumeration"][2]["label"], "High");
 }
 
 TEST(RshviewParams, TracePrintsTheWidgetChoiceToStandardError) {

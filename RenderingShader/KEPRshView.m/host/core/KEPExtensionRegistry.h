@@ -2,6 +2,8 @@
 //
 // A module registers, for each (late type, interface), the extension class name, its creator
 // (the class's CreateItself) and its interface adapter factory CreateTIE<Interface><Class>.
+// A late type may name a parent late type: a component of the derived type is served by the
+// extensions of its own type first, then by those of its parent, and so on up.
 #pragma once
 
 // Host types have one identity in every library that uses them (see KEP_EXPORT).
@@ -29,9 +31,13 @@ class KEPExtensionRegistry {
  public:
   /// Registers (or replaces) the extension serving `interfaceName` on `lateType`.
   static void Register(const KEPExtensionEntry& entry);
-  /// The entry for (late type, interface), or null.
+  /// The entry for (late type, interface), looked up on the late type and then on its parents;
+  /// null when none serves the interface. Allocates nothing.
   static const KEPExtensionEntry* Find(std::string_view lateType, std::string_view interfaceName);
-  /// Removes every registration (tests).
+  /// Declares `parent` as the parent late type of `lateType` (replacing an earlier declaration).
+  /// A declaration that would make a late type its own ancestor is refused (false).
+  static bool DeclareParent(std::string_view lateType, std::string_view parent);
+  /// Removes every registration and parent declaration (tests).
   static void Clear();
 };
 

@@ -9,7 +9,8 @@
 #include "KEPString.h"
 
 /// An image document used as a texture parameter value: the image file, its resolution and the
-/// layer groups it offers.
+/// layer groups it offers. A document does not change: a parameter given another image is given
+/// another document, so clients may keep what they derived from a document they hold.
 class KEPIPLMDmtDocument : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIPLMDmtDocument)
   /// Full path of the image file.

@@ -17,6 +17,17 @@ class KEPIPLMDmtDocument;
 ///
 /// Value getters answer E_FAIL and leave their outputs untouched when the parameter does not
 /// hold that kind of value; boolean, integer and scalar values read and write as one another.
+///
+/// Threads: values are written on the host's user-interface thread only, each write inside a
+/// KEPRdgRenderLock (setters take it themselves). Getters take no lock: a reader on another thread
+/// (a renderer) holds the render lock for as long as it reads, typically a whole frame; a reader
+/// on the user-interface thread needs none, since no other thread writes.
+///
+/// Connections: an implementation calls KEPRshParameterServices::NoteConnectionChange() whenever
+/// what GetConnectedShader answers changes (a connection made or removed, or the connected node
+/// gone). Clients keep what they derived from connections for as long as
+/// KEPRshParameterServices::GetConnectionGeneration() is unchanged, so an implementation that
+/// does not tell leaves them with stale answers.
 class KEPIRshParameter : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIRshParameter)
   virtual HRESULT GetName(KEPString& name) = 0;

@@ -17,6 +17,7 @@ class KEPIRshShader : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIRshShader)
   /// Identifier of the node inside its document.
   virtual HRESULT GetId(KEPString& id) = 0;
+  /// The node's type, fixed for the node's life.
   virtual HRESULT GetTypeName(KEPString& typeName) = 0;
   /// Identifier of the configuration in which the node's keys are looked up.
   virtual HRESULT GetConfigurationId(KEPString& configurationId) = 0;

@@ -18,8 +18,10 @@ class KEPIOpenGLShaderMaterial : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIOpenGLShaderMaterial)
 
   // --- Program file
-  /// Full path of the program file; empty when none was found.
-  virtual KEPUnicodeString GetExternalShader() = 0;
+  /// Full path of the program file; empty when none was found. The viewer asks on every frame,
+  /// so the answer is the material's own string, valid until the material's next call; copy it
+  /// to keep it.
+  virtual const KEPUnicodeString& GetExternalShader() = 0;
   virtual unsigned char IsStickerMode() = 0;
   virtual void SetStickerMode(unsigned char sticker) = 0;
   virtual KEPILinkableObject* GetExternalShaderLink() = 0;

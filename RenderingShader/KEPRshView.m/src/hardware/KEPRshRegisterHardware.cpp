@@ -1,6 +1,7 @@
 // Registration of the hardware material and the shader link as extensions of the delegate.
 #include "KEPExtensionRegistry.h"
 #include "KEPProcessReset.h"
+#include "KEPRshLateTypes.h"
 #include "KEPRshShaderHardwareDefault.h"
 #include "KEPRshShaderHardwareExt.h"
 #include "KEPRshShaderHardwareLink.h"
@@ -29,9 +30,10 @@ void KEPRshRegisterHardware() {
       {"KEPRshShaderDelegate", KEPIRshShaderLink::IID().name, KEPRshShaderHardwareLink::ClassName(),
        &KEPRshShaderHardwareLink::Create, &CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink});
   RegisterMaterial("KEPRshShaderDelegate");
-  // A shader node connected to a parameter answers the viewer too (the connected-texture
-  // fall-backs ask it): the host links every node to itself.
-  RegisterMaterial("KEPRshShader");
+  // A texture shader connected to a material's parameter answers the questions that the material
+  // passes on to it (the host links every node to itself). Other nodes do not answer: a bump or
+  // colour node connected before the texture must not hide it.
+  RegisterMaterial(KEPRshTextureShaderLateType);
   // A reset host looks like a new process to the program search: the startup path is read again.
   KEPRegisterProcessResetHook(&KEPRshShaderProgramLocator::ForgetProcessCache);
 }

@@ -7,6 +7,7 @@
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
 #include "KEPRbaImageServices.h"
+#include "KEPRshShaderHardwareLink.h"
 #include "KEPRshShaderProgramLocator.h"
 #include "KEPRshViewModule.h"
 #include "KEP_var.h"
@@ -47,16 +48,20 @@ KEPRshShaderHardwareExt::KEPRshShaderHardwareExt(const KEPRshShaderHardwareExt& 
       parameters_(other.parameters_),
       shaderFile_(other.shaderFile_),
       shaderType_(other.shaderType_),
-      stickerMode_(other.stickerMode_) {}
+      stickerMode_(other.stickerMode_),
+      stickerFile_(other.stickerFile_) {}
 
 KEPRshShaderHardwareExt& KEPRshShaderHardwareExt::operator=(const KEPRshShaderHardwareExt& other) {
   if (this == &other) return *this;
   KEPBaseUnknown::operator=(other);
   parameters_ = other.parameters_;
   connected_.Forget();
+  textureImage_.Forget();
+  imageLink_.Forget();
   shaderFile_ = other.shaderFile_;
   shaderType_ = other.shaderType_;
   stickerMode_ = other.stickerMode_;
+  stickerFile_ = other.stickerFile_;
   return *this;
 }
 
@@ -82,6 +87,7 @@ KEPIRshShaderLink* KEPRshShaderHardwareExt::FindLink() {
   KEP_var<KEPIRshShaderLink> link =
       KEPQueryVar<KEPIRshShaderLink>(static_cast<KEPBaseUnknown*>(this));
   link_ = link.Get();
+  ownLink_ = dynamic_cast<KEPRshShaderHardwareLink*>(link_);
   return link_;
 }
 
@@ -101,10 +107,25 @@ KEPString KEPRshShaderHardwareExt::GetLinkedTypeName() {
 }
 
 bool KEPRshShaderHardwareExt::IsPhysicalShader() {
-  // Read afresh for every question, into a buffer that keeps its capacity: no allocation per
-  // question once the first name has been read.
+  KEPIRshShaderLink* link = FindLink();
+  if (!link) return false;
+  if (ownLink_) {
+    if (physicalKnown_ && physicalLinkChanges_ == ownLink_->Changes()) return physical_;
+    physicalLinkChanges_ = ownLink_->Changes();
+    physicalShader_ = nullptr;
+  } else {
+    KEP_var<KEPIRshShader> shader;
+    if (FAILED(link->GetShader(*shader.Out())) || !shader) return false;
+    if (physicalKnown_ && shader.Get() == physicalShader_ && physicalShaderAlive_.IsAlive())
+      return physical_;
+    physicalShader_ = shader.Get();
+    physicalShaderAlive_.Set(dynamic_cast<KEPBaseUnknown*>(shader.Get()));
+  }
+  // Read into a buffer that keeps its capacity: no allocation once the first name was read.
   ReadLinkedTypeName(typeNameBuffer_);
-  return KEPRshIsPhysicalShaderType(typeNameBuffer_);
+  physical_ = KEPRshIsPhysicalShaderType(typeNameBuffer_);
+  physicalKnown_ = true;
+  return physical_;
 }
 
 void KEPRshShaderHardwareExt::InitFromLinkedShader() {
@@ -132,6 +153,8 @@ void KEPRshShaderHardwareExt::InitFromLinkedShader() {
 void KEPRshShaderHardwareExt::CleanUp() {
   parameters_.Clear();
   connected_.Forget();
+  textureImage_.Forget();
+  imageLink_.Forget();
 }
 
 // --- Parameter lookup
@@ -335,10 +358,7 @@ KEPTexturePixelImage* KEPRshShaderHardwareExt::GetTextureImage() {
     KEPIRshParameter* parameter = parameters_.At(position);
     KEP_var<KEPIPLMDmtDocument> document;
     if (!parameter || FAILED(parameter->GetTextureValue(*document.Out())) || !document) continue;
-    KEPUnicodeString path;
-    if (FAILED(KEPRbaImageServices::GetProjectionPath(document.Get(), path))) continue;
-    if (KEPTexturePixelImage* image = KEPTexturePixelImage::GetImage(path, KEPReadOnlyState))
-      return image;
+    if (KEPTexturePixelImage* image = textureImage_.Image(position, document.Get())) return image;
   }
   KEPTexturePixelImage* image = nullptr;
   AskConnectedTexture<KEPIHardwareMaterial>(
@@ -614,11 +634,14 @@ HRESULT KEPRshShaderHardwareExt::GetMappingType(short& type) {
 
 // --- Program file
 
-KEPUnicodeString KEPRshShaderHardwareExt::GetExternalShader() {
+const KEPUnicodeString& KEPRshShaderHardwareExt::GetExternalShader() {
   Init();
   if (!stickerMode_) return shaderFile_;
-  // A sticker draws with the sibling program whose name carries "_Stk" before the extension.
-  return KEPRshShaderProgramLocator::StickerVariant(shaderFile_);
+  // A sticker draws with the sibling program whose name carries "_Stk" before the extension. The
+  // program file never changes once found, so its variant is built once.
+  if (stickerFile_.IsEmpty() && !shaderFile_.IsEmpty())
+    stickerFile_ = KEPRshShaderProgramLocator::StickerVariant(shaderFile_);
+  return stickerFile_;
 }
 
 unsigned char KEPRshShaderHardwareExt::IsStickerMode() {
@@ -666,8 +689,7 @@ void KEPRshShaderHardwareExt::GetExternalShaderImageLink(int position, KEPUnicod
   if (!parameter) return;
   KEP_var<KEPIPLMDmtDocument> document;
   if (FAILED(parameter->GetTextureValue(*document.Out())) || !document) return;
-  KEPUnicodeString found;
-  if (SUCCEEDED(KEPRbaImageServices::GetProjectionPath(document.Get(), found))) path = found;
+  if (const KEPUnicodeString* found = imageLink_.Path(position, document.Get())) path = *found;
 }
 
 // --- Fixed results

@@ -7,13 +7,20 @@
 // its parameters.
 //
 // This class answers the interfaces; the program file search (KEPRshShaderProgramLocator), the
-// parameter list and its lookups (KEPRshShaderParameterIndex) and the connected texture found
-// (KEPRshConnectedTextureCache) live in their own units.
+// parameter list and its lookups (KEPRshShaderParameterIndex), the connected texture found
+// (KEPRshConnectedTextureCache) and the texture images found (KEPRshTextureDocumentCache) live in
+// their own units.
+//
+// The viewer asks every question on every frame, so once the first question has read the
+// parameter list, answering allocates nothing and takes no lock: a renderer on another thread
+// holds the render lock for its frame (see KEPIRshParameter). A material answers one caller at a
+// time: its caches fill as it answers.
 #pragma once
 
 #include <string_view>
 
 #include "KEPBaseUnknown.h"
+#include "KEPBaseUnknown_WR.h"
 #include "KEPIHardwareMaterial.h"
 #include "KEPIOpenGLShaderMaterial.h"
 #include "KEPIRmaMappingManipulator.h"
@@ -21,11 +28,13 @@
 #include "KEPIRshParameter.h"
 #include "KEPRshConnectedTextureCache.h"
 #include "KEPRshShaderParameterIndex.h"
+#include "KEPRshTextureDocumentCache.h"
 #include "KEPRshViewModule.h"
 #include "KEPVisTypes.h"
 
 class KEPIRshShader;
 class KEPIRshShaderLink;
+class KEPRshShaderHardwareLink;
 
 class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
                                                public KEPIHardwareMaterial,
@@ -64,7 +73,7 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
   float GetTextureAngle() override;
 
   // --- Program and its parameters (KEPIOpenGLShaderMaterial)
-  KEPUnicodeString GetExternalShader() override;
+  const KEPUnicodeString& GetExternalShader() override;
   int CheckExternalShaderImagesLink(KEPString& name) override;
   int IsModifiedExternalShaderImageLink(int position) override;
   void GetShaderFloatParameter(int position, float& value) override;
@@ -192,7 +201,10 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
     return parameters_.Read(index);
   }
 
-  /// True when the linked shader's type name begins with "MPM" (asked afresh on every call).
+  /// True when the linked shader's type name begins with "MPM". A node's type never changes, so
+  /// the answer is kept for the node: through this module's own link until the link is given
+  /// another shader; through another link, the shader is asked for on every call and the type
+  /// read again when it is not the (living) node seen last.
   bool IsPhysicalShader();
   /// The linked shader's type name; empty without a link or a shader.
   KEPString GetLinkedTypeName();
@@ -222,10 +234,25 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
   KEPString shaderType_;
   unsigned char stickerMode_ = 0;
 
-  /// The sibling link extension of the component (borrowed: it lives as long as we do).
+  /// The sibling link extension of the component (borrowed: it lives as long as we do), and the
+  /// same seen as this module's link class when it is one.
   KEPIRshShaderLink* link_ = nullptr;
+  KEPRshShaderHardwareLink* ownLink_ = nullptr;
+  /// IsPhysicalShader's last answer; through ownLink_, that link's change count when it was
+  /// read; through another link, the node it was read from (a weak reference, so that another
+  /// node at the same address is not taken for it).
+  bool physical_ = false;
+  bool physicalKnown_ = false;
+  unsigned long long physicalLinkChanges_ = 0;
+  KEPIRshShader* physicalShader_ = nullptr;
+  KEPBaseUnknown_WR physicalShaderAlive_;
   /// The connected texture's material as last found; not copied.
   KEPRshConnectedTextureCache connected_;
+  /// The texture image answered last, and the image link path answered last; not copied.
+  KEPRshTextureDocumentCache textureImage_;
+  KEPRshTextureDocumentCache imageLink_;
+  /// The program file in sticker mode, built from shaderFile_ once it is known.
+  KEPUnicodeString stickerFile_;
   /// Scratch space of IsPhysicalShader.
   KEPString typeNameBuffer_;
 };

@@ -19,6 +19,7 @@ KEPRshShaderHardwareLink::~KEPRshShaderHardwareLink() {
 void KEPRshShaderHardwareLink::ReleaseShader() {
   if (KEPIRshShader* shader = shader_) {
     shader_ = nullptr;
+    ++changes_;
     shader->Release();
   }
 }
@@ -29,6 +30,7 @@ HRESULT KEPRshShaderHardwareLink::SetShader(KEPIRshShader* shader) {
   shader->AddRef();
   ReleaseShader();
   shader_ = shader;
+  ++changes_;
   return S_OK;
 }
 

@@ -21,6 +21,10 @@ class KEPRshShaderHardwareLink : public KEPBaseUnknown, public KEPIRshShaderLink
   /// Releases the shader when the component moves from a live state to deleted (2).
   HRESULT ChangeComponentState(int from, int to, const void* context) override;
 
+  /// How many times the held shader was set or let go: the material sharing the component keeps
+  /// what it read from the shader while this is unchanged.
+  unsigned long long Changes() const { return changes_; }
+
   KEPRshShaderHardwareLink(const KEPRshShaderHardwareLink&) = delete;
   KEPRshShaderHardwareLink& operator=(const KEPRshShaderHardwareLink&) = delete;
 
@@ -28,6 +32,7 @@ class KEPRshShaderHardwareLink : public KEPBaseUnknown, public KEPIRshShaderLink
   void ReleaseShader();
 
   KEPIRshShader* shader_ = nullptr;
+  unsigned long long changes_ = 0;
 };
 
 KEP_DECLARE_TIE(KEPIRshShaderLink, KEPRshShaderHardwareLink)

@@ -20,6 +20,9 @@ class KEPRshShaderProgramLocator {
 
   /// For each startup directory in order, and in it "materials/shaders" then "shaders", the first
   /// existing `baseName`.cgfx. False, `found` untouched, when none exists or the path is unset.
+  /// Every ";"-separated segment of the value is a directory, an empty one included: it stands
+  /// for the empty directory name, so ";dir" first probes "/materials/shaders/<name>.cgfx" and
+  /// "/shaders/<name>.cgfx" at the root of the file system. The segments are kept as written.
   static bool FindByBaseName(std::string_view baseName, KEPUnicodeString& found);
 
   /// True when "KEPStartupPath" is set (the value is read on the first call of the process).

@@ -58,17 +58,30 @@ class Reader {
         Text(member, key, type.configurationId);
       } else if (key == "label") {
         Text(member, key, type.label);
+      } else if (key == "kind") {
+        Kind(member, type);
       } else if (key == "parameters") {
         sawParameters = true;
         Parameters(member, type);
       } else {
         Error(member, key,
               "unknown key in shader type '" + name +
-                  "' (expected configuration, label, parameters)");
+                  "' (expected configuration, label, kind, parameters)");
       }
     }
     if (!sawParameters) Error(json, name, "shader type without 'parameters'");
     library.AddType(std::move(type));  // names are unique: repeated keys are refused earlier
+  }
+
+  // "material" (the default) or "texture": a texture shader answers the viewer's texture
+  // questions for the material it is connected to.
+  void Kind(const KEPJsonValue& json, KEPHostShaderTypeDefinition& type) {
+    std::string kind;
+    if (!Text(json, "kind", kind)) return;
+    if (kind == "texture")
+      type.isTexture = true;
+    else if (kind != "material")
+      Error(json, "kind", "'" + kind + "' is not a shader kind (expected material or texture)");
   }
 
   void Parameters(const KEPJsonValue& json, KEPHostShaderTypeDefinition& type) {

@@ -33,7 +33,6 @@ HRESULT KEPHostParameter::GetTypeName(KEPString& typeName) {
 }
 
 HRESULT KEPHostParameter::GetBooleanValue(unsigned char& value) {
-  KEPRdgRenderLock lock;
   switch (value_.type) {
     case KEPRmaType::Boolean:
       value = value_.boolean ? 1 : 0;
@@ -54,7 +53,6 @@ HRESULT KEPHostParameter::SetBooleanValue(unsigned char value) {
 }
 
 HRESULT KEPHostParameter::GetIntegerValue(int& value) {
-  KEPRdgRenderLock lock;
   switch (value_.type) {
     case KEPRmaType::Boolean:
       value = value_.boolean ? 1 : 0;
@@ -91,7 +89,6 @@ HRESULT KEPHostParameter::SetIntegerValue(int value) {
 }
 
 HRESULT KEPHostParameter::GetScalarValue(float& value) {
-  KEPRdgRenderLock lock;
   switch (value_.type) {
     case KEPRmaType::Boolean:
       value = value_.boolean ? 1.0f : 0.0f;
@@ -128,7 +125,6 @@ HRESULT KEPHostParameter::SetScalarValue(float value) {
 }
 
 HRESULT KEPHostParameter::GetColorValue(float& r, float& g, float& b, float* alpha) {
-  KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Color) return E_FAIL;
   r = value_.components[0];
   g = value_.components[1];
@@ -149,7 +145,6 @@ HRESULT KEPHostParameter::SetColorValue(float r, float g, float b, float alpha) 
 }
 
 HRESULT KEPHostParameter::GetVectorValue(float (&xyzw)[4]) {
-  KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Vector) return E_FAIL;
   for (int i = 0; i < 4; ++i) xyzw[i] = i < value_.dimension ? value_.components[i] : 0.0f;
   return S_OK;
@@ -168,7 +163,6 @@ int KEPHostParameter::GetVectorDimension() {
 }
 
 HRESULT KEPHostParameter::GetTextureValue(KEPIPLMDmtDocument*& document) {
-  KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Texture) return E_FAIL;
   document = value_.texture.Get();
   if (document) document->AddRef();

@@ -19,6 +19,9 @@ struct KEPHostShaderTypeDefinition {
   std::string configurationId;  ///< defaults to the type name
   std::string label;            ///< display name offered for connection
   bool hasResources = false;    ///< nodes of the type offer KEPIRshShaderResources
+  /// A texture shader: its nodes supply a texture image and its placement to the material they
+  /// are connected to (late type "KEPRshTextureShader"), and answer the viewer's questions.
+  bool isTexture = false;
   std::vector<KEPHostParameterDefinition> parameters;
 };
 

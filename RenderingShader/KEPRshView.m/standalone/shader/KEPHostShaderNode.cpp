@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "KEPRshLateTypes.h"
 #include "KEPRshParameterServices.h"
 
 KEP_IMPLEMENT_CLASS(KEPHostShaderNode, KEPBaseUnknown, "System")
@@ -9,7 +10,7 @@ KEP_IMPLEMENT_CLASS(KEPHostShaderNode, KEPBaseUnknown, "System")
 KEPHostShaderNode* KEPHostShaderNode::Create(const KEPHostShaderTypeDefinition& type,
                                              std::string id, KEPBaseUnknown* father) {
   auto* node = new KEPHostShaderNode();
-  node->SetLateType("KEPRshShader");
+  node->SetLateType(type.isTexture ? KEPRshTextureShaderLateType : KEPRshShaderLateType);
   node->type_ = type;
   if (node->type_.configurationId.empty()) node->type_.configurationId = type.name;
   node->id_ = std::move(id);

@@ -72,7 +72,8 @@ class KEPHostParameter : public KEPBaseUnknown,
   unsigned long long writes_ = 0;
 };
 
-/// A shader node: a component of late type "KEPRshShader" that owns its parameters.
+/// A shader node: a component of late type "KEPRshShader" (or "KEPRshTextureShader" for a
+/// texture shader) that owns its parameters.
 class KEPHostShaderNode : public KEPBaseUnknown,
                           public KEPIRshShader,
                           public KEPIRshShaderResources,

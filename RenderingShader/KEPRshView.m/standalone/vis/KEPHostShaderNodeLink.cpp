@@ -2,6 +2,7 @@
 
 #include "KEPExtensionRegistry.h"
 #include "KEPIRshShader.h"
+#include "KEPRshLateTypes.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPHostShaderNodeLink, KEPBaseUnknown, "KEPNull", "System",
                        KEPClassKind_Extension, "KEPRshShader")
@@ -31,7 +32,8 @@ HRESULT KEPHostShaderNodeLink::GetShader(KEPIRshShader*& out) {
 KEP_DEFINE_TIE(KEPIRshShaderLink, KEPHostShaderNodeLink)
 
 void KEPRegisterShaderNodeLink() {
+  KEPExtensionRegistry::DeclareParent(KEPRshTextureShaderLateType, KEPRshShaderLateType);
   KEPExtensionRegistry::Register(
-      {"KEPRshShader", KEPIRshShaderLink::IID().name, KEPHostShaderNodeLink::ClassName(),
+      {KEPRshShaderLateType, KEPIRshShaderLink::IID().name, KEPHostShaderNodeLink::ClassName(),
        &KEPHostShaderNodeLink::Create, &CreateTIEKEPIRshShaderLinkKEPHostShaderNodeLink});
 }

@@ -22,5 +22,6 @@ class KEPHostShaderNodeLink : public KEPBaseUnknown, public KEPIRshShaderLink {
   KEPIRshShader* shader_ = nullptr;
 };
 
-/// Registers KEPIRshShaderLink on "KEPRshShader" with KEPHostShaderNodeLink. Idempotent.
+/// Registers KEPIRshShaderLink on "KEPRshShader" with KEPHostShaderNodeLink, and declares the
+/// texture shaders' late type a kind of it. Idempotent.
 void KEPRegisterShaderNodeLink();

@@ -364,6 +364,7 @@ struct ConnectedWorld {
   ConnectedWorld(bool connect, const std::string& image) {
     world.Add(Type("mia_phen_material").Param("diffuse", Color(1, 1, 1)).Param("map", Void()));
     world.Add(Type("kep_phen_texture")
+                  .TextureShader()
                   .Param("image", Texture(image))
                   .Param("_uv_mapping", Integer(4))
                   .Param("_uv_flip_u", Boolean(true))

@@ -59,7 +59,8 @@ TEST_F(ProgramFileTest, SearchOrders) {
        {"A", "B"},
        "B",
        "shaders/rsh_default.cgfx"},
-      {"a missing and an empty directory are passed over",
+      {"an empty segment is kept (it probes /materials/shaders and /shaders), a missing directory "
+       "finds nothing",
        "MPM_car_paint",
        {{"B", "shaders/MPM_material.cgfx"}},
        {"missing", "", "B"},

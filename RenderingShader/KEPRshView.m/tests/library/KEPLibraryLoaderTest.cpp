@@ -86,8 +86,11 @@ TEST_F(LibraryLoader, BundledSampleLoadsWithoutErrors) {
   EXPECT_TRUE(library->FindType("mia_phen_frosted_glass")->hasResources);
   EXPECT_FALSE(library->FindType("MPM_car_paint")->hasResources);
 
-  EXPECT_EQ(document->materials,
-            (std::vector<std::string>{"red_paint", "floor", "window", "key_light"}));
+  EXPECT_EQ(document->materials, (std::vector<std::string>{"red_paint", "floor", "plaster_wall",
+                                                           "window", "key_light"}));
+  // Only the texture shaders carry the late type under which they answer the viewer.
+  EXPECT_TRUE(library->FindType("kep_phen_texture")->isTexture);
+  EXPECT_FALSE(library->FindType("kep_phen_bump")->isTexture);
   KEPHostShaderNode* paint = document->FindNode("red_paint");
   ASSERT_NE(paint, nullptr);
   KEPUnicodeString alias;
@@ -231,6 +234,8 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
        ":2: key 'type': unknown shader type 'ghost'"},
       {"{\"shaderTypes\": {\"a\": {\"parameters\": [],\n \"colour\": 1}}}",
        ":2: key 'colour': unknown key in shader type 'a'"},
+      {"{\"shaderTypes\": {\"a\": {\"parameters\": [],\n \"kind\": \"bump\"}}}",
+       ":2: key 'kind': 'bump' is not a shader kind (expected material or texture)"},
       {"{\"shaderTypes\": {\"a\": {\"parameters\": [\n{\"name\": \"x\", \"type\": \"KEPRmaScalar\","
        " \"resources\": {\"min\": 0}}]}}}",
        ":2: key 'min': expected a string, found number"},

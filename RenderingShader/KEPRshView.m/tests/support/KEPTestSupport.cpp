@@ -93,6 +93,11 @@ Type& Type::Resources(bool offered) {
   return *this;
 }
 
+Type& Type::TextureShader() {
+  definition_.isTexture = true;
+  return *this;
+}
+
 World::World() : library(std::make_shared<KEPHostShaderLibrary>()) {
   Rebuild();
 }

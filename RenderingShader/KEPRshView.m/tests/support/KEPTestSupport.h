@@ -57,6 +57,8 @@ class Type {
   /// Adds a resource and marks the type as offering resources.
   Type& Resource(const std::string& parameter, const std::string& key, const std::string& value);
   Type& Resources(bool offered = true);
+  /// Makes the type a texture shader (it answers the viewer for the material it is connected to).
+  Type& TextureShader();
   const KEPHostShaderTypeDefinition& Definition() const { return definition_; }
 
  private:

@@ -1,0 +1,9 @@
+// Late types of the shader model's components, under which extensions are registered.
+#pragma once
+
+/// Every shader node.
+inline constexpr char KEPRshShaderLateType[] = "KEPRshShader";
+/// A texture shader: a node that supplies a texture image and its placement to the material it is
+/// connected to. Its parent late type is KEPRshShaderLateType, so it carries every extension of a
+/// shader node as well as those registered for texture shaders alone.
+inline constexpr char KEPRshTextureShaderLateType[] = "KEPRshTextureShader";
