@@ -226,7 +226,8 @@ TEST(RshviewParams, MarksTheParametersThatWarningsConcern) {
   // The sample has no warnings: nothing is marked, nothing is said.
   const Outcome sample = Rshview({"params", "--format", "json"});
   EXPECT_TRUE(sample.err.empty()) << sample.err;
-  for (const Json& parameter : Json::parse(sample.out)["parameters"])
+  const Json sampleJson = Json::parse(sample.out);
+  for (const Json& parameter : sampleJson["parameters"])
     EXPECT_TRUE(parameter["warnings"].is_null()) << parameter["name"];
 }
 }  // namespace

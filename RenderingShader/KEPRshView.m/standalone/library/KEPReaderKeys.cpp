@@ -17,19 +17,18 @@ using Finding = std::optional<KEPValueFinding>;
 // indexed ones followed by an index, as in roughness.Label0).
 constexpr std::string_view kRangeWords[] = {"Min",     "Max",     "Step",   "SoftMin",
                                             "SoftMax", "HardMin", "HardMax"};
-constexpr std::string_view kOtherWords[] = {"Unit",
-                                            "Magnitude",
-                                            "SortingOrder",
-                                            "Widget",
-                                            "Description",
-                                            "Group",
-                                            "Default",
-                                            "LayerGroupName",
-                                            "ConnectableState",
-                                            "TooltipText",
-                                            "TooltipImage",
-                                            "ComboConfiguration",
-                                            "SecondaryParameter"};
+constexpr std::string_view kCheckedWords[] = {"Unit", "Magnitude", "SortingOrder"};
+// Texts shown or compared as written: nothing to check in their values.
+constexpr std::string_view kTextWords[] = {"Widget",
+                                           "Description",
+                                           "Group",
+                                           "Default",
+                                           "LayerGroupName",
+                                           "ConnectableState",
+                                           "TooltipText",
+                                           "TooltipImage",
+                                           "ComboConfiguration",
+                                           "SecondaryParameter"};
 constexpr std::string_view kIndexedWords[] = {"Label", "Enum", "EnumVal"};
 // Keys of a group: "Group" and the group number, a dot and one of these.
 constexpr std::string_view kGroupWords[] = {"Name", "Order", "CollapsedByDefault"};
@@ -173,13 +172,13 @@ Finding ParameterEntry(const std::string& stem, std::string_view suffix, const s
                                                     " read as a number instead");
     return std::nullopt;
   }
-  const bool known = In(kRangeWords, word) || In(kOtherWords, word);
+  const bool known = In(kRangeWords, word) || In(kCheckedWords, word) || In(kTextWords, word);
   if (known && Canonical(index, false))
     return KEPValueFinding{"'." + std::string(word) + "' takes no index",
                            "never read: the readers ask for " + prefix + std::string(word)};
   if (!known || !index.empty()) {
     // A known word in another case ("min") is most likely a typing mistake.
-    std::string meant = Meant(word, kRangeWords, kOtherWords, kIndexedWords);
+    std::string meant = Meant(word, kRangeWords, kCheckedWords, kTextWords, kIndexedWords);
     if (meant == word || !(index.empty() || Canonical(index, false))) meant.clear();
     if (!meant.empty()) meant = "." + meant + std::string(index);
     return Unknown("unknown key suffix '." + std::string(suffix) + "'", meant);
