@@ -8,6 +8,8 @@
 
 #include "KEPHostShaderDocument.h"
 #include "KEPHostShaderLibrary.h"
+#include "KEPLoadIssue.h"
+#include "KEPLoadResult.h"
 
 struct RshviewOptions {
   std::string library;                 ///< library directory; default: the bundled sample library
@@ -25,14 +27,21 @@ struct RshviewContext {
   KEP_var<KEPHostShaderDocument> document;
   std::ostream& out;
   std::ostream& err;
+  /// The warnings of the library's files (library.json, then the configuration files): they
+  /// loaded, but some text reads differently from how it looks.
+  std::vector<KEPLoadIssue> warnings;
 };
 
-/// One subcommand: runs with a loaded library and document; returns the process exit code.
+/// One subcommand: runs with a loaded library and document (unless it loads the files itself);
+/// returns the process exit code.
 struct RshviewCommand {
   const char* name;
   const char* summary;  ///< one line for `rshview --help`
   const char* help;     ///< the command's own help text (its options and what it prints)
   int (*run)(RshviewContext& context);
+  /// The command reads the files itself (and reports their errors as its output): rshview
+  /// loads nothing before running it.
+  bool loadsFiles;
 };
 
 /// The nodes a command works on: `--node ID`, every node in document order for `--node all`,
@@ -47,6 +56,11 @@ const std::vector<RshviewCommand>& RshviewCommands();
 
 /// Runs rshview with `args` (without the program name); returns the exit code.
 int RshviewMain(const std::vector<std::string>& args, std::ostream& out, std::ostream& err);
+
+/// Where rshview takes the library and the document from: `--doc`, else the bundled showroom;
+/// `--library`, else the document's "library" entry, else the bundled sample library. Errors of
+/// reading the document's entry go to `result`; `library` is then left empty.
+void RshviewResolvePaths(RshviewOptions& options, KEPLoadResult& result);
 
 /// The bundled samples: $RSHVIEW_SAMPLES when set, else share/KEPRshView/samples beside the
 /// program's directory.

@@ -10,3 +10,7 @@ extern const char* const kRshviewParamsHelp;
 /// `rshview material`: the viewer's answers for a node.
 int RunMaterialCommand(RshviewContext& context);
 extern const char* const kRshviewMaterialHelp;
+
+/// `rshview lint`: every error and warning of a library's files.
+int RunLintCommand(RshviewContext& context);
+extern const char* const kRshviewLintHelp;

@@ -167,24 +167,21 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
   return 0;
 }
 
-// Library, configuration and document, with every error printed as it is found.
+// Library, configuration and document, with every error printed as it is found. Warnings do not
+// stop the command: they are kept for it, and a line on standard error says how many there are.
 int Load(RshviewContext& context) {
   RshviewOptions& options = context.options;
-  const std::string samples = RshviewSamplesDirectory();
-  if (options.doc.empty())
-    options.doc = (fs::path(samples) / "documents" / "showroom.rshdoc.json").string();
-
+  std::size_t warningCount = 0;
   auto report = [&](const KEPLoadResult& result) {
     for (const std::string& error : result.Errors()) context.err << error << "\n";
+    const auto& warnings = result.WarningIssues();
+    context.warnings.insert(context.warnings.end(), warnings.begin(), warnings.end());
+    warningCount += result.WarningCount();
     return result.Ok();
   };
-  if (options.library.empty()) {
-    std::string fromDocument;
-    if (!report(KEPShaderDocumentLoader::ReadLibraryPath(options.doc, fromDocument)))
-      return kExitFailure;
-    options.library =
-        fromDocument.empty() ? (fs::path(samples) / "library").string() : fromDocument;
-  }
+  KEPLoadResult paths;
+  RshviewResolvePaths(options, paths);
+  if (!report(paths)) return kExitFailure;
 
   auto library = std::make_shared<KEPHostShaderLibrary>();
   if (!report(KEPShaderLibraryLoader::Load(options.library, *library))) return kExitFailure;
@@ -198,6 +195,10 @@ int Load(RshviewContext& context) {
   if (!report(KEPShaderDocumentLoader::Load(options.doc, library, document))) return kExitFailure;
   context.library = std::move(library);
   context.document = std::move(document);
+  if (warningCount > 0)
+    context.err << "rshview: " << options.library << ": " << warningCount
+                << (warningCount == 1 ? " warning" : " warnings")
+                << " (run 'rshview lint' to list them)\n";
   return 0;
 }
 }  // namespace
@@ -226,13 +227,27 @@ int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& 
   // environment, the module's caches) reaches the next (tests run many in one process).
   KEPHostContext host;
   TraceGuard trace(parsed.options.trace, err);
-  RshviewContext context{parsed.options, nullptr, {}, out, err};
-  if (const int code = Load(context)) return code;
+  RshviewContext context{parsed.options, nullptr, {}, out, err, {}};
+  if (!parsed.command->loadsFiles)
+    if (const int code = Load(context)) return code;
   const int code = parsed.command->run(context);
   context.document = NULL_var;
   return code;
 }
 }  // namespace
+
+void RshviewResolvePaths(RshviewOptions& options, KEPLoadResult& result) {
+  const std::string samples = RshviewSamplesDirectory();
+  if (options.doc.empty())
+    options.doc = (fs::path(samples) / "documents" / "showroom.rshdoc.json").string();
+  if (!options.library.empty()) return;
+  std::string fromDocument;
+  const KEPLoadResult read = KEPShaderDocumentLoader::ReadLibraryPath(options.doc, fromDocument);
+  result.Append(read);
+  if (read.Ok())
+    options.library =
+        fromDocument.empty() ? (fs::path(samples) / "library").string() : fromDocument;
+}
 
 std::string RshviewSamplesDirectory() {
   if (const char* env = std::getenv("RSHVIEW_SAMPLES"); env && *env) return env;

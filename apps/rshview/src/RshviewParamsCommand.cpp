@@ -5,8 +5,10 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <set>
 #include <string_view>
 
+#include "KEPHostConfiguration.h"
 #include "KEPIPLMDmtDocument.h"
 #include "KEPIRshParameterDialog.h"
 #include "KEPIRshParameterImmLayout.h"
@@ -28,11 +30,16 @@ const char* const kRshviewParamsHelp =
     "is not configured is left out of the text (null in JSON). The text starts with a one-line\n"
     "summary per parameter.\n"
     "\n"
+    "A parameter whose keys have warnings in the library's files (see rshview lint) is marked\n"
+    "'!' in the summary and its block lists them; warnings of the node's own keys (GroupCount,\n"
+    "Group<i>.Order, ...) follow the node's line.\n"
+    "\n"
     "  --node ID    the node to list; default: the document's first material\n"
     "  --node all   every node of the document, in document order\n"
     "\n"
-    "JSON: one node is an object {id, type, alias, configuration, parameters: [...]};\n"
-    "with --node all, {\"nodes\": [...]}.\n";
+    "JSON: one node is an object {id, type, alias, configuration, warnings, parameters: [...]};\n"
+    "with --node all, {\"nodes\": [...]}. \"warnings\" (of a node and of each parameter) lists\n"
+    "the warning texts, null when there are none.\n";
 
 namespace {
 using Json = nlohmann::ordered_json;
@@ -341,7 +348,36 @@ const Field kFields[] = {
      }},
 };
 
-Json Parameter(KEPHostParameter& feature, const std::string& configurationId) {
+// --- Warnings of the library's files
+
+/// True when configuration `id` reads `key` from configuration `holder`: its own, or a parent's
+/// that no configuration nearer to `id` overrides.
+bool ReadsFrom(const std::string& id, const std::string& key, const std::string& holder) {
+  std::set<std::string> seen;  // a parent cycle never loads, but the walk must end regardless
+  for (std::string current = id; !current.empty() && seen.insert(current).second;
+       current = KEPHostConfiguration::Parent(current)) {
+    const std::vector<KEPString> keys = KEPHostConfiguration::Keys(current);
+    if (std::find(keys.begin(), keys.end(), key) != keys.end()) return current == holder;
+  }
+  return false;
+}
+
+/// The warnings that concern parameter `parameter` of a node (empty: the node itself) of type
+/// `type` with configuration `configurationId`, as texts; null when there are none.
+Json WarningsOf(const std::vector<KEPLoadIssue>& warnings, const std::string& type,
+                const std::string& configurationId, const std::string& parameter) {
+  Json texts = Json::array();
+  for (const KEPLoadIssue& warning : warnings) {
+    if (warning.parameter != parameter) continue;
+    const bool concerns = warning.shaderType.empty()
+                              ? ReadsFrom(configurationId, warning.key, warning.configuration)
+                              : !parameter.empty() && warning.shaderType == type;
+    if (concerns) texts.push_back(warning.Text());
+  }
+  return texts.empty() ? Json(nullptr) : texts;
+}
+
+Json Parameter(KEPHostParameter& feature, const std::string& configurationId, Json warnings) {
   KEPIRshParameter& parameter = feature;
   KEPString name, type;
   parameter.GetName(name);
@@ -352,10 +388,11 @@ Json Parameter(KEPHostParameter& feature, const std::string& configurationId) {
   json["name"] = name;
   json["type"] = type;
   for (const Field& field : kFields) json[field.key] = field.read(source);
+  json["warnings"] = std::move(warnings);
   return json;
 }
 
-Json Node(KEPHostShaderNode& node) {
+Json Node(KEPHostShaderNode& node, const std::vector<KEPLoadIssue>& warnings) {
   KEPString configurationId;
   node.GetConfigurationId(configurationId);
   KEPUnicodeString alias;
@@ -365,9 +402,14 @@ Json Node(KEPHostShaderNode& node) {
   json["type"] = node.TypeName();
   json["alias"] = alias.ToUTF8();
   json["configuration"] = configurationId;
+  json["warnings"] = WarningsOf(warnings, node.TypeName(), configurationId, "");
   json["parameters"] = Json::array();
-  for (const auto& parameter : node.Parameters())
-    json["parameters"].push_back(Parameter(*parameter, configurationId));
+  for (const auto& parameter : node.Parameters()) {
+    KEPString name;
+    parameter->GetName(name);
+    json["parameters"].push_back(Parameter(
+        *parameter, configurationId, WarningsOf(warnings, node.TypeName(), configurationId, name)));
+  }
   return json;
 }
 
@@ -402,7 +444,8 @@ void PrintSummary(const Json& parameters, std::ostream& out) {
     return name.is_null() ? Scalar(p["group"]["key"]) : Scalar(name);
   };
   const std::vector<Column> columns = {
-      {"parameter", [](const Json& p) { return Scalar(p["name"]); }},
+      {"parameter",
+       [](const Json& p) { return Scalar(p["name"]) + (p["warnings"].is_null() ? "" : " !"); }},
       {"type", shortType},
       {"value",
        [](const Json& p) {
@@ -439,13 +482,21 @@ void PrintSummary(const Json& parameters, std::ostream& out) {
   for (const Column& column : columns) titles.push_back(column.title);
   printRow(titles);
   for (const auto& row : rows) printRow(row);
-  out << "  (* default widget kind: none configured; ? configured word unknown to the type)\n";
+  out << "  (* default widget kind: none configured; ? configured word unknown to the type;\n"
+         "   ! the library's files have warnings for the parameter, listed in its block)\n";
+}
+
+void PrintWarnings(const Json& warnings, const char* indent, std::ostream& out) {
+  if (warnings.is_null()) return;
+  for (const Json& warning : warnings) out << indent << "warning: " << Scalar(warning) << "\n";
 }
 
 void PrintText(const Json& node, std::ostream& out) {
   out << "Node " << Scalar(node["id"]) << "  type " << Scalar(node["type"]) << "  alias \""
       << Scalar(node["alias"]) << "\"  configuration " << Scalar(node["configuration"]) << "  ("
-      << node["parameters"].size() << " parameters)\n\n";
+      << node["parameters"].size() << " parameters)\n";
+  PrintWarnings(node["warnings"], "  ", out);
+  out << "\n";
   PrintSummary(node["parameters"], out);
   for (const Json& parameter : node["parameters"]) {
     out << "\n" << Scalar(parameter["name"]) << "  (" << Scalar(parameter["type"]) << ")\n";
@@ -456,6 +507,7 @@ void PrintText(const Json& node, std::ostream& out) {
       label.resize(16, ' ');
       out << "  " << label << (value.is_null() ? "-" : field.text(value)) << "\n";
     }
+    PrintWarnings(parameter["warnings"], "  ", out);
   }
 }
 }  // namespace
@@ -466,7 +518,7 @@ int RunParamsCommand(RshviewContext& context) {
   const std::string& wanted = context.options.node;
 
   Json all = Json::array();
-  for (KEPHostShaderNode* node : nodes) all.push_back(Node(*node));
+  for (KEPHostShaderNode* node : nodes) all.push_back(Node(*node, context.warnings));
   if (context.options.format == "json") {
     const Json output = wanted == "all" ? Json{{"nodes", all}} : all.front();
     context.out << output.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";

@@ -91,6 +91,11 @@ std::vector<KEPString> KEPHostConfiguration::ConfigurationIds() {
   return ids;
 }
 
+KEPString KEPHostConfiguration::Parent(const KEPString& id) {
+  auto it = Store().find(id);
+  return it == Store().end() ? KEPString() : it->second.parent;
+}
+
 std::vector<KEPString> KEPHostConfiguration::Keys(const KEPString& id) {
   auto it = Store().find(id);
   return it == Store().end() ? std::vector<KEPString>{} : it->second.order;

@@ -2,16 +2,15 @@
 #include "KEPHostConfiguration.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <vector>
 
 #include "KEPFileText.h"
 #include "KEPRbaConfiguration.h"
+#include "KEPReaderKeys.h"
 #include "KEPString.h"
 
 namespace {
@@ -29,53 +28,41 @@ struct ParsedFile {
   std::vector<Entry> entries;
 };
 
-// Range keys must hold a finite number: a typo there would silently disable a slider range.
-bool IsRangeKey(const std::string& key) {
-  static constexpr std::string_view kSuffixes[] = {".Min",     ".Max",     ".Step",   ".SoftMin",
-                                                   ".SoftMax", ".HardMin", ".HardMax"};
-  return std::any_of(std::begin(kSuffixes), std::end(kSuffixes),
-                     [&](std::string_view suffix) { return key.ends_with(suffix); });
-}
-
+// A value that the readers take differently from how it looks, or a key that no reader asks
+// for, is kept (the readers cope) and reported as a warning.
 void CheckValue(const ParsedFile& file, const Entry& entry, KEPLoadResult& result) {
-  if (IsRangeKey(entry.key)) {
-    char* end = nullptr;
-    const double number = std::strtod(entry.value.c_str(), &end);
-    if (end == entry.value.c_str() || *end != '\0') {
-      result.AddError(file.path, entry.line, entry.key, "'" + entry.value + "' is not a number");
-    } else if (!std::isfinite(number)) {
-      result.AddError(file.path, entry.line, entry.key,
-                      "'" + entry.value + "' is not a finite number");
-    }
-  } else if (entry.key == "GroupCount") {
-    // Decimal digits only: from_chars takes no sign or blank, and refuses what overflows.
-    const char* end = entry.value.data() + entry.value.size();
-    unsigned count = 0;
-    const auto [stop, fault] = std::from_chars(entry.value.data(), end, count);
-    if (fault != std::errc() || stop != end || count > KEPConfigurationLoader::kMaxGroupCount)
-      result.AddError(file.path, entry.line, entry.key,
-                      "'" + entry.value + "' is not a group count from 0 to " +
-                          std::to_string(KEPConfigurationLoader::kMaxGroupCount));
-  }
+  std::string parameter;
+  std::optional<KEPValueFinding> finding =
+      KEPReaderKeys::ConfigurationEntry(entry.key, entry.value, parameter);
+  if (!finding) return;
+  KEPLoadIssue warning;
+  warning.file = file.path;
+  warning.line = entry.line;
+  warning.key = entry.key;
+  warning.message = std::move(finding->message);
+  warning.hint = std::move(finding->hint);
+  warning.configuration = file.id;
+  warning.parameter = std::move(parameter);
+  result.AddWarning(std::move(warning));
 }
 
-bool Parse(const std::string& path, ParsedFile& file, KEPLoadResult& result) {
+// Reads one file into `file`: every line it can, with an error for each line it cannot.
+void Parse(const std::string& path, ParsedFile& file, KEPLoadResult& result) {
   file.path = path;
   file.id = std::filesystem::path(path).stem().string();
   std::string text, message;
   if (!KEPFileText::Read(path, text, message)) {
     result.AddError(path, 0, "", message);
-    return false;
+    return;
   }
   int badLine = 0;
   if (!KEPFileText::IsValidUTF8(text, badLine)) {
     result.AddError(path, badLine, "", "invalid UTF-8");
-    return false;
+    return;
   }
   std::map<std::string, int> seen;
   std::size_t start = 0;
   int line = 0;
-  const std::size_t errorsBefore = result.Errors().size();
   while (start <= text.size()) {
     std::size_t end = text.find('\n', start);
     if (end == std::string::npos) end = text.size();
@@ -119,7 +106,6 @@ bool Parse(const std::string& path, ParsedFile& file, KEPLoadResult& result) {
     file.entries.push_back({std::move(key), std::move(value), line});
     CheckValue(file, file.entries.back(), result);
   }
-  return result.Errors().size() == errorsBefore;
 }
 
 // Parents must be known and must not loop back.
@@ -180,7 +166,7 @@ KEPLoadResult KEPConfigurationLoader::LoadDirectory(const std::string& directory
   std::sort(paths.begin(), paths.end());
   std::vector<ParsedFile> files(paths.size());
   for (std::size_t i = 0; i < paths.size(); ++i) Parse(paths[i], files[i], result);
-  if (!result.Ok()) return result;
+  // Parents are checked even after faults in the files, so that one run lists them all.
   CheckParents(files, result);
   if (result.Ok()) Apply(files);
   return result;
@@ -189,7 +175,7 @@ KEPLoadResult KEPConfigurationLoader::LoadDirectory(const std::string& directory
 KEPLoadResult KEPConfigurationLoader::LoadFile(const std::string& path) {
   KEPLoadResult result;
   std::vector<ParsedFile> files(1);
-  if (!Parse(path, files[0], result)) return result;
+  Parse(path, files[0], result);
   CheckParents(files, result);
   if (result.Ok()) Apply(files);
   return result;

@@ -2,9 +2,11 @@
 // configuration store.
 //
 // A file holds UTF-8 lines: blank, "# comment", "@parent = other-id", or "Key = Value" (both
-// trimmed). A repeated key, a line without "=", an unknown directive, a parent that no file of the
-// directory defines, a parent cycle, a range key that is not a finite number and a "GroupCount"
-// that is not a count of at most kMaxGroupCount are errors.
+// trimmed). What cannot be read is an error and stops the load: a line without "=", an empty key,
+// a repeated key, an unknown directive, a parent that is not defined, a parent cycle, invalid
+// UTF-8, a file that cannot be read. A value that the readers take differently from how it looks
+// ("0 (black)" for a number, "-1" for a count) and a key that no reader asks for are warnings
+// (KEPReaderKeys): the file loads, and the result lists them.
 #pragma once
 
 #include <string>
@@ -13,10 +15,9 @@
 
 class KEPConfigurationLoader {
  public:
-  static constexpr unsigned long long kMaxGroupCount = 1000;
-
   /// Reads every "*.cfg" file of `directory` (file name order). The store is changed only when
-  /// every file is valid; otherwise the result lists every error and the store is untouched.
+  /// no file has an error; otherwise the result lists every error and the store is untouched.
+  /// Warnings are listed either way.
   /// A missing directory is an error; an empty one is not.
   static KEPLoadResult LoadDirectory(const std::string& directory);
   /// Reads one file as configuration `<stem of path>`; its parent must already be in the store

@@ -1,11 +1,13 @@
 #include "KEPShaderLibraryLoader.h"
 
 #include <filesystem>
+#include <optional>
 #include <set>
 
 #include "KEPFileText.h"
 #include "KEPHostValueJson.h"
 #include "KEPJsonReader.h"
+#include "KEPReaderKeys.h"
 
 namespace {
 class Reader {
@@ -146,22 +148,36 @@ class Reader {
                 "' needs a default: it gives the number of components");
       ok = false;
     }
-    if (resources) ok = Resources(*resources, parameter) && ok;
-    (void)owner;
+    if (resources) ok = Resources(*resources, owner, parameter) && ok;
     return ok;
   }
 
-  bool Resources(const KEPJsonValue& json, KEPHostParameterDefinition& parameter) {
+  bool Resources(const KEPJsonValue& json, const KEPHostShaderTypeDefinition& owner,
+                 KEPHostParameterDefinition& parameter) {
     if (!json.IsObject()) return Error(json, "resources", "expected an object of texts"), false;
     if (json.members.size() > KEPShaderLibraryLoader::kMaxResources)
       return Error(json, "resources", "more than 1000 resources"), false;
     bool ok = true;
     for (const auto& [key, member] : json.members) {
       std::string text;
-      if (Text(member, key, text))
-        parameter.resources[key] = text;
-      else
+      if (!Text(member, key, text)) {
         ok = false;
+        continue;
+      }
+      // The readers parse some resources as numbers: a text they take differently from how it
+      // looks, or a key they never ask for, is kept and reported.
+      if (std::optional<KEPValueFinding> finding = KEPReaderKeys::ResourceEntry(key, text)) {
+        KEPLoadIssue warning;
+        warning.file = path_;
+        warning.line = member.line;
+        warning.key = key;
+        warning.message = std::move(finding->message);
+        warning.hint = std::move(finding->hint);
+        warning.shaderType = owner.name;
+        warning.parameter = parameter.name;
+        result_.AddWarning(std::move(warning));
+      }
+      parameter.resources[key] = std::move(text);
     }
     return ok;
   }

@@ -7,7 +7,9 @@
 //
 // Every problem is reported as "file:line: key 'k': message": malformed JSON, a repeated key,
 // an unknown member, an unknown parameter or shader type, a default of the wrong shape, a repeated
-// parameter name, counts above the limits below.
+// parameter name, counts above the limits below. A resource text that the readers take
+// differently from how it looks ("0.5x" for "min") or a resource key that they never ask for is a
+// warning (KEPReaderKeys): the library loads.
 #pragma once
 
 #include <string>
