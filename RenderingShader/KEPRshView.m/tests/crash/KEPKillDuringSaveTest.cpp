@@ -1,6 +1,11 @@
-// Kills a writer process (SIGKILL) at random moments while it saves a document and the
-// preferences over and over, and checks after every kill that each file is one of the known
-// versions, whole, and that a kill leaves at most the temporary file of the save it interrupted.
+// Kills writer processes (SIGKILL) at random moments while they save a document and the
+// preferences over and over, and checks after every kill that each file holds the version of its
+// last finished save or of the save under way, whole, and that a kill leaves at most the temporary
+// file of the save it interrupted. The writers come from keprsh_save_loop (writer/), which says
+// which saves it finished, so that the test knows which versions each file may hold.
+//
+// KEPRSH_KILL_ROUNDS sets the number of kills (default 300); on a slow disk the test stops after
+// 15 s once it has made 100.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -13,12 +18,15 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
 #include <set>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "KEPAtomicFile.h"
 #include "KEPHostPreferences.h"
@@ -46,71 +54,82 @@ int Rounds() {
   return rounds && std::atoi(rounds) > 0 ? std::atoi(rounds) : 300;
 }
 
-/// A running writer (keprsh_save_loop) whose standard output is a pipe to this process.
-class Writer {
+/// A running keprsh_save_loop whose standard input and output are pipes to this process.
+class SaveLoop {
  public:
-  Writer(const fs::path& document, const fs::path& preferences, const std::string& count = "") {
-    int pipe[2] = {-1, -1};
-    if (::pipe2(pipe, O_CLOEXEC) != 0) return;
-    output_ = pipe[0];
+  explicit SaveLoop(std::vector<std::string> args) {
+    int input[2] = {-1, -1}, output[2] = {-1, -1};
+    if (::pipe2(input, O_CLOEXEC) != 0 || ::pipe2(output, O_CLOEXEC) != 0) return;
+    input_ = input[1];
+    output_ = output[0];
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, pipe[1], STDOUT_FILENO);
-    std::string program = KEPRSH_SAVE_LOOP, documentArg = document, preferencesArg = preferences,
-                countArg = count;
-    char* argv[] = {program.data(), documentArg.data(), preferencesArg.data(),
-                    count.empty() ? nullptr : countArg.data(), nullptr};
-    if (::posix_spawn(&pid_, program.c_str(), &actions, nullptr, argv, environ) != 0) pid_ = -1;
+    ::posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    args.insert(args.begin(), KEPRSH_SAVE_LOOP);
+    std::vector<char*> argv;
+    for (std::string& arg : args) argv.push_back(arg.data());
+    argv.push_back(nullptr);
+    if (::posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
     ::posix_spawn_file_actions_destroy(&actions);
-    ::close(pipe[1]);
+    ::close(input[0]);
+    ::close(output[1]);
   }
-  ~Writer() {
-    if (pid_ > 0) Kill();
+  ~SaveLoop() {
+    CloseInput();
+    if (pid_ > 0) {
+      ::kill(pid_, SIGKILL);
+      Wait();
+    }
     if (output_ >= 0) ::close(output_);
   }
-  Writer(const Writer&) = delete;
-  Writer& operator=(const Writer&) = delete;
+  SaveLoop(const SaveLoop&) = delete;
+  SaveLoop& operator=(const SaveLoop&) = delete;
 
-  pid_t Pid() const { return pid_; }
-
-  /// True once the writer says it is about to save; false when it does not within `timeout`.
-  bool WaitUntilReady(milliseconds timeout) {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (said_.find('\n') == std::string::npos)
-      if (!Listen(deadline)) return false;
-    return said_.starts_with("ready\n");
+  bool Running() const { return pid_ > 0; }
+  bool Send(char command) { return ::write(input_, &command, 1) == 1; }
+  void CloseInput() {
+    if (input_ >= 0) ::close(input_);
+    input_ = -1;
   }
 
-  /// True once the writer has finished `saves` saves; false when it does not within `timeout`.
-  bool WaitForSaves(int saves, milliseconds timeout) {
+  /// Everything it said since the last Forget.
+  const std::string& Said() const { return said_; }
+  void Forget() { said_.clear(); }
+  /// Reads what it says until `done(Said())`; false when it ends or `timeout` passes first.
+  bool ListenUntil(const std::function<bool(const std::string&)>& done, milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (Saves() < saves)
-      if (!Listen(deadline)) return false;
+    while (!done(said_)) {
+      const auto left =
+          std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
+      pollfd poll{output_, POLLIN, 0};
+      if (left.count() <= 0) {
+        trouble_ = "nothing said in time";
+        return false;
+      }
+      const int ready = ::poll(&poll, 1, static_cast<int>(left.count()));
+      if (ready < 0 && errno == EINTR) continue;
+      if (ready <= 0) {
+        trouble_ =
+            ready == 0 ? "nothing said in time" : std::string("poll: ") + std::strerror(errno);
+        return false;
+      }
+      char buffer[256];
+      const ssize_t n = ::read(output_, buffer, sizeof buffer);
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) {
+        trouble_ = n == 0 ? "it ended" : std::string("read: ") + std::strerror(errno);
+        return false;
+      }
+      said_.append(buffer, static_cast<std::size_t>(n));
+    }
     return true;
   }
 
-  /// The saves the writer said it finished (all of them once it has ended and ReadToEnd ran).
-  int Saves() const {
-    const std::size_t ready = said_.find('\n');
-    return ready == std::string::npos
-               ? 0
-               : static_cast<int>(std::count(said_.begin() + static_cast<std::ptrdiff_t>(ready),
-                                             said_.end(), 's'));
-  }
+  /// Why the last ListenUntil failed.
+  const std::string& Trouble() const { return trouble_; }
 
-  /// After the writer ended: reads what it said before it died.
-  void ReadToEnd() {
-    while (Listen(std::chrono::steady_clock::now() + milliseconds(1000))) {
-    }
-  }
-
-  /// Kills the writer and returns its wait status.
-  int Kill() {
-    ::kill(pid_, SIGKILL);
-    return Wait();
-  }
-
-  /// Waits for the writer to end and returns its wait status.
+  /// Waits for it to end and returns its wait status.
   int Wait() {
     int status = 0;
     while (::waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
@@ -120,28 +139,30 @@ class Writer {
   }
 
  private:
-  /// Reads what the writer says into said_; false at its end or at `deadline`.
-  bool Listen(std::chrono::steady_clock::time_point deadline) {
-    const auto left =
-        std::chrono::duration_cast<milliseconds>(deadline - std::chrono::steady_clock::now());
-    pollfd poll{output_, POLLIN, 0};
-    if (left.count() <= 0 || ::poll(&poll, 1, static_cast<int>(left.count())) <= 0) return false;
-    char buffer[256];
-    const ssize_t n = ::read(output_, buffer, sizeof buffer);
-    if (n <= 0) return false;
-    said_.append(buffer, static_cast<std::size_t>(n));
-    return true;
-  }
-
   pid_t pid_ = -1;
+  int input_ = -1;
   int output_ = -1;
   std::string said_;
+  std::string trouble_;
 };
+
+bool SaidLine(const std::string& said) {
+  return said.find('\n') != std::string::npos;
+}
+
+/// The saves a writer said it finished: the "s" after its first line.
+int Saves(const std::string& said) {
+  const std::size_t line = said.find('\n');
+  return line == std::string::npos
+             ? 0
+             : static_cast<int>(
+                   std::count(said.begin() + static_cast<std::ptrdiff_t>(line), said.end(), 's'));
+}
 
 /// Save n (from 1) of the writer is of version VersionOfSave(n): odd saves are of the document,
 /// even ones of the preferences, two a version.
-int VersionOfSave(int save) {
-  return (save + 1) / 2 % keptest::SaveVersions::kCount;
+std::size_t VersionOfSave(int save) {
+  return static_cast<std::size_t>((save + 1) / 2 % keptest::SaveVersions::kCount);
 }
 
 class KillDuringSave : public keptest::Fixture {
@@ -224,8 +245,9 @@ TEST_F(KillDuringSave, EveryFileIsAlwaysAWholeKnownVersion) {
   // A save takes from microseconds to many milliseconds, depending on how fast the disk flushes:
   // a writer left to finish a few iterations tells how long.
   constexpr int kCalibration = 2 * keptest::SaveVersions::kCount;
-  Writer calibration(document_, preferences_, std::to_string(kCalibration));
-  ASSERT_TRUE(calibration.WaitUntilReady(milliseconds(30000)));
+  SaveLoop calibration({document_, preferences_, std::to_string(kCalibration)});
+  ASSERT_TRUE(calibration.ListenUntil(SaidLine, milliseconds(30000)));
+  ASSERT_EQ(calibration.Said(), "ready\n");
   const auto started = std::chrono::steady_clock::now();
   const int calibrated = calibration.Wait();
   ASSERT_TRUE(WIFEXITED(calibrated) && WEXITSTATUS(calibrated) == 0)
@@ -236,17 +258,19 @@ TEST_F(KillDuringSave, EveryFileIsAlwaysAWholeKnownVersion) {
                                std::chrono::microseconds(200), std::chrono::microseconds(100000));
 
   // Each kill comes after the writer has finished 0 to 3 saves (so that it hits both files, in
-  // small and large versions), plus a pause of up to one save.
+  // small and large versions), plus a pause of up to about one save.
   const unsigned seed = std::random_device()();
   SCOPED_TRACE("random seed " + std::to_string(seed));
   std::mt19937 random(seed);
   std::uniform_int_distribution<int> savesFirst(0, 3);
   std::uniform_int_distribution<long long> pause(0, save.count());
 
-  // Where the disk flushes very slowly the test stops after kBudget, once it has made kMinimum
-  // kills.
+  // The writers are forks of one server, started without the cost of starting a program. Where
+  // the disk flushes very slowly the test stops after kBudget, once it has made kMinimum kills.
   constexpr auto kBudget = std::chrono::seconds(15);
   constexpr int kMinimum = 100;
+  SaveLoop server({"--serve", document_, preferences_});
+  ASSERT_TRUE(server.Running()) << "cannot start " << KEPRSH_SAVE_LOOP;
   const auto budgetStart = std::chrono::steady_clock::now();
   const int rounds = Rounds();
   int kills = 0;
@@ -255,21 +279,28 @@ TEST_F(KillDuringSave, EveryFileIsAlwaysAWholeKnownVersion) {
     if (kills >= kMinimum && std::chrono::steady_clock::now() - budgetStart > kBudget) break;
     SCOPED_TRACE("kill " + std::to_string(round + 1));
     const std::string oldDocument = Read(document_), oldPreferences = Read(preferences_);
-    Writer writer(document_, preferences_);
-    ASSERT_GT(writer.Pid(), 0) << "cannot start " << KEPRSH_SAVE_LOOP;
-    ASSERT_TRUE(writer.WaitUntilReady(milliseconds(30000)));
-    ASSERT_TRUE(writer.WaitForSaves(savesFirst(random), milliseconds(30000)));
+    server.Forget();
+    ASSERT_TRUE(server.Send('w'));
+    ASSERT_TRUE(server.ListenUntil(SaidLine, milliseconds(30000))) << server.Trouble();
+    const pid_t pid = std::stoi(server.Said());
+    const int first = savesFirst(random);
+    ASSERT_TRUE(server.ListenUntil([&](const std::string& said) { return Saves(said) >= first; },
+                                   milliseconds(30000)))
+        << server.Trouble();
     std::this_thread::sleep_for(std::chrono::microseconds(pause(random)));
-    const pid_t pid = writer.Pid();
-    const int status = writer.Kill();
-    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
-        << "the writer ended by itself (wait status " << status << ")";
+    ::kill(pid, SIGKILL);
+    const auto ended = [](const std::string& said) {
+      return said.ends_with("k\n") || said.ends_with("e\n");
+    };
+    ASSERT_TRUE(server.ListenUntil(ended, milliseconds(30000)))
+        << server.Trouble() << " after \"" << server.Said() << "\" (wait status " << server.Wait()
+        << ")";
+    ASSERT_TRUE(server.Said().ends_with("k\n")) << "the writer ended by itself";
     ++kills;
-    writer.ReadToEnd();
 
     // Each file holds the version of its last finished save (the old content when there was
     // none) or, when the save under way at the kill was of it, that save's version.
-    const int finished = writer.Saves();
+    const int finished = Saves(server.Said());
     const int underWay = finished + 1;
     const auto allowed = [&](int parity, const std::vector<std::string>& versions,
                              const std::string& old) {
@@ -301,9 +332,12 @@ TEST_F(KillDuringSave, EveryFileIsAlwaysAWholeKnownVersion) {
   RecordProperty("kills", kills);
   RecordProperty("interrupted", interrupted);
 
+  server.CloseInput();
+  const int served = server.Wait();
+  EXPECT_TRUE(WIFEXITED(served) && WEXITSTATUS(served) == 0) << "wait status " << served;
+
   // A writer left to finish removes every leftover and ends with its last version (0).
-  Writer last(document_, preferences_, "3");
-  ASSERT_TRUE(last.WaitUntilReady(milliseconds(30000)));
+  SaveLoop last({document_, preferences_, "3"});
   const int status = last.Wait();
   ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "wait status " << status;
   int ofDocument = 0, ofPreferences = 0, ofWriter = 0;

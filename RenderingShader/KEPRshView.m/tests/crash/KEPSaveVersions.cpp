@@ -6,7 +6,7 @@
 namespace keptest {
 
 namespace {
-constexpr int kNodes[SaveVersions::kCount] = {1, 25, 250};
+constexpr int kNodes[SaveVersions::kCount] = {1, 8, 60};
 constexpr std::size_t kPayload[SaveVersions::kCount] = {8, 3000, 40000};
 }  // namespace
 
@@ -33,7 +33,8 @@ SaveVersions::SaveVersions() {
 }
 
 bool SaveVersions::SaveDocument(int version, const std::string& path, std::string& error) {
-  const KEPLoadResult result = KEPShaderDocumentWriter::Save(*documents_.at(version), path);
+  const KEPLoadResult result =
+      KEPShaderDocumentWriter::Save(*documents_.at(static_cast<std::size_t>(version)), path);
   error = result.Text();
   return result.Ok();
 }
