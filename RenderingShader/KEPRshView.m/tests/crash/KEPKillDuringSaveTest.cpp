@@ -5,7 +5,7 @@
 // which saves it finished, so that the test knows which versions each file may hold.
 //
 // KEPRSH_KILL_ROUNDS sets the number of kills (default 300); on a slow disk the test stops after
-// 15 s once it has made 100.
+// 12 s once it has made 100.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -267,7 +267,7 @@ TEST_F(KillDuringSave, EveryFileIsAlwaysAWholeKnownVersion) {
 
   // The writers are forks of one server, started without the cost of starting a program. Where
   // the disk flushes very slowly the test stops after kBudget, once it has made kMinimum kills.
-  constexpr auto kBudget = std::chrono::seconds(15);
+  constexpr auto kBudget = std::chrono::seconds(12);
   constexpr int kMinimum = 100;
   SaveLoop server({"--serve", document_, preferences_});
   ASSERT_TRUE(server.Running()) << "cannot start " << KEPRSH_SAVE_LOOP;
