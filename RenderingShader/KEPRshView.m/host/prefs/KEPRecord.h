@@ -8,7 +8,9 @@
 //
 // The recorder starts in the mode given by the environment on first use:
 //   KEPRSH_RECORD_MODE = capture | replay   and   KEPRSH_RECORD = path of the record file.
-// Record file (JSON): { "softwareLevels": { "<setting>": <level>, ... } }
+// Record file (JSON): { "softwareLevels": { "<setting>": <level>, ... } }. A setting name that
+// is not valid UTF-8 is kept with U+FFFD in place of its bad bytes, when capturing and replaying
+// alike.
 #pragma once
 
 // Host types have one identity in every library that uses them (see KEP_EXPORT).

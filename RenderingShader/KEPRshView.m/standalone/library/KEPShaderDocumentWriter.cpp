@@ -104,7 +104,14 @@ KEPLoadResult KEPShaderDocumentWriter::Save(KEPHostShaderDocument& document,
                                             const std::string& path) {
   KEPLoadResult result;
   std::string error;
-  if (!KEPWriteFileAtomically(path, Format(document, path), error))
-    result.AddError(path, 0, "", error);
+  try {
+    if (!KEPWriteFileAtomically(path, Format(document, path), error)) {
+      // The error starts with the path, which AddError puts in front anyway.
+      const std::string prefix = path + ": ";
+      result.AddError(path, 0, "", error.starts_with(prefix) ? error.substr(prefix.size()) : error);
+    }
+  } catch (const std::exception& e) {  // no memory for the text: nothing was written
+    result.AddError(path, 0, "", std::string("cannot save: ") + e.what());
+  }
   return result;
 }

@@ -4,9 +4,11 @@
 
 #include "KEPHostContext.h"
 
+#include <utf8.h>
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -31,16 +33,27 @@ Recorder& TheRecorder() {
   return KEPHostContext::State<Recorder>();
 }
 
-std::string Serialise(const std::map<KEPString, int>& levels) {
-  nlohmann::json root;
-  root["softwareLevels"] = nlohmann::json::object();
-  for (const auto& [name, level] : levels) root["softwareLevels"][name] = level;
-  return root.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+/// `name` as the record keeps it: the file is UTF-8 JSON, so bytes that are not UTF-8 are
+/// replaced by U+FFFD, the same way when capturing and when replaying, so that a replay finds
+/// every level its capture recorded.
+std::string RecordKey(const KEPString& name) {
+  if (utf8::find_invalid(name.begin(), name.end()) == name.end()) return name;
+  std::string key;
+  utf8::replace_invalid(name.begin(), name.end(), std::back_inserter(key));
+  return key;
 }
 
-bool WriteRecord(const Recorder& recorder) {
+/// Writes `levels` to the record file; false (traced) when it cannot be written.
+bool WriteRecord(const std::string& path, const std::map<KEPString, int>& levels) {
   std::string error;
-  if (KEPWriteFileAtomically(recorder.path, Serialise(recorder.levels), error)) return true;
+  try {
+    nlohmann::json root;
+    root["softwareLevels"] = nlohmann::json::object();
+    for (const auto& [name, level] : levels) root["softwareLevels"][name] = level;
+    if (KEPWriteFileAtomically(path, root.dump(2) + "\n", error)) return true;
+  } catch (const std::exception& e) {  // a dump that failed, or no memory: nothing was written
+    error = path + ": " + e.what();
+  }
   Trace().Error(__FILE__, __LINE__, "Cannot write the record: %s", error.c_str());
   return false;
 }
@@ -125,14 +138,18 @@ int KEPRecord::GetSoftwareLevel(const KEPString& name) {
       return GetBuiltInLevel(name);
     case KEPRecordMode::Capture: {
       const int level = GetBuiltInLevel(name);
-      const auto [it, inserted] = recorder.levels.emplace(name, level);
-      if (!inserted && it->second == level) return level;
-      it->second = level;
-      WriteRecord(recorder);
+      const std::string key = RecordKey(name);
+      const auto it = recorder.levels.find(key);
+      if (it != recorder.levels.end() && it->second == level) return level;
+      // Kept only once the file holds it: the levels in memory are always those of the file,
+      // and a level that could not be written is tried again when it is next asked for.
+      std::map<KEPString, int> levels = recorder.levels;
+      levels[key] = level;
+      if (WriteRecord(recorder.path, levels)) recorder.levels.swap(levels);
       return level;
     }
     case KEPRecordMode::Replay: {
-      const auto it = recorder.levels.find(name);
+      const auto it = recorder.levels.find(RecordKey(name));
       return it == recorder.levels.end() ? 0 : it->second;
     }
   }
@@ -153,7 +170,7 @@ HRESULT KEPHostRecorder::StartCapture(const std::string& path) {
   Stop();
   Recorder& recorder = TheRecorder();
   recorder.path = path;
-  if (path.empty() || !WriteRecord(recorder)) {
+  if (path.empty() || !WriteRecord(path, recorder.levels)) {
     recorder.path.clear();
     return E_FAIL;
   }

@@ -3,19 +3,22 @@
 //   { "repositories": { "<repository>": { "<key>": "text" | [short, ...], ... }, ... } }
 //
 // A file that does not parse, or whose top level has another shape, is renamed to "<file>.bad"
-// (so the user's data is never silently lost) and the store starts empty; a single value of the
-// wrong type is dropped with a warning naming its repository and key.
+// (or "<file>.bad.1", ... when that exists, so the user's data is never silently lost) and the
+// store starts empty; a single value of the wrong type is dropped with a warning naming its
+// repository and key.
 #include "KEPSysPreferenceRepository.h"
 #include "KEPFileServices.h"
 #include "KEPHostPreferences.h"
 
 #include "KEPHostContext.h"
 
+#include <utf8.h>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -41,6 +44,17 @@ int LineOf(const std::string& text, std::size_t offset) {
   offset = std::min(offset, text.size());
   return 1 + static_cast<int>(std::count(text.begin(),
                                          text.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
+}
+
+bool IsUtf8(const std::string& text) {
+  return utf8::find_invalid(text.begin(), text.end()) == text.end();
+}
+
+/// `text` for a trace: bytes that are not UTF-8 replaced by U+FFFD.
+std::string Printable(const std::string& text) {
+  std::string out;
+  utf8::replace_invalid(text.begin(), text.end(), std::back_inserter(out));
+  return out;
 }
 
 /// A JSON value as a preference value; false when it is neither a text nor a list of shorts.
@@ -78,8 +92,11 @@ struct KEPPreferenceStore {
   }
 
   void SetAside(int line, const std::string& reason) {
-    const std::string bad = path + ".bad";
+    // A file set aside before is never replaced: "<file>.bad", else "<file>.bad.1", ...
+    std::string bad = path + ".bad";
     std::error_code ec;
+    for (int n = 1; std::filesystem::exists(bad, ec) && n <= 1000; ++n)
+      bad = path + ".bad." + std::to_string(n);
     std::filesystem::rename(path, bad, ec);
     if (ec)
       Trace().Warning("%s:%d: malformed preference file (%s); it could not be set aside: %s",
@@ -142,12 +159,17 @@ struct KEPPreferenceStore {
     }
   }
 
-  std::string Serialise() const {
+  /// The file's text with every repository's committed state, except that `changed` has
+  /// `values` instead. Every text is valid UTF-8 (the setters refuse others), so what a load
+  /// reads back is exactly what was serialised; a strict dump makes sure of it.
+  std::string Serialise(const KEPSysPreferenceRepository& changed,
+                        const KEPSysPreferenceRepository::Values& values) const {
     nlohmann::json all = nlohmann::json::object();
     for (const auto& [name, repository] : repositories) {
-      if (repository->committed_.empty()) continue;
+      const auto& committed = repository.get() == &changed ? values : repository->committed_;
+      if (committed.empty()) continue;
       nlohmann::json entries = nlohmann::json::object();
-      for (const auto& [key, value] : repository->committed_) {
+      for (const auto& [key, value] : committed) {
         if (const auto* text = std::get_if<KEPString>(&value))
           entries[key] = *text;
         else
@@ -157,13 +179,18 @@ struct KEPPreferenceStore {
     }
     nlohmann::json root;
     root["repositories"] = std::move(all);
-    return root.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    return root.dump(2) + "\n";
   }
 };
 
 KEPSysPreferenceRepository* KEPSysPreferenceRepository::GetRepository(const KEPString& name) {
   KEPPreferenceStore& store = KEPPreferenceStore::Get();
   if (name.empty() || store.unavailable.count(name)) return nullptr;
+  if (!IsUtf8(name)) {
+    Trace().Error(__FILE__, __LINE__, "Repository \"%s\": the name is not valid UTF-8",
+                  Printable(name).c_str());
+    return nullptr;
+  }
   store.Load();
   return &store.Repository(name);
 }
@@ -178,7 +205,7 @@ HRESULT KEPSysPreferenceRepository::GetValue(const KEPString& key, KEPString& va
 }
 
 HRESULT KEPSysPreferenceRepository::SetValue(const KEPString& key, const KEPString& value) {
-  if (key.empty()) return E_INVALIDARG;
+  if (key.empty() || !Storable(key, &value)) return E_INVALIDARG;
   values_[key] = value;
   return S_OK;
 }
@@ -196,7 +223,7 @@ int KEPSysPreferenceRepository::ReadSetting(const KEPString& key, short* values,
 }
 
 int KEPSysPreferenceRepository::WriteSetting(const KEPString& key, const short* values, int count) {
-  if (key.empty() || !values || count < 1) return 0;
+  if (key.empty() || !values || count < 1 || !Storable(key, nullptr)) return 0;
   values_[key] = std::vector<short>(values, values + count);
   return count;
 }
@@ -215,25 +242,49 @@ std::vector<KEPString> KEPSysPreferenceRepository::Keys() const {
   return keys;
 }
 
+bool KEPSysPreferenceRepository::HasUncommittedChanges() const {
+  return values_ != committed_;
+}
+
+bool KEPSysPreferenceRepository::Storable(const KEPString& key, const KEPString* text) const {
+  // The file is UTF-8 JSON: a text that is not UTF-8 could only be written altered, and a load
+  // would then read back something else than what this repository holds.
+  const bool keyOk = IsUtf8(key);
+  if (keyOk && (!text || IsUtf8(*text))) return true;
+  Trace().Error(__FILE__, __LINE__,
+                "Repository \"%s\", key \"%s\": the %s is not valid UTF-8; not stored",
+                name_.c_str(), Printable(key).c_str(), keyOk ? "value" : "key");
+  return false;
+}
+
 HRESULT KEPSysPreferenceRepository::Commit() {
   KEPPreferenceStore& store = KEPPreferenceStore::Get();
   if (store.path.empty()) {
     Trace().Error(__FILE__, __LINE__, "Cannot commit \"%s\": no preference file", name_.c_str());
     return E_FAIL;
   }
-  Values previous = std::move(committed_);
-  committed_ = values_;
-  std::error_code ec;
-  const std::filesystem::path parent = std::filesystem::path(store.path).parent_path();
-  if (!parent.empty()) std::filesystem::create_directories(parent, ec);
+  // The committed state changes only once the file holds it: after a failure this repository
+  // still has its uncommitted changes, and the file and every repository's committed state
+  // agree.
   std::string error;
-  if (ec || !KEPWriteFileAtomically(store.path, store.Serialise(), error)) {
-    committed_ = std::move(previous);
-    Trace().Error(__FILE__, __LINE__, "Cannot commit \"%s\": %s", name_.c_str(),
-                  ec ? (store.path + ": " + ec.message()).c_str() : error.c_str());
-    return E_FAIL;
+  bool written = false;
+  try {
+    Values next = values_;
+    const std::string text = store.Serialise(*this, next);
+    std::error_code ec;
+    const std::filesystem::path parent = std::filesystem::path(store.path).parent_path();
+    if (!parent.empty()) std::filesystem::create_directories(parent, ec);
+    if (ec)
+      error = store.path + ": cannot create its directory: " + ec.message();
+    else
+      written = KEPWriteFileAtomically(store.path, text, error);
+    if (written) committed_.swap(next);
+  } catch (const std::exception& e) {  // a dump that failed, or no memory: nothing was written
+    error = store.path + ": " + e.what();
   }
-  return S_OK;
+  if (written) return S_OK;
+  Trace().Error(__FILE__, __LINE__, "Cannot commit \"%s\": %s", name_.c_str(), error.c_str());
+  return E_FAIL;
 }
 
 std::string KEPHostPreferences::FilePath() {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <map>
+
 #include "KEPHostRecorder.h"
 #include "KEPRecord.h"
 #include "KEPServicesTestUtil.h"
@@ -88,6 +91,41 @@ TEST_F(RecordTest, AnUnusableRecordLeavesTheRecorderOffWithAnError) {
   EXPECT_EQ(KEPHostRecorder::StartCapture(dir_.File("missing/dir.rec")), E_FAIL);
   EXPECT_EQ(KEPRecord::GetMode(), KEPRecordMode::Off);
   EXPECT_EQ(traces.Entries().size(), 1u);
+}
+
+TEST_F(RecordTest, ANameThatIsNotUtf8IsRecordedAndReplayedUnderTheSameKey) {
+  const std::string path = dir_.File("names.rec");
+  ASSERT_EQ(KEPHostRecorder::StartCapture(path), S_OK);
+  EXPECT_NO_THROW(EXPECT_EQ(KEPRecord::GetSoftwareLevel("Gr\xE9sil"), 1));
+  // The file holds what memory holds: the name with U+FFFD for its bad byte.
+  const std::map<KEPString, int> recorded = {{"Gr\xEF\xBF\xBDsil", 1}};
+  EXPECT_EQ(KEPHostRecorder::RecordedLevels(), recorded);
+  EXPECT_NE(ReadFile(path).find("\"Gr\xEF\xBF\xBDsil\": 1"), std::string::npos) << ReadFile(path);
+  KEPHostRecorder::Stop();
+  ASSERT_EQ(KEPHostRecorder::StartReplay(path), S_OK);
+  EXPECT_EQ(KEPHostRecorder::RecordedLevels(), recorded);
+  EXPECT_EQ(KEPRecord::GetSoftwareLevel("Gr\xE9sil"), 1);
+}
+
+TEST_F(RecordTest, ALevelThatCannotBeWrittenIsNotRecordedAndIsTriedAgain) {
+  const std::string path = dir_.File("blocked.rec");
+  ASSERT_EQ(KEPHostRecorder::StartCapture(path), S_OK);
+  const std::string empty = ReadFile(path);
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);  // the record file cannot be replaced now
+  {
+    keptest::TraceCapture traces;
+    EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
+    EXPECT_TRUE(KEPHostRecorder::RecordedLevels().empty());
+    ASSERT_EQ(traces.Entries().size(), 1u);
+    EXPECT_TRUE(traces.Contains(path)) << traces.Entries()[0].text;
+  }
+  std::filesystem::remove(path);
+  WriteFile(path, empty);
+  EXPECT_EQ(KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel"), 1);
+  EXPECT_EQ(KEPHostRecorder::RecordedLevels(),
+            (std::map<KEPString, int>{{"LayoutParameterSortingLevel", 1}}));
+  EXPECT_NE(ReadFile(path).find("LayoutParameterSortingLevel"), std::string::npos);
 }
 
 /// Ends a death-test child: removes its temporary directory and exits 0 when `ok`.

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
+#include <functional>
+#include <map>
 
-#include "KEPAtomicFile.h"
 #include "KEPHostPreferences.h"
 #include "KEPServicesTestUtil.h"
 #include "KEPSysPreferenceRepository.h"
@@ -139,8 +139,11 @@ TEST_F(PreferenceTest, MalformedFilesAreSetAsideWithAWarningNamingFileAndLine) {
       {"repository not an object", "{ \"repositories\": { \"R\": 5 } }", 1},
   };
   std::filesystem::create_directories(dir_.File("prefs"));
+  std::vector<std::string> setAside;  // each file set aside before stays as it was
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
+    const std::string bad =
+        file_ + ".bad" + (setAside.empty() ? "" : "." + std::to_string(setAside.size()));
     WriteFile(file_, row.content);
     keptest::TraceCapture traces;
     KEPSysPreferenceRepository* repo = Reopen("R");
@@ -152,7 +155,10 @@ TEST_F(PreferenceTest, MalformedFilesAreSetAsideWithAWarningNamingFileAndLine) {
               std::string::npos)
         << traces.Entries()[0].text;
     EXPECT_FALSE(std::filesystem::exists(file_));
-    EXPECT_EQ(ReadFile(file_ + ".bad"), row.content);  // the user's data is kept
+    EXPECT_TRUE(traces.Contains("set aside as " + bad)) << traces.Entries()[0].text;
+    setAside.push_back(row.content);
+    for (std::size_t n = 0; n < setAside.size(); ++n)  // the user's data is kept
+      EXPECT_EQ(ReadFile(file_ + ".bad" + (n ? "." + std::to_string(n) : "")), setAside[n]);
 
     // The store goes on working and writes a good file again.
     repo->SetValue("k", "v");
@@ -188,54 +194,141 @@ TEST_F(PreferenceTest, ACommitThatCannotWriteFailsNamingTheFile) {
   EXPECT_EQ(repo->GetValue("k", text), S_OK);
 }
 
-TEST(AtomicFileTest, ReplacesTheWholeFileAndLeavesNothingElse) {
-  keptest::TempDir dir;
-  const std::string path = dir.File("f.json");
-  std::string error;
-  ASSERT_TRUE(KEPWriteFileAtomically(path, "old content that is longer", error));
-  ASSERT_TRUE(KEPWriteFileAtomically(path, "new", error));
-  EXPECT_EQ(ReadFile(path), "new");
-  int files = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.Path()))
-    ++files;
-  EXPECT_EQ(files, 1);
-
-  // Into a missing directory: failure naming the file, and the target is not created.
-  EXPECT_FALSE(KEPWriteFileAtomically(dir.File("missing/f.json"), "x", error));
-  EXPECT_NE(error.find(dir.File("missing/f.json")), std::string::npos);
-}
-
-/// In a death-test child: allows at most 4 KiB per file, so that a larger write stops half way
-/// as a full disk or a crash would stop it, and exits 0 when the old file is left whole.
-[[noreturn]] void WriteCutShort(const keptest::TempDir& dir, const std::string& path,
-                                const std::string& old) {
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  limit.rlim_cur = limit.rlim_max = 4096;
-  ::setrlimit(RLIMIT_FSIZE, &limit);
-  std::string error;
-  const bool written = KEPWriteFileAtomically(path, std::string(100000, 'x'), error);
-  int files = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.Path()))
-    ++files;
-  std::_Exit(!written && ReadFile(path) == old && files == 1 && !error.empty() ? 0 : 1);
-}
-
-TEST(AtomicFileDeathTest, AWriteCutShortLeavesTheOldFileWhole) {
-  keptest::TempDir dir;
-  const std::string path = dir.File("preferences.json");
-  const std::string old = "{\"repositories\": {}}\n";
-  WriteFile(path, old);
-  EXPECT_EXIT(WriteCutShort(dir, path, old), ::testing::ExitedWithCode(0), "");
-  EXPECT_EQ(ReadFile(path), old);
-}
-
-}  // namespace
-
-namespace {
-TEST_F(PreferenceTest, TextThatIsNotUtf8NeverThrowsThroughACommit) {
+TEST_F(PreferenceTest, TextsThatAreNotUtf8AreRefusedWithoutThrowing) {
   KEPSysPreferenceRepository* repo = KEPSysPreferenceRepository::GetRepository("R");
-  ASSERT_EQ(repo->SetValue("Gr\xE9sil", "v\xFF"), S_OK);
+  ASSERT_EQ(repo->SetValue("k", "kept"), S_OK);
+  const short one = 1;
+  struct Row {
+    const char* what;
+    const char* key;
+    const char* text;  // null: a short value
+  };
+  const Row rows[] = {
+      {"text", "k", "v\xFF"},
+      {"key of a text", "Gr\xE9sil", "v"},
+      {"key of shorts", "Gr\xE9sil", nullptr},
+      {"cut sequence", "k", "caf\xC3"},
+      {"overlong encoding", "k", "\xC0\xAF"},
+      {"encoded surrogate", "k", "\xED\xA0\x80"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    keptest::TraceCapture traces;
+    EXPECT_NO_THROW({
+      if (row.text)
+        EXPECT_EQ(repo->SetValue(row.key, row.text), E_INVALIDARG);
+      else
+        EXPECT_EQ(repo->WriteSetting(row.key, &one, 1), 0);
+    });
+    ASSERT_EQ(traces.Entries().size(), 1u);
+    EXPECT_EQ(traces.Entries()[0].level, KEPTraceLevel::Error);
+    EXPECT_TRUE(traces.Contains("Repository \"R\", key \"")) << traces.Entries()[0].text;
+    EXPECT_TRUE(traces.Contains("not valid UTF-8")) << traces.Entries()[0].text;
+  }
+  EXPECT_EQ(repo->Keys(), std::vector<KEPString>{"k"});
+  KEPString text;
+  EXPECT_EQ(repo->GetValue("k", text), S_OK);
+  EXPECT_EQ(text, "kept");
+  EXPECT_EQ(KEPSysPreferenceRepository::GetRepository("R\xFF"), nullptr);
+  // Valid UTF-8 beyond ASCII is stored, and the file holds it as it is.
+  EXPECT_EQ(repo->SetValue("\xE2\x82\xAC", "\xF0\x9F\x98\x80"), S_OK);
   EXPECT_NO_THROW(EXPECT_EQ(repo->Commit(), S_OK));
+  EXPECT_EQ(Reopen("R")->GetValue("\xE2\x82\xAC", text), S_OK);
+  EXPECT_EQ(text, "\xF0\x9F\x98\x80");
 }
+
+/// Every key and value of repository `name`, as the repository answers them.
+std::map<KEPString, std::string> Contents(const char* name) {
+  std::map<KEPString, std::string> contents;
+  KEPSysPreferenceRepository* repo = KEPSysPreferenceRepository::GetRepository(name);
+  for (const KEPString& key : repo->Keys()) {
+    KEPString text;
+    short shorts[8] = {};
+    if (SUCCEEDED(repo->GetValue(key, text)))
+      contents[key] = "text " + text;
+    else
+      for (int i = 0, n = repo->ReadSetting(key, shorts, 8); i < n; ++i)
+        contents[key] += std::to_string(shorts[i]) + " ";
+  }
+  return contents;
+}
+
+TEST_F(PreferenceTest, AFailedCommitKeepsTheChangesAndASuccessfulOneWritesWhatMemoryHolds) {
+  KEPSysPreferenceRepository* a = KEPSysPreferenceRepository::GetRepository("A");
+  KEPSysPreferenceRepository* b = KEPSysPreferenceRepository::GetRepository("B");
+  a->SetValue("k", "first");
+  b->SetValue("k", "b");
+  ASSERT_EQ(a->Commit(), S_OK);
+  ASSERT_EQ(b->Commit(), S_OK);
+  EXPECT_FALSE(a->HasUncommittedChanges());
+  const std::string committed = ReadFile(file_);
+
+  a->SetValue("k", "second");
+  const short pair[] = {3, -4};
+  a->WriteSetting("pair", pair, 2);
+  EXPECT_EQ(a->SetValue("bad", "\xFF"), E_INVALIDARG);  // refused: not part of the commit
+  EXPECT_TRUE(a->HasUncommittedChanges());
+
+  // Places the file cannot be written to: a read-only directory (which binds everyone but the
+  // superuser) and a directory in the file's place.
+  const std::string directory = dir_.File("prefs");
+  struct Row {
+    const char* what;
+    std::function<void()> block, unblock;
+  };
+  const Row rows[] = {
+      {"read-only directory", [&] { ::chmod(directory.c_str(), 0555); },
+       [&] { ::chmod(directory.c_str(), 0755); }},
+      {"directory in its place",
+       [&] {
+         std::filesystem::remove(file_);
+         std::filesystem::create_directory(file_);
+       },
+       [&] {
+         std::filesystem::remove(file_);
+         WriteFile(file_, committed);
+       }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    if (std::string(row.what) == "read-only directory" && ::geteuid() == 0) continue;
+    row.block();
+    keptest::TraceCapture traces;
+    EXPECT_NO_THROW(EXPECT_EQ(a->Commit(), E_FAIL));
+    EXPECT_NO_THROW(EXPECT_EQ(b->Commit(), E_FAIL));  // B's unchanged state fails the same way
+    row.unblock();
+    ASSERT_EQ(traces.Entries().size(), 2u);
+    EXPECT_NE(traces.Entries()[0].text.find("\"A\": " + file_), std::string::npos)
+        << traces.Entries()[0].text;
+    EXPECT_TRUE(a->HasUncommittedChanges());
+    EXPECT_EQ(ReadFile(file_), committed);
+    int others = 0;  // no temporary file is left behind
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory))
+      ++others;
+    EXPECT_EQ(others, 1);
+  }
+
+  // B commits meanwhile: the file gets B's state and A's last committed state, not A's changes.
+  b->SetValue("k2", "b2");
+  ASSERT_EQ(b->Commit(), S_OK);
+  const auto bNow = Contents("B");
+  KEPHostPreferences::Unload();
+  EXPECT_EQ(Contents("A"), (std::map<KEPString, std::string>{{"k", "text first"}}));
+  EXPECT_EQ(Contents("B"), bNow);
+
+  // A commit that succeeds writes exactly what memory holds: a new session reads it back.
+  a = KEPSysPreferenceRepository::GetRepository("A");
+  a->SetValue("k", "second");
+  a->WriteSetting("pair", pair, 2);
+  ASSERT_EQ(a->Commit(), S_OK);
+  EXPECT_FALSE(a->HasUncommittedChanges());
+  const auto aCommitted = Contents("A");
+  EXPECT_EQ(aCommitted,
+            (std::map<KEPString, std::string>{{"k", "text second"}, {"pair", "3 -4 "}}));
+  KEPHostPreferences::Unload();
+  EXPECT_EQ(Contents("A"), aCommitted);
+  EXPECT_EQ(Contents("B"), bNow);
+  EXPECT_FALSE(KEPSysPreferenceRepository::GetRepository("A")->HasUncommittedChanges());
+}
+
 }  // namespace
