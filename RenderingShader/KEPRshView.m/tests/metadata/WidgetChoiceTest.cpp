@@ -1,5 +1,5 @@
 // Widget choice: the configured kind with an information trace, else the type's default kind
-// with a warning, on the "KEPRshParameterConfiguration" channel.
+// with a warning, on the "KEPRshParameterConfiguration" channel; the kinds each type tells apart.
 #include "MetadataTestSupport.h"
 
 namespace keptest {
@@ -7,86 +7,82 @@ namespace {
 
 class WidgetChoiceTest : public MetadataTest {};
 
+using Kinds = std::vector<KEPString>;
+
 struct Row {
-  const char* name;
   KEPHostValue value;
   const char* immersiveDefault;
   const char* classicDefault;
+  Kinds immersiveKinds;
+  Kinds classicKinds;
 };
 
-TEST_F(WidgetChoiceTest, ConfiguredKindIsTakenAsWrittenWithAnInfoTrace) {
-  World world;
-  world.Add(Type("mat").Param("roughness", Scalar(0.5f)));
-  Config("mat", {{"roughness.Widget", "Slider"}});
-  auto imm = Imm(world.Param(world.Node("mat"), "roughness"));
-  TraceCapture capture;
-  KEPString kind;
-  ASSERT_EQ(imm->ChooseWidgetKind(kind), S_OK);
-  EXPECT_EQ(kind, "Slider");
-  ASSERT_EQ(capture.Entries().size(), 1u);
-  const KEPTraceEntry& entry = capture.Entries()[0];
-  EXPECT_EQ(entry.channel, "KEPRshParameterConfiguration");
-  EXPECT_EQ(entry.level, KEPTraceLevel::Info);
-  EXPECT_EQ(entry.text, "Parameter roughness's widget is Slider { type = KEPRmaScalar }");
-}
-
-TEST_F(WidgetChoiceTest, MissingKindFallsBackToTheTypeDefaultWithAWarning) {
-  const Row rows[] = {{"b", Boolean(true), "check", "check"},
-                      {"n", Integer(1), "spinner", "spinner"},
-                      {"x", Scalar(1), "no-value", "spinner"},
-                      {"c", Color(1, 1, 1), "color", "color"},
-                      {"v", Vector({1, 2}), "spinner", "spinner"},
-                      {"t", Texture(), "texture", "texture"},
-                      {"s", Void(), "shader", "shader"}};
-  World world;
-  Type type("mat");
-  for (const Row& row : rows) type.Param(row.name, row.value);
-  world.Add(type);
-  KEPHostShaderNode* node = world.Node("mat");
+TEST_F(WidgetChoiceTest, ConfiguredKindElseTheTypesDefaultAndTheKindsItTellsApart) {
+  const Row rows[] = {
+      {Boolean(true), "check", "check", {}, {}},
+      {Integer(1),
+       "spinner",
+       "spinner",
+       {"slider", "wheel", "combo", "check"},
+       {"slider", "wheel", "combo", "check"}},
+      {Scalar(1),
+       "no-value",
+       "spinner",
+       {"slider", "wheel", "spinner", "ratio", "dynamic-slider", "no-value", "generic"},
+       {"slider", "wheel", "blackbody"}},
+      {Color(1, 1, 1), "color", "color", {"scalar-spinner", "color"}, {}},
+      {Vector({1, 2}),
+       "spinner",
+       "spinner",
+       {"sliderx2", "sliderx3", "sliderx4", "no-value"},
+       {"vector2d", "sliderx2", "sliderx3", "sliderx4"}},
+      {Texture(), "texture", "texture", {}, {}},
+      {Void(), "shader", "shader", {}, {}}};
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    KEPString typeName;
-    world.Param(node, row.name)->GetTypeName(typeName);
-    TraceCapture capture;
-    KEPString kind;
-    ASSERT_EQ(Imm(world.Param(node, row.name))->ChooseWidgetKind(kind), S_OK);
-    EXPECT_EQ(kind, row.immersiveDefault);
-    ASSERT_EQ(capture.Entries().size(), 1u);
-    EXPECT_EQ(capture.Entries()[0].level, KEPTraceLevel::Warning);
-    EXPECT_EQ(capture.Entries()[0].channel, "KEPRshParameterConfiguration");
-    EXPECT_EQ(capture.Entries()[0].text, "Parameter " + std::string(row.name) +
-                                             "'s widget defaulted to " + row.immersiveDefault +
-                                             " { type = " + typeName + " }");
-    capture.Clear();
-    ASSERT_EQ(Dlg(world.Param(node, row.name))->ChooseWidgetKind(kind), S_OK);
-    EXPECT_EQ(kind, row.classicDefault);
+    const std::string type = KEPRmaTypeName(row.value.type);
+    // Configured: taken as written. Resources offered without "widget": the configuration is
+    // not asked, the type's default is taken.
+    const std::tuple<std::optional<Keys>, const char*, const char*, KEPTraceLevel, std::string>
+        passes[] = {{std::nullopt, "Slider", "Slider", KEPTraceLevel::Info,
+                     "Parameter p's widget is Slider { type = " + type + " }"},
+                    {Keys{}, row.immersiveDefault, row.classicDefault, KEPTraceLevel::Warning,
+                     "Parameter p's widget defaulted to " + std::string(row.immersiveDefault) +
+                         " { type = " + type + " }"}};
+    for (const auto& [resources, immersive, classic, level, trace] : passes) {
+      const Behaviours b = Behave(Param(row.value, {{".Widget", "Slider"}}, resources));
+      TraceCapture capture;
+      KEPString kind;
+      ASSERT_EQ(b.imm->ChooseWidgetKind(kind), S_OK);
+      EXPECT_EQ(kind, immersive);
+      ASSERT_EQ(capture.Entries().size(), 1u);
+      EXPECT_EQ(capture.Entries()[0].channel, "KEPRshParameterConfiguration");
+      EXPECT_EQ(capture.Entries()[0].level, level);
+      EXPECT_EQ(capture.Entries()[0].text, trace);
+      ASSERT_EQ(b.dlg->ChooseWidgetKind(kind), S_OK);
+      EXPECT_EQ(kind, classic);
+      EXPECT_EQ(capture.Entries().size(), 1u);  // the classic choice is not traced
+    }
+    const Behaviours b = Behave(Param(row.value));
+    Kinds kinds{"stale"};
+    ASSERT_EQ(b.imm->GetWidgetKinds(kinds), S_OK);
+    EXPECT_EQ(kinds, row.immersiveKinds) << type;
+    ASSERT_EQ(b.dlg->GetWidgetKinds(kinds), S_OK);
+    EXPECT_EQ(kinds, row.classicKinds) << type;
+    KEPString immersive, classic;
+    ASSERT_EQ(b.imm->GetDefaultWidgetKind(immersive), S_OK);
+    ASSERT_EQ(b.dlg->GetDefaultWidgetKind(classic), S_OK);
+    EXPECT_EQ(immersive, row.immersiveDefault);
+    EXPECT_EQ(classic, row.classicDefault);
   }
 }
 
-TEST_F(WidgetChoiceTest, ResourceKindWinsAndKindListsFollowTheType) {
-  World world;
-  world.Add(Type("res")
-                .Param("x", Scalar(1))
-                .Param("c", Color(1, 1, 1))
-                .Resource("x", "widget", "ratio"));
-  Config("res", {{"x.Widget", "slider"}});
-  KEPHostShaderNode* node = world.Node("res");
-  KEPString kind;
-  auto imm = Imm(world.Param(node, "x"));
-  ASSERT_EQ(imm->ChooseWidgetKind(kind), S_OK);
-  EXPECT_EQ(kind, "ratio");
-  std::vector<KEPString> kinds;
-  ASSERT_EQ(imm->GetWidgetKinds(kinds), S_OK);
-  EXPECT_EQ(kinds, (std::vector<KEPString>{"slider", "wheel", "spinner", "ratio", "dynamic-slider",
-                                           "no-value", "generic"}));
-  ASSERT_EQ(Dlg(world.Param(node, "x"))->GetWidgetKinds(kinds), S_OK);
-  EXPECT_EQ(kinds, (std::vector<KEPString>{"slider", "wheel", "blackbody"}));
-  ASSERT_EQ(Imm(world.Param(node, "c"))->GetWidgetKinds(kinds), S_OK);
-  EXPECT_EQ(kinds, (std::vector<KEPString>{"scalar-spinner", "color"}));
-  // A colour of a node with resources but no "widget" resource takes its default.
-  ASSERT_EQ(Imm(world.Param(node, "c"))->ChooseWidgetKind(kind), S_OK);
-  EXPECT_EQ(kind, "color");
-  DeleteAll(node);
+TEST_F(WidgetChoiceTest, ResourceKindWinsOverTheConfiguration) {
+  const Behaviours b = Behave(Param(Scalar(1), {{".Widget", "slider"}}, Keys{{"widget", "ratio"}}));
+  b.Each([](auto* behaviour) {
+    KEPString kind;
+    ASSERT_EQ(behaviour->ChooseWidgetKind(kind), S_OK);
+    EXPECT_EQ(kind, "ratio");
+  });
 }
 
 }  // namespace
