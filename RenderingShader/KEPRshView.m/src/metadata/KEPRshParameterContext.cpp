@@ -18,13 +18,13 @@
 #include "KEP_var.h"
 
 namespace {
-/// The index that `text` spells exactly as Indexed writes it (no sign but a minus, no leading
-/// zeros, "-0" excluded), if any.
+/// The index that `text` is, if it is one whole decimal int. A text that Indexed would not write
+/// ("07") only proposes its index: the search then reads that index's own keys.
 std::optional<int> IndexOfText(std::string_view text) {
   int index = 0;
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, index);
-  if (error != std::errc() || stop != end || std::to_string(index) != text) return std::nullopt;
+  if (error != std::errc() || stop != end) return std::nullopt;
   return index;
 }
 }  // namespace
@@ -159,8 +159,9 @@ HRESULT KEPRshParameterContext::EnumIndex(bool hardFallback, int value, int& ind
   int min = 0, max = 0;
   if (!ParseInt(minText, min) || !ParseInt(maxText, max)) return E_FAIL;
   // The first index of [min, max] whose entry has the value. Only an index with an ".EnumVal" or
-  // ".Enum" key can match, so the search visits the indices that the configuration names, in
-  // ascending order, instead of every index of a range that may span the whole of int.
+  // ".Enum" key can match, so the search visits the indices that the configuration's key names
+  // propose, in ascending order, instead of every index of a range that may span the whole of
+  // int; each is then tested through its keys exactly as Indexed writes them.
   for (const int i : EnumIndicesBetween(min, max)) {
     int enumValue = -1;
     if (SUCCEEDED(Config(Indexed(".EnumVal", i), enumValue)) && enumValue == value) {

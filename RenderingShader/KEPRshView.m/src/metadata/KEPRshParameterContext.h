@@ -89,7 +89,7 @@ class KEPRshParameterContext {
   KEPString parameterName_;
   KEPIRshShaderResources* resources_ = nullptr;
 
-  /// The indices in [min, max] that have an ".EnumVal" or ".Enum" key written as Indexed writes
-  /// it, ascending, each once.
+  /// The indices in [min, max] named by the ".EnumVal" and ".Enum" keys of this parameter in its
+  /// configuration and the parents, ascending, each once.
   std::vector<int> EnumIndicesBetween(int min, int max) const;
 };

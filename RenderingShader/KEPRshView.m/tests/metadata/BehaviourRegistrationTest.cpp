@@ -1,6 +1,5 @@
 // Behaviours as extensions of the feature types: registration, metaclasses, destruction traces,
 // the lazily resolved context and the release of the shader resources.
-#include "KEPExtensionRegistry.h"
 #include "KEPRshParameterDialog.h"
 #include "KEPRshParameterImmLayout.h"
 #include "MetadataTestSupport.h"
@@ -10,15 +9,11 @@ namespace {
 
 class RegistrationTest : public MetadataTest {};
 
-KEPHostValue LightProfile() {
-  KEPHostValue value;
-  value.type = KEPRmaType::LightProfile;
-  return value;
-}
-
 using Row = std::tuple<KEPHostValue, const char*, const char*>;  // null: no immersive behaviour
 
 std::vector<Row> Rows() {
+  KEPHostValue lightProfile;
+  lightProfile.type = KEPRmaType::LightProfile;
   return {{Boolean(true), "KEPRshParameterBooleanImmLayout", "KEPRshParameterBooleanDialog"},
           {Integer(1), "KEPRshParameterIntegerImmLayout", "KEPRshParameterIntegerDialog"},
           {Scalar(1), "KEPRshParameterScalarImmLayout", "KEPRshParameterScalarDialog"},
@@ -26,7 +21,7 @@ std::vector<Row> Rows() {
           {Vector({1, 2, 3}), "KEPRshParameterVectorImmLayout", "KEPRshParameterVectorDialog"},
           {Texture(), "KEPRshParameterTextureImmLayout", "KEPRshParameterTextureDialog"},
           {Void(), "KEPRshParameterShaderImmLayout", "KEPRshParameterShaderDialog"},
-          {LightProfile(), nullptr, "KEPRshParameterLightProfileDialog"}};
+          {lightProfile, nullptr, "KEPRshParameterLightProfileDialog"}};
 }
 
 TEST_F(RegistrationTest, EachFeatureTypeGetsItsBehaviourClasses) {
@@ -35,21 +30,20 @@ TEST_F(RegistrationTest, EachFeatureTypeGetsItsBehaviourClasses) {
     const std::string lateType = parameter->GetLateType();
     auto* imm = dynamic_cast<KEPRshParameterImmLayout*>(Imm(parameter).Get());
     auto* dlg = dynamic_cast<KEPRshParameterDialog*>(Dlg(parameter).Get());
-    ASSERT_NE(dlg, nullptr) << lateType;
-    EXPECT_TRUE(dlg->IsA(classic)) << lateType;
-    EXPECT_EQ(imm == nullptr, immersive == nullptr) << lateType;
+    ASSERT_TRUE(dlg && dlg->IsA(classic)) << lateType;
+    ASSERT_EQ(imm == nullptr, immersive == nullptr) << lateType;
     EXPECT_TRUE(!imm || imm->IsA(immersive)) << lateType;
-    for (KEPBaseUnknown* object :
-         {static_cast<KEPBaseUnknown*>(imm), static_cast<KEPBaseUnknown*>(dlg)}) {
+    const std::pair<KEPBaseUnknown*, const char*> bases[] = {{imm, "KEPRshParameterImmLayout"},
+                                                             {dlg, "KEPRshParameterDialog"}};
+    for (const auto& [object, base] : bases) {
       if (!object) continue;
       const KEPMetaClass* meta = object->GetMetaObject();
       EXPECT_EQ(meta->ExtendedLateType(), lateType);
+      EXPECT_STREQ(meta->Base()->Name(), base);
       for (const KEPMetaClass* m : {meta, meta->Base()}) {
         EXPECT_STREQ(m->SecondName(), "KEPNull");
         EXPECT_STREQ(m->Framework(), "RenderingShader");
       }
-      EXPECT_STREQ(meta->Base()->Name(),
-                   object == dlg ? "KEPRshParameterDialog" : "KEPRshParameterImmLayout");
     }
   }
 }
@@ -68,27 +62,21 @@ TEST_F(RegistrationTest, ClassicBehavioursTraceTheirDestruction) {
   }
 }
 
-TEST_F(RegistrationTest, ContextIsResolvedOnceOnFirstUse) {
+TEST_F(RegistrationTest, ContextComesFromTheFatherShaderAndTheParameter) {
   std::string id;
-  KEPHostParameter* parameter = Param(Scalar(1), {}, std::nullopt, &id);
-  auto imm = Imm(parameter);
-  auto* object = dynamic_cast<KEPRshParameterImmLayout*>(imm.Get());
+  auto* object = dynamic_cast<KEPRshParameterImmLayout*>(Imm(Param(Scalar(1), {}, {}, &id)).Get());
   EXPECT_EQ(object->GetConfigurationId(), id);
   EXPECT_EQ(object->GetParameterName(), "p");
-  parameter->DetachFather();  // changes nothing: the context is never resolved again
-  Config(id, {{"p.Widget", "slider"}});
-  KEPString kind;
-  ASSERT_EQ(imm->GetWidget(kind), S_OK);
-  EXPECT_EQ(kind, "slider");
   // A parameter without father reads the configuration with the empty identifier.
   KEP_var<KEPHostParameter> orphan =
       KEP_var<KEPHostParameter>::Adopt(KEPHostParameter::Create(nullptr, "x", Scalar(1)));
   Config("", {{"x.Widget", "wheel"}});
+  KEPString kind;
   ASSERT_EQ(Imm(orphan.Get())->GetWidget(kind), S_OK);
   EXPECT_EQ(kind, "wheel");
 }
 
-TEST_F(RegistrationTest, OnlyTheMoveToDeletedReleasesTheShaderResources) {
+TEST_F(RegistrationTest, OnlyTheMoveToDeletedReleasesTheShaderResourcesForGood) {
   std::string id;
   KEPHostParameter* parameter = Param(Scalar(1), {}, Keys{{"widget", "wheel"}}, &id);
   KEPBaseUnknown* node = nullptr;
@@ -97,8 +85,7 @@ TEST_F(RegistrationTest, OnlyTheMoveToDeletedReleasesTheShaderResources) {
   const ULONG before = node->GetRefCount();
   const Behaviours b = Behave(parameter);
   KEPString kind;
-  ASSERT_EQ(b.imm->GetWidget(kind), S_OK);
-  ASSERT_EQ(b.dlg->GetWidget(kind), S_OK);
+  b.Each([&](auto* behaviour) { ASSERT_EQ(behaviour->GetWidget(kind), S_OK); });
   EXPECT_EQ(kind, "wheel");
   EXPECT_EQ(node->GetRefCount(), before + 2);  // each behaviour holds the node's resources
   const std::pair<int, int> keeping[] = {{KEPComponentState_Created, KEPComponentState_Alive},
@@ -109,9 +96,11 @@ TEST_F(RegistrationTest, OnlyTheMoveToDeletedReleasesTheShaderResources) {
   }
   parameter->ChangeComponentState(KEPComponentState_Alive, KEPComponentState_Deleted, nullptr);
   EXPECT_EQ(node->GetRefCount(), before);
-  Config(id, {{"p.Widget", "slider"}});  // without resources the readers use the configuration
-  ASSERT_EQ(b.imm->GetWidget(kind), S_OK);
+  // The context is not resolved again: without resources the readers use the configuration.
+  Config(id, {{"p.Widget", "slider"}});
+  b.Each([&](auto* behaviour) { ASSERT_EQ(behaviour->GetWidget(kind), S_OK); });
   EXPECT_EQ(kind, "slider");
+  EXPECT_EQ(node->GetRefCount(), before);
 }
 
 }  // namespace

@@ -40,17 +40,6 @@ TEST_F(EnumerationTest, ValueOfEntryThreeFromEnumValElseTheLabelReadAsANumber) {
   EXPECT_EQ(value, -99);
 }
 
-TEST_F(EnumerationTest, ClassicEnumerationReadersBelongToTheIntegerType) {
-  const Keys config = {{".Min", "0"}, {".Max", "1"}, {".Enum0", "0"}, {".EnumVal0", "0"}};
-  for (const KEPHostValue& value :
-       {Boolean(true), Scalar(0), Color(0, 0, 0), Vector({0, 0}), Texture(), Void()}) {
-    int out = -99;
-    EXPECT_EQ(Dlg(Param(value, config))->GetEnumValue(0, out), E_NOTIMPL);
-    EXPECT_EQ(Dlg(Param(value, config))->GetEnumIndex(0, out), E_NOTIMPL);
-    EXPECT_EQ(out, -99);
-  }
-}
-
 TEST_F(EnumerationTest, IndexOfAValueIsTheSmallestMatchingIndexOfTheRange) {
   const Keys range = {{".Min", "0"}, {".Max", "3"}};
   const Keys wide = {{".Min", "-2147483648"}, {".Max", "2147483647"}};

@@ -1,5 +1,5 @@
 // Shared set-up of the metadata tests: a registered module, a world, and parameters made in one
-// line, each in a node of its own type, with its own configuration and optional resources.
+// line, each alone in a node of its own type, with its own configuration and resources.
 #pragma once
 
 #include <optional>
@@ -30,18 +30,16 @@ inline KEP_var<KEPIRshParameterDialog> Dlg(KEPBaseUnknown* parameter) {
   return KEPQueryVar<KEPIRshParameterDialog>(parameter);
 }
 
-/// The two behaviours of a parameter.
+/// The two behaviours of a parameter; Each calls `check` with the immersive, then the classic.
 struct Behaviours {
   KEP_var<KEPIRshParameterImmLayout> imm;
   KEP_var<KEPIRshParameterDialog> dlg;
-  /// Calls `check` with the immersive behaviour, then with the classic one.
   template <class Check>
   void Each(Check check) const {
     check(imm.Get());
     check(dlg.Get());
   }
 };
-
 inline Behaviours Behave(KEPBaseUnknown* parameter) {
   return {Imm(parameter), Dlg(parameter)};
 }
@@ -58,26 +56,22 @@ class MetadataTest : public Fixture {
     Fixture::TearDown();
   }
 
-  /// Parameter "p" holding `value`, alone in a node of a new type. The type's configuration
-  /// (returned in `configurationId` when asked) holds `config`, each key prefixed with "p"; with
-  /// `resources` the node offers shader resources, exactly those given.
+  /// Parameter "p" holding `value`, alone in a node of a new type whose configuration (its id in
+  /// `configurationId` when asked) holds `config` with "p" before each key; with `resources` the
+  /// node offers shader resources, exactly those.
   KEPHostParameter* Param(KEPHostValue value, const Keys& config = {},
                           const std::optional<Keys>& resources = std::nullopt,
                           std::string* configurationId = nullptr) {
     const std::string type = "t" + std::to_string(++types_);
     Type definition(type);
-    definition.Param("p", std::move(value));
-    if (resources) {
-      definition.Resources();
-      for (const auto& [key, text] : *resources) definition.Resource("p", key, text);
-    }
+    definition.Param("p", std::move(value)).Resources(resources.has_value());
+    for (const auto& [key, text] : resources.value_or(Keys{})) definition.Resource("p", key, text);
     world_->Add(definition);
     for (const auto& [suffix, text] : config)
       KEPHostConfiguration::SetValue(type, "p" + suffix, text);
     if (configurationId) *configurationId = type;
     return world_->Param(world_->Node(type), "p");
   }
-
   World& TheWorld() { return *world_; }
 
  private:

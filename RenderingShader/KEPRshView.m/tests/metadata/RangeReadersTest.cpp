@@ -7,53 +7,45 @@ namespace {
 
 class RangeTest : public MetadataTest {};
 
-using Texts = std::tuple<HRESULT, std::string, std::string, std::string>;
-const Texts kUntouched{E_FAIL, "keep", "keep", "keep"};
-
-template <class Behaviour>
-Texts RangeOf(Behaviour behaviour) {
-  KEPString min = "keep", max = "keep", step = "keep";
-  const HRESULT hr = behaviour->GetRange(min, max, step);
-  return {hr, min, max, step};
-}
-
-TEST_F(RangeTest, ConfigurationRangeOfEachBase) {
+TEST_F(RangeTest, TextRangeOfEachBaseFromTheResourcesElseTheConfiguration) {
+  using Texts = std::tuple<HRESULT, std::string, std::string, std::string>;
+  const Texts none{E_FAIL, "keep", "keep", "keep"};
   const Keys minMax = {{".Min", "0"}, {".Max", "5"}};
-  const std::tuple<Keys, Texts, Texts> rows[] = {
-      {With(minMax, {{".Step", "0.1"}}), {S_OK, "0", "5", "0.1"}, {S_OK, "0", "5", "0.1"}},
-      {minMax, {S_OK, "0", "5", ""}, {S_OK, "0", "5", ""}},
+  const std::tuple<Keys, std::optional<Keys>, Texts, Texts> rows[] = {
+      {With(minMax, {{".Step", "0.1"}}), {}, {S_OK, "0", "5", "0.1"}, {S_OK, "0", "5", "0.1"}},
+      {minMax, {}, {S_OK, "0", "5", ""}, {S_OK, "0", "5", ""}},
       // Only the immersive base stands in the hard keys for a missing ".Min" or ".Max".
-      {{{".HardMin", "-2"}, {".Max", "3"}}, {S_OK, "-2", "3", ""}, kUntouched},
-      {{{".Min", "0"}, {".HardMax", "10"}}, {S_OK, "0", "10", ""}, kUntouched},
+      {{{".HardMin", "-2"}, {".Max", "3"}}, {}, {S_OK, "-2", "3", ""}, none},
+      {{{".Min", "0"}, {".HardMax", "10"}}, {}, {S_OK, "0", "10", ""}, none},
       {With(minMax, {{".HardMin", "-9"}, {".HardMax", "9"}}),
+       {},
        {S_OK, "0", "5", ""},
        {S_OK, "0", "5", ""}},
-      {{{".Min", "0"}, {".Step", "1"}}, kUntouched, kUntouched},
-      {{{".Max", "1"}, {".HardMax", "2"}}, kUntouched, kUntouched}};
-  for (const auto& [config, immersive, classic] : rows) {
-    KEPHostParameter* parameter = Param(Scalar(1), config);
-    EXPECT_EQ(RangeOf(Imm(parameter)), immersive);
-    EXPECT_EQ(RangeOf(Dlg(parameter)), classic);
-  }
-}
-
-TEST_F(RangeTest, ResourceRangeIgnoresTheConfigurationAndRepeatsTheMaxAsAMissingStep) {
-  const std::pair<Keys, Texts> rows[] = {
-      {{{"min", "-5"}, {"max", "5"}, {"step", "0.5"}}, {S_OK, "-5", "5", "0.5"}},
-      {{{"min", "0"}, {"max", "9"}}, {S_OK, "0", "9", "9"}},
-      {{{"max", "9"}, {"step", "1"}}, kUntouched},
-      {{{"min", "0"}, {"step", "1"}}, kUntouched}};
-  for (const auto& [resources, expected] : rows) {
-    KEPHostParameter* parameter =
-        Param(Integer(0), {{".Min", "100"}, {".Max", "200"}, {".Step", "3"}}, resources);
-    EXPECT_EQ(RangeOf(Imm(parameter)), expected);
-    EXPECT_EQ(RangeOf(Dlg(parameter)), expected);
+      {{{".Min", "0"}, {".Step", "1"}}, {}, none, none},
+      {{{".Max", "1"}, {".HardMax", "2"}}, {}, none, none},
+      // Resources: the configuration is not asked; a missing step repeats the max text.
+      {minMax,
+       Keys{{"min", "-5"}, {"max", "9"}, {"step", "1"}},
+       {S_OK, "-5", "9", "1"},
+       {S_OK, "-5", "9", "1"}},
+      {minMax, Keys{{"min", "-5"}, {"max", "9"}}, {S_OK, "-5", "9", "9"}, {S_OK, "-5", "9", "9"}},
+      {minMax, Keys{{"max", "9"}, {"step", "1"}}, none, none},
+      {minMax, Keys{{"min", "0"}, {"step", "1"}}, none, none}};
+  for (const auto& [config, resources, immersive, classic] : rows) {
+    const Behaviours b = Behave(Param(Integer(0), config, resources));
+    std::vector<Texts> read;
+    b.Each([&](auto* behaviour) {
+      KEPString min = "keep", max = "keep", step = "keep";
+      const HRESULT hr = behaviour->GetRange(min, max, step);
+      read.emplace_back(hr, min, max, step);
+    });
+    EXPECT_EQ(read, (std::vector<Texts>{immersive, classic}));
   }
 }
 
 TEST_F(RangeTest, SoftAndHardRangesEachPreferTheirOwnKeys) {
   using Bounds = std::tuple<HRESULT, double, double>;
-  const Bounds fails{E_FAIL, -7, -7};
+  const Bounds none{E_FAIL, -7, -7};
   const Keys minMax = {{".Min", "0"}, {".Max", "100"}};
   const std::tuple<Keys, Bounds, Bounds> rows[] = {
       {With(minMax,
@@ -61,14 +53,14 @@ TEST_F(RangeTest, SoftAndHardRangesEachPreferTheirOwnKeys) {
        {S_OK, 0.25, 50},
        {S_OK, -1, 1000}},
       {minMax, {S_OK, 0, 100}, {S_OK, 0, 100}},
-      {{{".SoftMin", "1"}, {".SoftMax", "2"}}, {S_OK, 1, 2}, fails},
-      {{{".HardMin", "1"}, {".HardMax", "2"}}, fails, {S_OK, 1, 2}},
-      {{{".SoftMin", "1"}, {".Max", "5"}}, {S_OK, 1, 5}, fails},
-      {{{".Min", "1"}, {".HardMax", "5"}}, fails, {S_OK, 1, 5}},
+      {{{".SoftMin", "1"}, {".SoftMax", "2"}}, {S_OK, 1, 2}, none},
+      {{{".HardMin", "1"}, {".HardMax", "2"}}, none, {S_OK, 1, 2}},
+      {{{".SoftMin", "1"}, {".Max", "5"}}, {S_OK, 1, 5}, none},
+      {{{".Min", "1"}, {".HardMax", "5"}}, none, {S_OK, 1, 5}},
       // A key that is present but unreadable fails; the reader does not fall back past it.
-      {With(minMax, {{".SoftMax", "junk"}}), fails, {S_OK, 0, 100}},
-      {With(minMax, {{".HardMin", "junk"}}), {S_OK, 0, 100}, fails},
-      {{{".Min", "low"}, {".Max", "1"}}, fails, fails}};
+      {With(minMax, {{".SoftMax", "junk"}}), none, {S_OK, 0, 100}},
+      {With(minMax, {{".HardMin", "junk"}}), {S_OK, 0, 100}, none},
+      {{{".Min", "low"}, {".Max", "1"}}, none, none}};
   for (const auto& [config, soft, hard] : rows) {
     for (const KEPHostValue& value : {Scalar(1), Color(1, 1, 1)}) {
       auto imm = Imm(Param(value, config));
@@ -79,21 +71,6 @@ TEST_F(RangeTest, SoftAndHardRangesEachPreferTheirOwnKeys) {
       const HRESULT hardHr = imm->GetHardRange(min, max);
       EXPECT_EQ(Bounds(hardHr, min, max), hard);
     }
-  }
-}
-
-TEST_F(RangeTest, RangeControlReadersBelongToScalarAndColourOnly) {
-  const Keys config = {{".Min", "0"}, {".Max", "1"}, {".Step", "1"}, {".SecondaryParameter", "q"}};
-  for (const KEPHostValue& value : {Boolean(true), Integer(0), Vector({0, 0}), Texture(), Void()}) {
-    auto imm = Imm(Param(value, config));
-    double a = 0, b = 0;
-    int precision = 0;
-    KEPString name;
-    EXPECT_EQ(imm->GetStep(a), E_NOTIMPL);
-    EXPECT_EQ(imm->GetDecimalPrecision(precision), E_NOTIMPL);
-    EXPECT_EQ(imm->GetSoftRange(a, b), E_NOTIMPL);
-    EXPECT_EQ(imm->GetSecondaryParameterName(name), E_NOTIMPL);
-    EXPECT_EQ(imm->GetHardRange(a, b), E_NOTIMPL);
   }
 }
 
@@ -111,7 +88,7 @@ TEST_F(RangeTest, StepOfScalarFromTheConfigurationOfColourFromItsResources) {
   for (const auto& [value, config, resources, hr, expected] : rows) {
     double step = -1;
     EXPECT_EQ(Imm(Param(value, config, resources))->GetStep(step), hr);
-    EXPECT_DOUBLE_EQ(step, expected);
+    EXPECT_EQ(step, expected);
   }
 }
 
@@ -139,56 +116,75 @@ TEST_F(RangeTest, DecimalPrecisionIsOnePlusTheDecimalsOfTheStep) {
   }
 }
 
-TEST_F(RangeTest, FloatTypedRanges) {
+TEST_F(RangeTest, TypedRanges) {
   using Floats = std::tuple<HRESULT, float, float, float>;  // from the preset -1, -1, 7
-  const Floats untouched{E_FAIL, -1.0f, -1.0f, 7.0f};
+  using Ints = std::tuple<HRESULT, int, int, int>;
+  auto F = [](float min, float max, float step) { return Floats{S_OK, min, max, step}; };
+  auto I = [](int min, int max, int step) { return Ints{S_OK, min, max, step}; };
+  const Floats noF{E_FAIL, -1.0f, -1.0f, 7.0f};
+  const Ints noI{E_FAIL, -1, -1, 7};
   const Keys scaled = {
       {".Min", "1"}, {".HardMin", "0"}, {".Max", "5"}, {".Step", "0.5"}, {".Unit", "cm"}};
-  const std::tuple<KEPHostValue, bool, Keys, Floats> rows[] = {
-      // Immersive scalar and colour: hard keys first, in model units.
-      {Scalar(1), false, scaled, {S_OK, 0.0f, 50.0f, 5.0f}},
-      {Color(1, 1, 1), false, scaled, {S_OK, 0.0f, 50.0f, 5.0f}},
-      {Scalar(1), false, {{".Min", "1"}, {".Max", "5"}, {".Step", "x"}}, {S_OK, 1.0f, 5.0f, 7.0f}},
-      {Scalar(1), false, {{".Min", "1"}}, untouched},
-      // Classic: the classic range's texts as they are, no unit.
-      {Scalar(1), true, scaled, {S_OK, 1.0f, 5.0f, 0.5f}},
-      {Scalar(1), true, {{".HardMin", "0"}, {".Max", "5"}}, untouched},
-      {Scalar(1), true, {{".Min", "x"}, {".Max", "5"}}, untouched},
-      // The other immersive types have no float range.
-      {Vector({0, 0}), false, scaled, untouched},
-      {Integer(0), false, scaled, untouched}};
-  for (const auto& [value, classic, config, expected] : rows) {
-    KEPHostParameter* parameter = Param(value, config);
-    float min = -1, max = -1, step = 7;
-    const HRESULT hr = classic ? Dlg(parameter)->GetTypedRange(min, max, step)
-                               : Imm(parameter)->GetTypedRange(min, max, step);
-    EXPECT_EQ(Floats(hr, min, max, step), expected);
+  const Keys loose = {{".Min", " -3x"}, {".Max", "8"}, {".Step", "x"}};
+  // Immersive scalar and colour: hard keys first, in model units; classic: the texts of its range
+  // as they are. Integers: the texts of each base's range read "%d".
+  const std::tuple<KEPHostValue, Keys, Floats, Floats, Ints, Ints> rows[] = {
+      {Scalar(1), scaled, F(0, 50, 5), F(1, 5, 0.5f), noI, I(1, 5, 0)},
+      {Color(1, 1, 1), scaled, F(0, 50, 5), F(1, 5, 0.5f), noI, I(1, 5, 0)},
+      {Scalar(1), loose, F(-3, 8, 7), F(-3, 8, 7), noI, I(-3, 8, 7)},
+      {Scalar(1), {{".HardMin", "0"}, {".Max", "5"}}, F(0, 5, 7), noF, noI, noI},
+      {Scalar(1), {{".Min", "x"}, {".Max", "5"}}, noF, noF, noI, noI},
+      {Integer(0),
+       {{".Min", "-3"}, {".Max", "8"}, {".Step", "2"}},
+       noF,
+       F(-3, 8, 2),
+       I(-3, 8, 2),
+       I(-3, 8, 2)},
+      {Integer(0), loose, noF, F(-3, 8, 7), I(-3, 8, 7), I(-3, 8, 7)},
+      {Integer(0), {{".HardMin", "-4"}, {".Max", "6"}}, noF, noF, I(-4, 6, 7), noI},
+      {Integer(0), {{".Min", "0"}, {".Max", "high"}}, noF, noF, noI, noI},
+      {Vector({0, 0}), scaled, noF, F(1, 5, 0.5f), noI, I(1, 5, 0)},
+      {Boolean(true), scaled, noF, F(1, 5, 0.5f), noI, I(1, 5, 0)}};
+  for (const auto& [value, config, immFloats, dlgFloats, immInts, dlgInts] : rows) {
+    const Behaviours b = Behave(Param(value, config));
+    std::vector<Floats> floats;
+    std::vector<Ints> ints;
+    b.Each([&](auto* behaviour) {
+      float fmin = -1, fmax = -1, fstep = 7;
+      int imin = -1, imax = -1, istep = 7;
+      const HRESULT fhr = behaviour->GetTypedRange(fmin, fmax, fstep);
+      const HRESULT ihr = behaviour->GetTypedRange(imin, imax, istep);
+      floats.emplace_back(fhr, fmin, fmax, fstep);
+      ints.emplace_back(ihr, imin, imax, istep);
+    });
+    EXPECT_EQ(floats, (std::vector<Floats>{immFloats, dlgFloats}));
+    EXPECT_EQ(ints, (std::vector<Ints>{immInts, dlgInts}));
   }
 }
 
-TEST_F(RangeTest, IntegerTypedRangeFollowsTheRangeOfItsBehaviour) {
-  using Ints = std::tuple<HRESULT, int, int, int>;  // from the preset -1, -1, 7
-  const Ints untouched{E_FAIL, -1, -1, 7};
-  const std::tuple<Keys, Ints, Ints> rows[] = {
-      {{{".Min", "-3"}, {".Max", "8"}, {".Step", "2"}}, {S_OK, -3, 8, 2}, {S_OK, -3, 8, 2}},
-      {{{".Min", " -3x"}, {".Max", "8"}, {".Step", "x"}}, {S_OK, -3, 8, 7}, {S_OK, -3, 8, 7}},
-      {{{".HardMin", "-4"}, {".Max", "6"}}, {S_OK, -4, 6, 7}, untouched},
-      {{{".Min", "low"}, {".Max", "6"}}, untouched, untouched},
-      {{{".Min", "0"}, {".Max", "high"}}, untouched, untouched}};
-  for (const auto& [config, immersive, classic] : rows) {
-    KEPHostParameter* parameter = Param(Integer(0), config);
-    int min = -1, max = -1, step = 7;
-    const HRESULT immHr = Imm(parameter)->GetTypedRange(min, max, step);
-    EXPECT_EQ(Ints(immHr, min, max, step), immersive);
-    min = max = -1, step = 7;
-    const HRESULT dlgHr = Dlg(parameter)->GetTypedRange(min, max, step);
-    EXPECT_EQ(Ints(dlgHr, min, max, step), classic);
+TEST_F(RangeTest, RangeControlAndClassicEnumerationReadersAreTypeSpecific) {
+  const Keys config = {{".Min", "0"},   {".Max", "1"},
+                       {".Step", "1"},  {".SecondaryParameter", "q"},
+                       {".Enum0", "0"}, {".EnumVal0", "0"}};
+  for (const KEPHostValue& value :
+       {Boolean(true), Integer(0), Scalar(0), Color(0, 0, 0), Vector({0, 0}), Texture(), Void()}) {
+    const bool rangeControls = value.type == KEPRmaType::Scalar || value.type == KEPRmaType::Color;
+    const HRESULT controls = rangeControls ? S_OK : E_NOTIMPL;
+    const Behaviours b = Behave(Param(value, config));
+    double x = 0, y = 0;
+    int n = 0;
+    KEPString name;
+    EXPECT_EQ(b.imm->GetStep(x), controls);
+    EXPECT_EQ(b.imm->GetDecimalPrecision(n), controls);
+    EXPECT_EQ(b.imm->GetSoftRange(x, y), controls);
+    EXPECT_EQ(b.imm->GetSecondaryParameterName(name), controls);
+    EXPECT_EQ(b.imm->GetHardRange(x, y), controls);
+    // The classic base leaves the enumeration to the integer type.
+    const HRESULT enumeration = value.type == KEPRmaType::Integer ? S_OK : E_NOTIMPL;
+    EXPECT_EQ(b.dlg->GetEnumValue(0, n), enumeration);
+    EXPECT_EQ(b.dlg->GetEnumIndex(0, n), enumeration);
+    EXPECT_EQ(b.imm->GetEnumValue(0, n), S_OK);
   }
-  int min = -1, max = -1, step = 7;
-  for (const KEPHostValue& value : {Scalar(1), Boolean(true)})
-    EXPECT_EQ(Imm(Param(value, {{".Min", "0"}, {".Max", "1"}}))->GetTypedRange(min, max, step),
-              E_FAIL);
-  EXPECT_EQ(Ints(E_FAIL, min, max, step), untouched);
 }
 
 }  // namespace
