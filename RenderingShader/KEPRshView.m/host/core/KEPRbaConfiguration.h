@@ -18,9 +18,16 @@ class KEPRbaConfiguration {
   static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, KEPString& out);
   static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key,
                                       KEPUnicodeString& out);
-  /// Integer form: the whole text must be one decimal integer (blanks around it allowed) that
-  /// fits 32 bits; anything else is E_FAIL with `out` untouched.
+  /// Integer form: the text read as the C library's sscanf reads "%d" (leading blanks and a sign
+  /// allowed, the text after the number ignored: "7abc" is 7). E_FAIL, with `out` untouched, when
+  /// the key is missing or its text does not begin with a number.
   static HRESULT GetHierarchicalValue(const KEPString& id, const KEPString& key, int& out);
+  /// Names of the keys beginning with `prefix` that GetHierarchicalValue finds for configuration
+  /// `id`: those of `id` and of its parents, each name once, in ascending byte order. Lets a
+  /// reader visit the keys of a family ("x.Enum0", "x.Enum7", ...) without asking for every
+  /// name that might exist. E_FAIL, with `keys` untouched, when `id` is no configuration.
+  static HRESULT GetHierarchicalKeys(const KEPString& id, const KEPString& prefix,
+                                     std::vector<KEPString>& keys);
 };
 
 #pragma GCC visibility pop

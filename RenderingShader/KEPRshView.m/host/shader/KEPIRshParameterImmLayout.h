@@ -56,7 +56,7 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   /// missing resource fails; ".Step" is then not consulted).
   virtual HRESULT GetStep(double& step) = 0;
   /// Decimals to show, from ".Step": 1, plus one per decimal digit of the step (1 -> 1,
-  /// 0.5 -> 2, 0.25 -> 3). Fails when ".Step" is missing or unreadable.
+  /// 0.5 -> 2, 0.25 -> 3, 1e-10 -> 11). Fails when ".Step" is missing or unreadable.
   virtual HRESULT GetDecimalPrecision(int& precision) = 0;
   /// ".SoftMin" (else ".Min") and ".SoftMax" (else ".Max"), parsed as doubles.
   virtual HRESULT GetSoftRange(double& min, double& max) = 0;
@@ -87,8 +87,8 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   virtual HRESULT GetMagnitude(KEPICkeMagnitude*& magnitude) = 0;
   /// ".Magnitude".
   virtual HRESULT GetMagnitudeName(KEPString& magnitude) = 0;
-  /// ".TooltipText" (left untouched when missing) and ".TooltipImage"; the result is that of the
-  /// image read.
+  /// ".TooltipText" (empty when missing) and ".TooltipImage"; the result is that of the image
+  /// read.
   virtual HRESULT GetTooltip(KEPUnicodeString& text, KEPString& image) = 0;
   /// ".SortingOrder" as text (an unsigned number).
   virtual HRESULT GetSortingOrder(KEPString& order) = 0;

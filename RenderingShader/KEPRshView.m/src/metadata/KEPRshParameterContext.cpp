@@ -1,8 +1,11 @@
 #include "KEPRshParameterContext.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "KEPIRshParameter.h"
@@ -15,8 +18,15 @@
 #include "KEP_var.h"
 
 namespace {
-/// Most indices an enumeration-index search visits.
-constexpr long long kMaxEnumSearch = 1 << 16;
+/// The index that `text` is, if it is one whole decimal int. A text that Indexed would not write
+/// ("07") only proposes its index: the search then reads that index's own keys.
+std::optional<int> IndexOfText(std::string_view text) {
+  int index = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, index);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return index;
+}
 }  // namespace
 
 void KEPRshParameterContext::Resolve(KEPBaseUnknown* extended) {
@@ -148,26 +158,43 @@ HRESULT KEPRshParameterContext::EnumIndex(bool hardFallback, int value, int& ind
   if (FAILED(Range(hardFallback, minText, maxText, stepText))) return E_FAIL;
   int min = 0, max = 0;
   if (!ParseInt(minText, min) || !ParseInt(maxText, max)) return E_FAIL;
-  // 64-bit counter: a range that ends at INT_MAX must still terminate. The search asks the
-  // store twice per index, so an absurd configured range (0 .. 2^31) would hold the user
-  // interface for minutes; no enumeration has that many entries, so the walk stops after
-  // kMaxEnumSearch indices and answers as if nothing matched.
-  const long long last = std::min<long long>(max, static_cast<long long>(min) + kMaxEnumSearch - 1);
-  for (long long i = min; i <= last; ++i) {
+  // The first index of [min, max] whose entry has the value. Only an index with an ".EnumVal" or
+  // ".Enum" key can match, so the search visits the indices that the configuration's key names
+  // propose, in ascending order, instead of every index of a range that may span the whole of
+  // int; each is then tested through its keys exactly as Indexed writes them.
+  for (const int i : EnumIndicesBetween(min, max)) {
     int enumValue = -1;
     if (SUCCEEDED(Config(Indexed(".EnumVal", i), enumValue)) && enumValue == value) {
-      index = static_cast<int>(i);
+      index = i;
       return S_OK;
     }
     KEPString label;
     int labelValue = 0;
     if (SUCCEEDED(Config(Indexed(".Enum", i), label)) && ParseInt(label, labelValue) &&
         labelValue == value) {
-      index = static_cast<int>(i);
+      index = i;
       return S_OK;
     }
   }
   return E_FAIL;
+}
+
+std::vector<int> KEPRshParameterContext::EnumIndicesBetween(int min, int max) const {
+  std::vector<int> indices;
+  std::vector<KEPString> keys;
+  const KEPString stem = parameterName_ + ".Enum";  // also the stem of ".EnumVal" keys
+  if (min > max || FAILED(KEPRbaConfiguration::GetHierarchicalKeys(configurationId_, stem, keys)))
+    return indices;
+  for (const KEPString& key : keys) {
+    std::string_view rest(key);
+    rest.remove_prefix(stem.size());
+    if (rest.starts_with("Val")) rest.remove_prefix(3);
+    if (const std::optional<int> i = IndexOfText(rest); i && *i >= min && *i <= max)
+      indices.push_back(*i);
+  }
+  std::sort(indices.begin(), indices.end());
+  indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+  return indices;
 }
 
 HRESULT KEPRshParameterContext::Unit(KEPICkeUnit*& unit) const {
@@ -231,20 +258,6 @@ bool KEPRshParameterContext::ParseIntRange(const KEPString& minText, const KEPSt
   min = low;
   max = high;
   ParseInt(stepText, step);
-  return true;
-}
-
-bool KEPRshParameterContext::ParseUnsigned(const KEPString& text, unsigned& value) {
-  unsigned parsed = 0;
-  if (std::sscanf(text.c_str(), "%u", &parsed) != 1) return false;
-  value = parsed;
-  return true;
-}
-
-bool KEPRshParameterContext::ParseUnsigned64(const KEPString& text, unsigned long long& value) {
-  unsigned long long parsed = 0;
-  if (std::sscanf(text.c_str(), "%llu", &parsed) != 1) return false;
-  value = parsed;
   return true;
 }
 

@@ -7,6 +7,8 @@
 // (parameter name, lower-case key), or the configuration store, by parameter name + dotted suffix.
 #pragma once
 
+#include <vector>
+
 #include "KEPBaseUnknown.h"
 #include "KEPIRshShaderResources.h"
 #include "KEPString.h"
@@ -53,7 +55,11 @@ class KEPRshParameterContext {
   /// Two keys per end, first found wins, both ends parsed "%le".
   HRESULT DoubleRange(const char* minFirst, const char* minSecond, const char* maxFirst,
                       const char* maxSecond, double& min, double& max) const;
+  /// Resource "enumvalue" + index ("%d"); else ".EnumVal" + index as an integer, else
+  /// ".Enum" + index read "%d".
   HRESULT EnumValue(int index, int& value) const;
+  /// Resource "enumindex" + value ("%d"); else the smallest index i of the range ("%d" texts)
+  /// whose ".EnumVal" + i reads `value`, or failing that whose ".Enum" + i reads it with "%d".
   HRESULT EnumIndex(bool hardFallback, int value, int& index) const;
   /// ".Unit" / ".Magnitude" looked up as written, then in upper case; a reference for the caller.
   HRESULT Unit(KEPICkeUnit*& unit) const;
@@ -67,8 +73,6 @@ class KEPRshParameterContext {
   /// keeps its value when it does not. False, with the outputs untouched, otherwise.
   static bool ParseIntRange(const KEPString& minText, const KEPString& maxText,
                             const KEPString& stepText, int& min, int& max, int& step);
-  static bool ParseUnsigned(const KEPString& text, unsigned& value);
-  static bool ParseUnsigned64(const KEPString& text, unsigned long long& value);
   /// Two to four numbers separated by blanks or commas (brackets allowed around them); components
   /// not given keep their value. False, with `value` untouched, when fewer than two are read.
   static bool ParseFourFloats(const KEPString& text, float (&value)[4]);
@@ -84,4 +88,8 @@ class KEPRshParameterContext {
   KEPString configurationId_;
   KEPString parameterName_;
   KEPIRshShaderResources* resources_ = nullptr;
+
+  /// The indices in [min, max] named by the ".EnumVal" and ".Enum" keys of this parameter in its
+  /// configuration and the parents, ascending, each once.
+  std::vector<int> EnumIndicesBetween(int min, int max) const;
 };

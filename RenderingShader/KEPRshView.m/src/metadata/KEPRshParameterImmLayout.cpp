@@ -1,6 +1,9 @@
 #include "KEPRshParameterImmLayout.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <string_view>
 
 #include "KEPIRshParameter.h"
 #include "KEPParmDictionary.h"
@@ -76,16 +79,28 @@ HRESULT KEPRshParameterImmLayout::ReadStep(bool useResources, double& step) {
 HRESULT KEPRshParameterImmLayout::ReadDecimalPrecision(int& precision) {
   double step = 0.0;
   if (FAILED(ReadStep(false, step))) return E_FAIL;
-  // One more decimal for every digit the step needs after the point; bounded for steps such as
-  // 1/3 that never become whole.
-  int count = 1;
-  double scaled = std::fabs(step);
-  while (count < 16 && std::fabs(scaled - std::round(scaled)) > 1e-9 * std::fmax(1.0, scaled)) {
-    scaled *= 10.0;
-    ++count;
-  }
-  precision = count;
+  precision = 1 + DecimalDigits(step);
   return S_OK;
+}
+
+int KEPRshParameterImmLayout::DecimalDigits(double number) {
+  if (!std::isfinite(number)) return 0;
+  // The digits after the point of the shortest decimal text that reads back as `number` (0.1 has
+  // one, although the double nearest to it has 55), found in its scientific form d.ddd e±x: the
+  // fraction digits of the mantissa, shifted by the exponent. Exact for every double, from
+  // 5e-324 (324 digits) to the largest (none).
+  char text[32];
+  const auto written =
+      std::to_chars(text, text + sizeof text, std::fabs(number), std::chars_format::scientific);
+  const std::string_view scientific(text, static_cast<std::size_t>(written.ptr - text));
+  const std::size_t e = scientific.find('e');
+  const std::size_t point = scientific.find('.');
+  const int fraction = point < e ? static_cast<int>(e - point - 1) : 0;
+  std::string_view exponentText = scientific.substr(e + 1);
+  if (exponentText.starts_with('+')) exponentText.remove_prefix(1);
+  int exponent = 0;
+  std::from_chars(exponentText.data(), exponentText.data() + exponentText.size(), exponent);
+  return std::max(0, fraction - exponent);
 }
 
 HRESULT KEPRshParameterImmLayout::ReadSoftRange(double& min, double& max) {
@@ -122,7 +137,10 @@ HRESULT KEPRshParameterImmLayout::GetMagnitudeName(KEPString& magnitude) {
 
 HRESULT KEPRshParameterImmLayout::GetTooltip(KEPUnicodeString& text, KEPString& image) {
   const KEPRshParameterContext& context = Context();
-  context.Config(".TooltipText", text);
+  // Without ".TooltipText" the text is empty, never what the caller held before.
+  KEPUnicodeString tip;
+  context.Config(".TooltipText", tip);
+  text = std::move(tip);
   return context.Config(".TooltipImage", image);
 }
 

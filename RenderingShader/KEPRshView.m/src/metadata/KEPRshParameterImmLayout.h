@@ -40,8 +40,11 @@ class KEPRshParameterImmLayout : public KEPRshParameterBehaviour<KEPIRshParamete
   HRESULT ReadModelUnitRange(float& min, float& max, float& step);
   /// ".Step" parsed "%le" (resource "step" first when `useResources`).
   HRESULT ReadStep(bool useResources, double& step);
-  /// Decimals for a step: 1, plus one per decimal digit.
+  /// Decimals for a step: 1, plus one per decimal digit of ".Step" (see DecimalDigits).
   HRESULT ReadDecimalPrecision(int& precision);
+  /// Digits after the point of `number` written in plain decimal, as short as reads back the
+  /// same double: 0.25 has 2, 1e-10 has 10, 12 and 1e20 none; infinity and NaN none.
+  static int DecimalDigits(double number);
   HRESULT ReadSoftRange(double& min, double& max);
   HRESULT ReadHardRange(double& min, double& max);
   HRESULT ReadSecondaryParameterName(KEPString& name);

@@ -3,17 +3,15 @@
 
 #include "KEPHostContext.h"
 
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
+#include <algorithm>
+#include <cstdio>
 #include <map>
 #include <set>
-#include <unordered_map>
 
 namespace {
 struct Configuration {
   KEPString parent;
-  std::unordered_map<KEPString, KEPString> values;
+  std::map<KEPString, KEPString> values;  // ordered: the keys of a prefix are one run
   std::vector<KEPString> order;
 };
 
@@ -25,18 +23,27 @@ std::map<KEPString, Configuration>& Store() {
   return KEPHostContext::State<ConfigurationStore>().configurations;
 }
 
-const KEPString* Lookup(const KEPString& id, const KEPString& key) {
-  std::set<KEPString> seen;  // a parent cycle ends the walk instead of looping
+/// Calls `visit` with configuration `id` and then each of its parents, while it answers true.
+/// A parent cycle ends the walk instead of looping; so does a parent that does not exist.
+template <class Visit>
+void WalkParents(const KEPString& id, Visit visit) {
+  std::set<KEPString> seen;
   const KEPString* current = &id;
   while (seen.insert(*current).second) {
     auto it = Store().find(*current);
-    if (it == Store().end()) return nullptr;
-    auto value = it->second.values.find(key);
-    if (value != it->second.values.end()) return &value->second;
-    if (it->second.parent.empty()) return nullptr;
+    if (it == Store().end() || !visit(it->second) || it->second.parent.empty()) return;
     current = &it->second.parent;
   }
-  return nullptr;
+}
+
+const KEPString* Lookup(const KEPString& id, const KEPString& key) {
+  const KEPString* found = nullptr;
+  WalkParents(id, [&](const Configuration& c) {
+    auto value = c.values.find(key);
+    if (value != c.values.end()) found = &value->second;
+    return !found;
+  });
+  return found;
 }
 }  // namespace
 
@@ -60,14 +67,27 @@ HRESULT KEPRbaConfiguration::GetHierarchicalValue(const KEPString& id, const KEP
                                                   int& out) {
   const KEPString* value = Lookup(id, key);
   if (!value) return E_FAIL;
-  const char* begin = value->c_str();
-  char* end = nullptr;
-  errno = 0;
-  const long parsed = std::strtol(begin, &end, 10);
-  if (end == begin || errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX) return E_FAIL;
-  while (*end == ' ' || *end == '\t') ++end;
-  if (*end != '\0') return E_FAIL;
-  out = static_cast<int>(parsed);
+  // The readers parse their numbers with sscanf; an integer key reads the same way, so that a
+  // text means one number whichever way it is asked for.
+  int parsed = 0;
+  if (std::sscanf(value->c_str(), "%d", &parsed) != 1) return E_FAIL;
+  out = parsed;
+  return S_OK;
+}
+
+HRESULT KEPRbaConfiguration::GetHierarchicalKeys(const KEPString& id, const KEPString& prefix,
+                                                 std::vector<KEPString>& keys) {
+  if (!Store().count(id)) return E_FAIL;
+  std::vector<KEPString> found;
+  WalkParents(id, [&](const Configuration& c) {
+    for (auto it = c.values.lower_bound(prefix);
+         it != c.values.end() && it->first.compare(0, prefix.size(), prefix) == 0; ++it)
+      found.push_back(it->first);
+    return true;
+  });
+  std::sort(found.begin(), found.end());
+  found.erase(std::unique(found.begin(), found.end()), found.end());
+  keys = std::move(found);
   return S_OK;
 }
 

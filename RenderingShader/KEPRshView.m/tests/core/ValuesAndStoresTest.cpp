@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <vector>
 
 #include "KEPAtomicFile.h"
 #include "KEPHostConfiguration.h"
@@ -93,11 +95,9 @@ TEST(Strings, UnpairedSurrogatesEncodeAsReplacement) {
 
 class Configuration : public Fixture {};
 
-TEST_F(Configuration, HierarchicalLookupAndIntegers) {
+TEST_F(Configuration, HierarchicalLookup) {
   KEPHostConfiguration::SetParent("child", "base");
-  Config(
-      "base",
-      {{"x.Min", "1"}, {"x.Max", "9"}, {"n", " 12 "}, {"bad", "12abc"}, {"huge", "99999999999"}});
+  Config("base", {{"x.Min", "1"}, {"x.Max", "9"}});
   Config("child", {{"x.Min", "2"}});
   KEPString text = "untouched";
   EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Min", text), S_OK);
@@ -107,13 +107,46 @@ TEST_F(Configuration, HierarchicalLookupAndIntegers) {
   text = "untouched";
   EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "x.Step", text), E_FAIL);
   EXPECT_EQ(text, "untouched");
-  int n = -1;
-  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "n", n), S_OK);
-  EXPECT_EQ(n, 12);
-  n = -1;
-  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "bad", n), E_FAIL);
-  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("child", "huge", n), E_FAIL);
-  EXPECT_EQ(n, -1);
+}
+
+TEST_F(Configuration, IntegersReadAsScanfReadsThem) {
+  const std::pair<const char*, std::optional<int>> rows[] = {{"12", 12},
+                                                             {" \t-12 ", -12},
+                                                             {"+7", 7},
+                                                             {"7abc", 7},
+                                                             {"0x10", 0},
+                                                             {"abc", {}},
+                                                             {"", {}},
+                                                             {"-", {}},
+                                                             {"2147483647", 2147483647},
+                                                             {"-2147483648", -2147483647 - 1}};
+  for (const auto& [text, expected] : rows) {
+    Config("c", {{"n", text}});
+    int n = -99;
+    EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalValue("c", "n", n), expected ? S_OK : E_FAIL)
+        << text;
+    EXPECT_EQ(n, expected.value_or(-99)) << text;
+  }
+}
+
+TEST_F(Configuration, KeysOfAPrefixComeFromTheConfigurationAndItsParents) {
+  KEPHostConfiguration::SetParent("child", "base");
+  KEPHostConfiguration::SetParent("base", "missing");
+  Config("base", {{"x.Enum1", "a"}, {"x.Enum2", "b"}, {"x.Label", "l"}, {"y.Enum1", "c"}});
+  Config("child", {{"x.Enum2", "shadowing"}, {"x.Enum10", "d"}, {"x.Enum", "e"}, {"x.E", "f"}});
+  std::vector<KEPString> keys{"stale"};
+  ASSERT_EQ(KEPRbaConfiguration::GetHierarchicalKeys("child", "x.Enum", keys), S_OK);
+  EXPECT_EQ(keys, (std::vector<KEPString>{"x.Enum", "x.Enum1", "x.Enum10", "x.Enum2"}));
+  ASSERT_EQ(KEPRbaConfiguration::GetHierarchicalKeys("base", "x.Enum", keys), S_OK);
+  EXPECT_EQ(keys, (std::vector<KEPString>{"x.Enum1", "x.Enum2"}));
+  ASSERT_EQ(KEPRbaConfiguration::GetHierarchicalKeys("child", "z.", keys), S_OK);
+  EXPECT_TRUE(keys.empty());
+  keys = {"stale"};
+  EXPECT_EQ(KEPRbaConfiguration::GetHierarchicalKeys("nowhere", "x.", keys), E_FAIL);
+  EXPECT_EQ(keys, std::vector<KEPString>{"stale"});
+  KEPHostConfiguration::SetParent("base", "child");  // a cycle ends the walk
+  ASSERT_EQ(KEPRbaConfiguration::GetHierarchicalKeys("child", "y.", keys), S_OK);
+  EXPECT_EQ(keys, std::vector<KEPString>{"y.Enum1"});
 }
 
 TEST_F(Configuration, ParentCycleEndsTheWalk) {

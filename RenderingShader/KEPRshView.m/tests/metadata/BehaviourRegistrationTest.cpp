@@ -1,7 +1,5 @@
-// Behaviours as extensions of the feature types: registration, metaclasses, the lazily resolved
-// context and the release of the shader resources.
-#include "KEPBaseUnknown_WR.h"
-#include "KEPExtensionRegistry.h"
+// Behaviours as extensions of the feature types: registration, metaclasses, destruction traces,
+// the lazily resolved context and the release of the shader resources.
 #include "KEPRshParameterDialog.h"
 #include "KEPRshParameterImmLayout.h"
 #include "MetadataTestSupport.h"
@@ -9,168 +7,100 @@
 namespace keptest {
 namespace {
 
-struct Row {
-  const char* lateType;
-  KEPHostValue value;
-  const char* immersive;
-  const char* classic;
-};
-
-std::vector<Row> Rows() {
-  return {
-      {"KEPRmaBoolean", Boolean(true), "KEPRshParameterBooleanImmLayout",
-       "KEPRshParameterBooleanDialog"},
-      {"KEPRmaInteger", Integer(1), "KEPRshParameterIntegerImmLayout",
-       "KEPRshParameterIntegerDialog"},
-      {"KEPRmaScalar", Scalar(1), "KEPRshParameterScalarImmLayout", "KEPRshParameterScalarDialog"},
-      {"KEPRmaColor", Color(1, 0, 0), "KEPRshParameterColorImmLayout",
-       "KEPRshParameterColorDialog"},
-      {"KEPRmaVector", Vector({1, 2, 3}), "KEPRshParameterVectorImmLayout",
-       "KEPRshParameterVectorDialog"},
-      {"KEPRmaTexture", Texture(), "KEPRshParameterTextureImmLayout",
-       "KEPRshParameterTextureDialog"},
-      {"KEPRmaVoid", Void(), "KEPRshParameterShaderImmLayout", "KEPRshParameterShaderDialog"}};
-}
-
 class RegistrationTest : public MetadataTest {};
 
-TEST_F(RegistrationTest, EveryFeatureTypeGetsOneBehaviourPerInterface) {
-  World world;
-  Type type("all");
-  for (const Row& row : Rows()) type.Param(row.lateType, row.value);
-  world.Add(type);
-  KEPHostShaderNode* node = world.Node("all");
-  for (const Row& row : Rows()) {
-    SCOPED_TRACE(row.lateType);
-    KEPHostParameter* parameter = world.Param(node, row.lateType);
-    ASSERT_EQ(parameter->GetLateType(), row.lateType);
-    auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
-    auto imm2 = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
-    auto dlg = KEPQueryVar<KEPIRshParameterDialog>(parameter);
-    ASSERT_TRUE(imm);
-    ASSERT_TRUE(dlg);
-    auto* immObject = dynamic_cast<KEPRshParameterImmLayout*>(imm.Get());
-    auto* dlgObject = dynamic_cast<KEPRshParameterDialog*>(dlg.Get());
-    ASSERT_NE(immObject, nullptr);
-    ASSERT_NE(dlgObject, nullptr);
-    EXPECT_EQ(imm.Get(), imm2.Get());
-    EXPECT_EQ(parameter->GetExtensionCount(), 2u);
-    EXPECT_TRUE(immObject->IsA(row.immersive));
-    EXPECT_TRUE(immObject->IsAKindOf("KEPRshParameterImmLayout"));
-    EXPECT_TRUE(dlgObject->IsA(row.classic));
-    EXPECT_TRUE(dlgObject->IsAKindOf("KEPRshParameterDialog"));
-    EXPECT_FALSE(dlgObject->IsAKindOf("KEPRshParameterImmLayout"));
-    const KEPMetaClass* meta = immObject->GetMetaObject();
-    EXPECT_STREQ(meta->SecondName(), "KEPNull");
-    EXPECT_STREQ(meta->Framework(), "RenderingShader");
-    EXPECT_STREQ(meta->ExtendedLateType(), row.lateType);
-    EXPECT_STREQ(meta->Base()->Name(), "KEPRshParameterImmLayout");
-    EXPECT_STREQ(meta->Base()->SecondName(), "KEPNull");
-    EXPECT_STREQ(meta->Base()->Framework(), "RenderingShader");
-    // The behaviour answers for its parameter, and shares its count.
-    EXPECT_TRUE(KEPQueryVar<KEPIRshParameter>(imm));
+using Row = std::tuple<KEPHostValue, const char*, const char*>;  // null: no immersive behaviour
+
+std::vector<Row> Rows() {
+  KEPHostValue lightProfile;
+  lightProfile.type = KEPRmaType::LightProfile;
+  return {{Boolean(true), "KEPRshParameterBooleanImmLayout", "KEPRshParameterBooleanDialog"},
+          {Integer(1), "KEPRshParameterIntegerImmLayout", "KEPRshParameterIntegerDialog"},
+          {Scalar(1), "KEPRshParameterScalarImmLayout", "KEPRshParameterScalarDialog"},
+          {Color(1, 0, 0), "KEPRshParameterColorImmLayout", "KEPRshParameterColorDialog"},
+          {Vector({1, 2, 3}), "KEPRshParameterVectorImmLayout", "KEPRshParameterVectorDialog"},
+          {Texture(), "KEPRshParameterTextureImmLayout", "KEPRshParameterTextureDialog"},
+          {Void(), "KEPRshParameterShaderImmLayout", "KEPRshParameterShaderDialog"},
+          {lightProfile, nullptr, "KEPRshParameterLightProfileDialog"}};
+}
+
+TEST_F(RegistrationTest, EachFeatureTypeGetsItsBehaviourClasses) {
+  for (const auto& [value, immersive, classic] : Rows()) {
+    KEPHostParameter* parameter = Param(value);
+    const std::string lateType = parameter->GetLateType();
+    auto* imm = dynamic_cast<KEPRshParameterImmLayout*>(Imm(parameter).Get());
+    auto* dlg = dynamic_cast<KEPRshParameterDialog*>(Dlg(parameter).Get());
+    ASSERT_TRUE(dlg && dlg->IsA(classic)) << lateType;
+    ASSERT_EQ(imm == nullptr, immersive == nullptr) << lateType;
+    EXPECT_TRUE(!imm || imm->IsA(immersive)) << lateType;
+    const std::pair<KEPBaseUnknown*, const char*> bases[] = {{imm, "KEPRshParameterImmLayout"},
+                                                             {dlg, "KEPRshParameterDialog"}};
+    for (const auto& [object, base] : bases) {
+      if (!object) continue;
+      const KEPMetaClass* meta = object->GetMetaObject();
+      EXPECT_EQ(meta->ExtendedLateType(), lateType);
+      EXPECT_STREQ(meta->Base()->Name(), base);
+      for (const KEPMetaClass* m : {meta, meta->Base()}) {
+        EXPECT_STREQ(m->SecondName(), "KEPNull");
+        EXPECT_STREQ(m->Framework(), "RenderingShader");
+      }
+    }
   }
 }
 
-TEST_F(RegistrationTest, LightProfilesHaveAClassicBehaviourAndRegistrationIsRepeatable) {
-  KEPRshViewRegister();
-  const KEPExtensionEntry* entry =
-      KEPExtensionRegistry::Find("KEPRmaLightProfile", "KEPIRshParameterDialog");
-  ASSERT_NE(entry, nullptr);
-  EXPECT_EQ(entry->className, "KEPRshParameterLightProfileDialog");
-  EXPECT_EQ(KEPExtensionRegistry::Find("KEPRmaLightProfile", "KEPIRshParameterImmLayout"), nullptr);
-  entry = KEPExtensionRegistry::Find("KEPRmaScalar", "KEPIRshParameterImmLayout");
-  ASSERT_NE(entry, nullptr);
-  EXPECT_EQ(entry->className, "KEPRshParameterScalarImmLayout");
+TEST_F(RegistrationTest, ClassicBehavioursTraceTheirDestruction) {
+  for (const auto& [value, immersive, classic] : Rows()) {
+    TraceCapture capture;
+    {
+      World world;
+      world.Add(Type("mat").Param("p", value));
+      Dlg(world.Param(world.Node("mat"), "p"));
+    }
+    const std::string prefix = "(" + std::string(classic) + "::~" + classic + ") ";
+    EXPECT_EQ(capture.Texts(),
+              (std::vector<std::string>{prefix + "Destructor\n", prefix + "Done\n"}));
+  }
 }
 
-// --- Context
-
-TEST_F(RegistrationTest, ContextIsResolvedOnceFromTheFather) {
-  World world;
-  world.Add(Type("mat", "matCfg").Param("x", Scalar(1)));
-  KEPHostParameter* parameter = world.Param(world.Node("mat"), "x");
-  auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
-  auto* object = dynamic_cast<KEPRshParameterImmLayout*>(imm.Get());
-  EXPECT_EQ(object->GetConfigurationId(), "matCfg");
-  EXPECT_EQ(object->GetParameterName(), "x");
-  // Losing the father afterwards changes nothing: the context is never resolved again.
-  parameter->DetachFather();
-  Config("matCfg", {{"x.Widget", "slider"}});
-  KEPString kind;
-  ASSERT_EQ(imm->GetWidget(kind), S_OK);
-  EXPECT_EQ(kind, "slider");
-}
-
-TEST_F(RegistrationTest, ParameterWithoutFatherReadsAnEmptyConfiguration) {
-  KEPRshViewRegister();
+TEST_F(RegistrationTest, ContextComesFromTheFatherShaderAndTheParameter) {
+  std::string id;
+  auto* object = dynamic_cast<KEPRshParameterImmLayout*>(Imm(Param(Scalar(1), {}, {}, &id)).Get());
+  EXPECT_EQ(object->GetConfigurationId(), id);
+  EXPECT_EQ(object->GetParameterName(), "p");
+  // A parameter without father reads the configuration with the empty identifier.
   KEP_var<KEPHostParameter> orphan =
       KEP_var<KEPHostParameter>::Adopt(KEPHostParameter::Create(nullptr, "x", Scalar(1)));
-  Config("mat", {{"x.Widget", "slider"}});
-  auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(orphan.Get());
-  ASSERT_TRUE(imm);
-  KEPString kind = "keep";
-  EXPECT_EQ(imm->GetWidget(kind), E_FAIL);
-  EXPECT_EQ(kind, "keep");
-  auto* object = dynamic_cast<KEPRshParameterImmLayout*>(imm.Get());
-  EXPECT_EQ(object->GetConfigurationId(), "");
-  EXPECT_EQ(object->GetParameterName(), "x");
-  // Once the father is attached by a later owner, the behaviour still keeps its first answer.
   Config("", {{"x.Widget", "wheel"}});
-  ASSERT_EQ(imm->GetWidget(kind), S_OK);
+  KEPString kind;
+  ASSERT_EQ(Imm(orphan.Get())->GetWidget(kind), S_OK);
   EXPECT_EQ(kind, "wheel");
 }
 
-TEST_F(RegistrationTest, DeletedStateReleasesTheShaderResources) {
-  World world;
-  world.Add(Type("res", "resCfg").Param("x", Scalar(1)).Resource("x", "widget", "wheel"));
-  KEPHostShaderNode* node = world.Node("res");
-  KEPHostParameter* parameter = world.Param(node, "x");
+TEST_F(RegistrationTest, OnlyTheMoveToDeletedReleasesTheShaderResourcesForGood) {
+  std::string id;
+  KEPHostParameter* parameter = Param(Scalar(1), {}, Keys{{"widget", "wheel"}}, &id);
+  KEPBaseUnknown* node = nullptr;
+  ASSERT_EQ(parameter->GetFather(node), S_OK);
+  node->Release();  // GetFather handed out a reference; the document keeps its own
   const ULONG before = node->GetRefCount();
-  auto imm = KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
-  auto dlg = KEPQueryVar<KEPIRshParameterDialog>(parameter);
+  const Behaviours b = Behave(parameter);
   KEPString kind;
-  ASSERT_EQ(imm->GetWidget(kind), S_OK);
-  ASSERT_EQ(dlg->GetWidget(kind), S_OK);
+  b.Each([&](auto* behaviour) { ASSERT_EQ(behaviour->GetWidget(kind), S_OK); });
   EXPECT_EQ(kind, "wheel");
   EXPECT_EQ(node->GetRefCount(), before + 2);  // each behaviour holds the node's resources
-  // A move that is not to the deleted state keeps them.
-  parameter->ChangeComponentState(KEPComponentState_Created, KEPComponentState_Alive, nullptr);
-  EXPECT_EQ(node->GetRefCount(), before + 2);
+  const std::pair<int, int> keeping[] = {{KEPComponentState_Created, KEPComponentState_Alive},
+                                         {KEPComponentState_Deleted, KEPComponentState_Deleted}};
+  for (const auto& [from, to] : keeping) {
+    parameter->ChangeComponentState(from, to, nullptr);
+    EXPECT_EQ(node->GetRefCount(), before + 2) << from << " -> " << to;
+  }
   parameter->ChangeComponentState(KEPComponentState_Alive, KEPComponentState_Deleted, nullptr);
   EXPECT_EQ(node->GetRefCount(), before);
-  EXPECT_EQ(parameter->GetComponentState(), KEPComponentState_Deleted);
-  // Without resources, and never resolved again, the readers fall to the configuration.
-  Config("resCfg", {{"x.Widget", "slider"}});
-  ASSERT_EQ(imm->GetWidget(kind), S_OK);
+  // The context is not resolved again: without resources the readers use the configuration.
+  Config(id, {{"p.Widget", "slider"}});
+  b.Each([&](auto* behaviour) { ASSERT_EQ(behaviour->GetWidget(kind), S_OK); });
   EXPECT_EQ(kind, "slider");
-}
-
-TEST_F(RegistrationTest, ClosingTheDocumentFreesNodesHeldThroughTheirResources) {
-  KEPBaseUnknown_WR node;
-  {
-    World world;
-    world.Add(Type("res").Param("x", Scalar(1)).Resource("x", "widget", "wheel"));
-    KEPHostShaderNode* created = world.Node("res");
-    node.Set(created);
-    KEPString kind;
-    ASSERT_EQ(Imm(world.Param(created, "x"))->GetWidget(kind), S_OK);
-    ASSERT_EQ(Dlg(world.Param(created, "x"))->GetWidget(kind), S_OK);
-  }
-  EXPECT_FALSE(node.IsAlive());
-}
-
-TEST_F(RegistrationTest, ClassicBehaviourTracesItsDestruction) {
-  TraceCapture capture;
-  {
-    World world;
-    world.Add(Type("mat").Param("b", Boolean(true)));
-    KEPQueryVar<KEPIRshParameterDialog>(world.Param(world.Node("mat"), "b"));
-  }
-  EXPECT_TRUE(capture.Contains(
-      "(KEPRshParameterBooleanDialog::~KEPRshParameterBooleanDialog) Destructor\n"));
-  EXPECT_TRUE(
-      capture.Contains("(KEPRshParameterBooleanDialog::~KEPRshParameterBooleanDialog) Done\n"));
+  EXPECT_EQ(node->GetRefCount(), before);
 }
 
 }  // namespace
