@@ -167,9 +167,9 @@ Finding ParameterEntry(const std::string& stem, std::string_view suffix, const s
     if (!canonical) return Unknown("unknown key suffix '." + std::string(suffix) + "'", "");
     if (Finding finding = IndexFinding(prefix, word, index, *canonical)) return finding;
     if (word == "EnumVal")
-      return KEPValueCheck::WholeInteger(value, "entry " + *canonical + " takes its value from " +
-                                                    prefix + "Enum" + *canonical +
-                                                    " read as a number instead");
+      return KEPValueCheck::Integer(value, "entry " + *canonical + " takes its value from " +
+                                               prefix + "Enum" + *canonical +
+                                               " read as a number instead");
     return std::nullopt;
   }
   const bool known = In(kRangeWords, word) || In(kCheckedWords, word) || In(kTextWords, word);

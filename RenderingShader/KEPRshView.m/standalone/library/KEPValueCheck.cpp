@@ -128,24 +128,6 @@ std::optional<KEPValueFinding> KEPValueCheck::Unsigned(const std::string& text, 
 }
 
 // The same test as the configuration store's integer read (KEPRbaConfiguration).
-std::optional<KEPValueFinding> KEPValueCheck::WholeInteger(const std::string& text,
-                                                           const std::string& unread) {
-  const char* begin = text.c_str();
-  char* end = nullptr;
-  errno = 0;
-  const long parsed = std::strtol(begin, &end, 10);
-  if (end == begin)
-    return KEPValueFinding{NoNumber(text, "an integer", unread).message, "not read: " + unread};
-  if (errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX)
-    return KEPValueFinding{Quoted(text) + " is beyond the 32-bit integer range",
-                           "not read: " + unread};
-  while (*end == ' ' || *end == '\t') ++end;
-  if (*end != '\0')
-    return KEPValueFinding{"text after the number in " + Quoted(text),
-                           "not read at all (the whole text must be the number): " + unread};
-  return std::nullopt;
-}
-
 std::optional<KEPValueFinding> KEPValueCheck::Switch(const std::string& text, const std::string& on,
                                                      const std::string& off) {
   const std::string lower = KEPToLower(text);

@@ -3,8 +3,8 @@
 // The readers parse numbers with the C library's scanf conversions ("%le", "%d", "%u", "%llu"):
 // leading blanks are skipped and whatever follows the number is ignored, so "0 (black)" reads as
 // 0, "-1" read as an unsigned number wraps around to the largest value, and "abc" or an empty text
-// reads as no number at all. The configuration store's own integer form is stricter: the whole
-// text must be the number. A library keeps such texts (the readers cope with them), and the
+// reads as no number at all. The configuration store's integer form reads the same way ("%d"). A
+// library keeps such texts (the readers cope with them), and the
 // loaders warn. Each check answers nothing when the text reads as it looks, else what is wrong
 // with it (message) and what the readers will make of it (hint).
 #pragma once
@@ -29,10 +29,6 @@ class KEPValueCheck {
   /// cuts a number that does not fit.
   static std::optional<KEPValueFinding> Unsigned(const std::string& text, int bits,
                                                  const std::string& unread);
-  /// The configuration store's integer form: the whole text one decimal 32-bit integer (blanks
-  /// around it allowed); anything else is not read at all.
-  static std::optional<KEPValueFinding> WholeInteger(const std::string& text,
-                                                     const std::string& unread);
   /// A switch that "yes", "true" or "1" (any case) turn on and any other text turns off. "no",
   /// "false", "0" and "off" read as they look; any other text is a finding. `on` and `off` name
   /// the two states for the hint ("collapsed", "expanded").

@@ -79,11 +79,11 @@ TEST_F(LoadWarnings, ConfigurationValuesThatReadOtherwiseThanTheyLook) {
       {"x.SortingOrder = 4294967296", "too large for an unsigned 32-bit number", "read as "},
       {"x.SortingOrder = first", "'first' is not an unsigned number",
        "ordered by name against its neighbours"},
-      // Enumeration values: the store's integer form takes the whole text or nothing.
-      {"x.EnumVal2 = 7abc", "text after the number in '7abc'",
-       "not read at all (the whole text must be the number): entry 2 takes its value from "
-       "x.Enum2 read as a number instead"},
-      {"x.EnumVal0 = 3000000000", "beyond the 32-bit integer range", "not read"},
+      // Enumeration values: the store's integer form reads "%d" as the readers do.
+      {"x.EnumVal2 = 7abc", "text after the number in '7abc'", "read as 7"},
+      {"x.EnumVal2 = seven", "'seven' is not an integer",
+       "entry 2 takes its value from x.Enum2 read as a number instead"},
+      {"x.EnumVal0 = 3000000000", "beyond the 32-bit integer range", "read as "},
       {"x.EnumVal-1 = +7", nullptr, nullptr},
       {"x.Enum2 = 7 (seven)", nullptr, nullptr},  // a label: its text is shown as it is
       // Switches.
