@@ -7,7 +7,8 @@
 
 class KEPIRshShader;
 
-/// Links a component (a shader delegate) to the shader node it stands for.
+/// Links a component (a shader delegate) to the shader node it stands for. A shader node may
+/// carry a link too: it links the node to itself, for the node's life, and cannot be re-pointed.
 class KEPIRshShaderLink : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIRshShaderLink)
   /// Holds `shader` (one reference) instead of the previous one; E_FAIL for a null shader.

@@ -88,6 +88,7 @@ KEPIRshShaderLink* KEPRshShaderHardwareExt::FindLink() {
       KEPQueryVar<KEPIRshShaderLink>(static_cast<KEPBaseUnknown*>(this));
   link_ = link.Get();
   ownLink_ = dynamic_cast<KEPRshShaderHardwareLink*>(link_);
+  nodeLink_ = !ownLink_ && dynamic_cast<KEPIRshShader*>(GetExtendedObject()) != nullptr;
   return link_;
 }
 
@@ -113,6 +114,8 @@ bool KEPRshShaderHardwareExt::IsPhysicalShader() {
     if (physicalKnown_ && physicalLinkChanges_ == ownLink_->Changes()) return physical_;
     physicalLinkChanges_ = ownLink_->Changes();
     physicalShader_ = nullptr;
+  } else if (nodeLink_) {
+    if (physicalKnown_) return physical_;
   } else {
     KEP_var<KEPIRshShader> shader;
     if (FAILED(link->GetShader(*shader.Out())) || !shader) return false;

@@ -203,8 +203,9 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
 
   /// True when the linked shader's type name begins with "MPM". A node's type never changes, so
   /// the answer is kept for the node: through this module's own link until the link is given
-  /// another shader; through another link, the shader is asked for on every call and the type
-  /// read again when it is not the (living) node seen last.
+  /// another shader; on a shader node, whose link is the node itself, for good; through any
+  /// other link, the shader is asked for on every call and the type read again when it is not
+  /// the (living) node seen last.
   bool IsPhysicalShader();
   /// The linked shader's type name; empty without a link or a shader.
   KEPString GetLinkedTypeName();
@@ -238,6 +239,8 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
   /// same seen as this module's link class when it is one.
   KEPIRshShaderLink* link_ = nullptr;
   KEPRshShaderHardwareLink* ownLink_ = nullptr;
+  /// True when the component is a shader node: its link answers the node itself, always.
+  bool nodeLink_ = false;
   /// IsPhysicalShader's last answer; through ownLink_, that link's change count when it was
   /// read; through another link, the node it was read from (a weak reference, so that another
   /// node at the same address is not taken for it).
