@@ -57,7 +57,7 @@ KEPRshShaderHardwareExt& KEPRshShaderHardwareExt::operator=(const KEPRshShaderHa
   parameters_ = other.parameters_;
   connected_.Forget();
   textureImage_.Forget();
-  imageLink_.Forget();
+  imageLinks_.clear();
   shaderFile_ = other.shaderFile_;
   shaderType_ = other.shaderType_;
   stickerMode_ = other.stickerMode_;
@@ -157,7 +157,7 @@ void KEPRshShaderHardwareExt::CleanUp() {
   parameters_.Clear();
   connected_.Forget();
   textureImage_.Forget();
-  imageLink_.Forget();
+  imageLinks_.clear();
 }
 
 // --- Parameter lookup
@@ -692,7 +692,12 @@ void KEPRshShaderHardwareExt::GetExternalShaderImageLink(int position, KEPUnicod
   if (!parameter) return;
   KEP_var<KEPIPLMDmtDocument> document;
   if (FAILED(parameter->GetTextureValue(*document.Out())) || !document) return;
-  if (const KEPUnicodeString* found = imageLink_.Path(position, document.Get())) path = *found;
+  // One entry per position, made the first time the viewer asks for one.
+  if (imageLinks_.size() <= static_cast<std::size_t>(position))
+    imageLinks_.resize(static_cast<std::size_t>(parameters_.Count()) + 1);
+  if (const KEPUnicodeString* found =
+          imageLinks_[static_cast<std::size_t>(position)].Path(position, document.Get()))
+    path = *found;
 }
 
 // --- Fixed results

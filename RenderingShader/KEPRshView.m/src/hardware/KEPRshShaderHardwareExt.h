@@ -18,6 +18,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "KEPBaseUnknown.h"
 #include "KEPBaseUnknown_WR.h"
@@ -251,9 +252,10 @@ class KEPRSHVIEW_API KEPRshShaderHardwareExt : public KEPBaseUnknown,
   KEPBaseUnknown_WR physicalShaderAlive_;
   /// The connected texture's material as last found; not copied.
   KEPRshConnectedTextureCache connected_;
-  /// The texture image answered last, and the image link path answered last; not copied.
+  /// The texture image answered last, and the image link path answered per position (the viewer
+  /// asks for several); not copied.
   KEPRshTextureDocumentCache textureImage_;
-  KEPRshTextureDocumentCache imageLink_;
+  std::vector<KEPRshTextureDocumentCache> imageLinks_;
   /// The program file in sticker mode, built from shaderFile_ once it is known.
   KEPUnicodeString stickerFile_;
   /// Scratch space of IsPhysicalShader.

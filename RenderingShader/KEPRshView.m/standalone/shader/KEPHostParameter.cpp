@@ -189,6 +189,8 @@ HRESULT KEPHostParameter::GetConnectedShader(KEPIRshShader*& shader) {
 HRESULT KEPHostParameter::SetConnectedShader(KEPIRshShader* shader) {
   auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
   if (shader && !node) return E_INVALIDARG;
+  // A renderer follows connections while it holds the lock for its frame.
+  KEPRdgRenderLock lock;
   if (auto* old = dynamic_cast<KEPHostShaderNode*>(connected_.Get())) old->RemovePointing(this);
   connected_.Set(node);
   if (node) node->AddPointing(this);

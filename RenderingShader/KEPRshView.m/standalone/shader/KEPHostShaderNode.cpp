@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "KEPRdgRenderLock.h"
 #include "KEPRshLateTypes.h"
 #include "KEPRshParameterServices.h"
 
@@ -22,6 +23,8 @@ KEPHostShaderNode* KEPHostShaderNode::Create(const KEPHostShaderTypeDefinition& 
 }
 
 KEPHostShaderNode::~KEPHostShaderNode() {
+  // A renderer may be following a connection to this node: it holds the lock for its frame.
+  KEPRdgRenderLock lock;
   // Parameters connected to this node lose their connection now.
   if (!pointing_.empty()) KEPRshParameterServices::NoteConnectionChange();
   for (auto& parameter : parameters_) {
