@@ -17,7 +17,9 @@ KEP_var<KEPIPLMDmtDocument> Document(const std::string& path) {
       KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(path)));
 }
 
-TEST_F(ConnectedTextureTest, OnlyATextureShaderAnswersEvenAfterAnEarlierConnection) {
+// The first parameter connected to a texture shader answers: not a bump node connected before
+// it, nor a texture connected after it.
+TEST_F(ConnectedTextureTest, TheFirstConnectedTextureShaderAnswers) {
   World world;
   world.Add(TextureType());
   // A bump node with a placement and a mapping of its own, but not a texture shader.
@@ -27,12 +29,19 @@ TEST_F(ConnectedTextureTest, OnlyATextureShaderAnswersEvenAfterAnEarlierConnecti
                 .Param("_uv_scale_u", Scalar(5.0f))
                 .Param("_uv_scale_v", Scalar(5.0f))
                 .Param("_uv_angle", Scalar(10.0f)));
-  world.Add(Type("mia_phen_material").Param("bump", Void()).Param("map", Void()));
+  world.Add(
+      Type("mia_phen_material").Param("bump", Void()).Param("map", Void()).Param("later", Void()));
   KEPHostShaderNode* material = world.Node("mia_phen_material");
   KEPHostShaderNode* bump = world.Node("kep_phen_bump");
   KEPHostShaderNode* texture = world.Node("kep_phen_texture");
+  KEPHostShaderNode* later = world.Node("kep_phen_texture");
+  world.Param(later, "image")->SetValue(Texture());
+  world.Param(later, "_uv_scale_u")->SetScalarValue(7.0f);
+  world.Param(later, "_uv_angle")->SetScalarValue(20.0f);
+  world.Param(later, "_uv_mapping")->SetIntegerValue(5);
   world.Param(material, "bump")->SetConnectedShader(bump);
   world.Param(material, "map")->SetConnectedShader(texture);
+  world.Param(material, "later")->SetConnectedShader(later);
   Delegate d(material);
   for (const auto& row : Table(R"(
       image | checker.png
