@@ -145,6 +145,9 @@ TEST_F(MaterialQueriesTest, SingleParameters) {
   other     | wrapping    | _uv_mapping=2     | 1 1   | 1 1  | 1 1  | 1 1   | 0 0
   other     | ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 0.25 | S 0.5 | S 0.25 | S 0.25 | E -1
   other     | getSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 2    | S 3   | S 2    | S 2    | E -1
+  other     | ratio       | _uv_mapping=2 _uv_scale_u=0 _uv_scale_v=8 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  other     | ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  other     | setSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E      | S     | E      | E      | E
   )")) {
     const std::string& words = row[2];
     const std::string first = words.substr(0, words.find(' '));
