@@ -18,7 +18,7 @@ KEP_var<KEPIPLMDmtDocument> Document(const std::string& path) {
 }
 
 // The first parameter connected to a texture shader answers: not a bump node connected before
-// it, nor a texture connected after it.
+// it, nor a texture connected after it; with nothing connected, the defaults hold.
 TEST_F(ConnectedTextureTest, TheFirstConnectedTextureShaderAnswers) {
   World world;
   world.Add(TextureType());
@@ -43,37 +43,25 @@ TEST_F(ConnectedTextureTest, TheFirstConnectedTextureShaderAnswers) {
   world.Param(material, "map")->SetConnectedShader(texture);
   world.Param(material, "later")->SetConnectedShader(later);
   Delegate d(material);
+  auto unconnected = Shader("mia_phen_material", "map>");
+  Delegate none(unconnected.Get());
   for (const auto& row : Table(R"(
-      image | checker.png
-      size | 3 6
-      flip | 1 0
-      position | 0.3 0.4
-      angle | 90
-      wrapping | 1 1
-      mappingType | S 4
-      ratio | S 0.5
-      getSize | S 3
-      setSize | S)"))
+      # question  | the first texture | nothing connected
+      image       | checker.png       | none
+      size        | 3 6               | 1 1
+      flip        | 1 0               | 0 0
+      position    | 0.3 0.4           | 0 0
+      angle       | 90                | 0
+      wrapping    | 1 1               | 0 0
+      mappingType | S 4               | E -1
+      ratio       | S 0.5             | E -1
+      getSize     | S 3               | E -1
+      setSize     | S                 | E)")) {
     EXPECT_EQ(Ask(d, row[0]), row[1]) << row[0];
+    EXPECT_EQ(Ask(none, row[0]), row[2]) << row[0];
+  }
   EXPECT_EQ(world.Param(texture, "_uv_scale_v")->Value().scalar, 1.5f);
   EXPECT_EQ(world.Param(bump, "_uv_scale_v")->Value().scalar, 5.0f);
-}
-
-TEST_F(ConnectedTextureTest, WithoutATextureTheDefaultsHold) {
-  auto shader = Shader("mia_phen_material", "map>");
-  Delegate d(shader.Get());
-  for (const auto& row : Table(R"(
-      image | none
-      size | 1 1
-      flip | 0 0
-      position | 0 0
-      angle | 0
-      wrapping | 0 0
-      mappingType | E -1
-      ratio | E -1
-      getSize | E -1
-      setSize | E)"))
-    EXPECT_EQ(Ask(d, row[0]), row[1]) << row[0];
 }
 
 // A parameter of the tests' making that tells of its connection changes, as any implementation

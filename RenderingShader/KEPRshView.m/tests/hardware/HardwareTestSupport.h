@@ -183,7 +183,8 @@ inline KEP_var<FakeShader> Shader(const std::string& type, const std::string& wo
 }
 
 /// Rows of a table written as text: one row a line (a line ending in "|" goes on on the next),
-/// cells separated by "|" and trimmed; a line beginning with "#" is a comment.
+/// cells separated by "|" and trimmed; a line beginning with "#" is a comment. Every row must
+/// have as many cells as the first.
 inline std::vector<std::vector<std::string>> Table(const std::string& text) {
   std::vector<std::vector<std::string>> rows;
   std::istringstream lines(text);
@@ -199,6 +200,7 @@ inline std::vector<std::vector<std::string>> Table(const std::string& text) {
       rows.back().push_back(first == std::string::npos ? "" : cell.substr(first, last - first + 1));
     }
     line.clear();
+    EXPECT_EQ(rows.back().size(), rows.front().size()) << "cells of row " << rows.size();
   }
   return rows;
 }

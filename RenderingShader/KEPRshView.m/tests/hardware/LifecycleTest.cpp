@@ -29,12 +29,8 @@ TEST_F(LifecycleTest, LinkHoldsOneReferenceOnItsShader) {
 }
 
 TEST_F(LifecycleTest, OnlyTheMoveToDeletedReleases) {
-  const std::array<int, 3> rows[] = {// from, to, releases
-                                     {1, 2, 1},
-                                     {0, 2, 1},
-                                     {2, 2, 0},
-                                     {1, 3, 0},
-                                     {0, 1, 0}};
+  // From, to, and whether the material lets its parameters go and the link its shader.
+  const std::array<int, 3> rows[] = {{1, 2, 1}, {0, 2, 1}, {2, 2, 0}, {1, 3, 0}, {0, 1, 0}};
   for (const auto& [from, to, releases] : rows) {
     SCOPED_TRACE(Out(from, "->", to));
     auto shader = Shader("MPM_paint", "x=1");

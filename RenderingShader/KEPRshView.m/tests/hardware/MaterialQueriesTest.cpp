@@ -90,89 +90,103 @@ TEST_F(MaterialQueriesTest, PhysicalMeansTheTypeBeginsWithMPM) {
 // question on to the texture when one is missing ("_uv_mapping" is present). Writes add the
 // values stored afterwards ("-" for a missing parameter).
 TEST_F(MaterialQueriesTest, PairsOfParameters) {
-  for (const auto& row : Table(R"(
-  MPM   | flip           | flip_u=2          | flip_v=3         | 2 3      | 9 9   | 9 9   | 9 9   | 9 9
-  MPM   | position       | offset_u=0.25     | offset_v=0.5     | 0.25 0.5 | -1 -1 | -1 -1 | -1 -1 | -1 -1
-  MPM   | size           | scale_u=2         | scale_v=8        | 2 8      | -1 -1 | -1 -1 | -1 -1 | -1 -1
-  MPM   | wrapping       | repeat_u=2        | repeat_v=0       | 1 0      | -1 -1 | -1 -1 | -1 -1 | -1 -1
-  MPM   | repeat         | repeat_u=2        | repeat_v=3       | S 1      | E 9   | E 9   | E 9   | E 9
-  MPM   | repeat         | repeat_u=2        | repeat_v=0       | S 0      | E 9   | E 9   | E 9   | E 9
-  MPM   | repeat         | repeat_u=0        | repeat_v=3       | S 0      | E 9   | E 9   | E 9   | E 9
-  MPM   | ratio          | scale_u=2         | scale_v=8        | S 0.25   | E -1  | E -1  | E -1  | E -1
-  MPM   | getSize        | scale_u=2         | scale_v=8        | S 2      | S 2   | E -1  | E -1  | S 2
-  MPM   | setSize        | scale_u=2         | scale_v=8        | S 3 3    | E 2 - | E - 8 | E 2 3 | E 3 8
-  MPM   | setTranslation | offset_u=0.25     | offset_v=0.5     | S S 0.125 0.75 | S E 0.125 - |
-          E S - 0.75 | F S 0.25 0.75 | S F 0.125 0.5
-  other | flip           | _uv_flip_u=2      | _uv_flip_v=3     | 2 3      | 1 0     | 1 0     | 0 3     | 2 0
-  other | position       | _uv_offset_u=0.25 | _uv_offset_v=0.5 | 0.25 0.5 | 0.3 0.4 | 0.3 0.4 | 0 0.5   | 0.25 0
-  other | size           | _uv_scale_u=2     | _uv_scale_v=8    | 2 8      | 3 6     | 3 6     | 1 8     | 2 1
-  other | ratio          | _uv_scale_u=2     | _uv_scale_v=8    | S 0.25   | S 0.5   | S 0.5   | S 0.125 | S 2
-  other | getSize        | _uv_scale_u=2     | _uv_scale_v=8    | S 2      | S 3     | S 3     | S 1     | S 2
-  other | setSize        | _uv_scale_u=2     | _uv_scale_v=8    | S 3 0.75 | S 2 -   | S - 8   | S 2 0.375 | S 3 8
-  other | setTranslation | _uv_offset_u=0.25 | _uv_offset_v=0.5 | E E 0.25 0.5 | E E 0.25 - |
-          E E - 0.5 | E E 0.25 0.5 | E E 0.25 0.5
-  )")) {
-    const std::string& u = row[2];
-    const std::string& v = row[3];
-    const std::string scenarios[] = {u + " " + v, u, v, u + "! " + v, u + " " + v + "!"};
-    for (int i = 0; i < 5; ++i) {
-      SCOPED_TRACE(Out(row[0], row[1], "with", scenarios[i]));
-      auto shader = Shader(row[0], scenarios[i] + " _uv_mapping=2 map>", Texture());
-      std::string answer = Ask(Delegate(shader.Get()), row[1]);
-      if (row[1].starts_with("set"))
-        for (const std::string& word : {u, v}) {
-          FakeParameter* p = shader->Param(word.substr(0, word.find('=')));
-          answer += p ? " " + Out(p->value[0]) : " -";
-        }
-      EXPECT_EQ(answer, row[4 + i]);
+  const std::pair<const char*, const char*> tables[] = {{"MPM_paint", R"(
+  # question     | u and v                    | both     | only u | only v | u fails | v fails
+  flip           | flip_u=2 flip_v=3          | 2 3      | 9 9    | 9 9    | 9 9     | 9 9
+  position       | offset_u=0.25 offset_v=0.5 | 0.25 0.5 | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  size           | scale_u=2 scale_v=8        | 2 8      | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  wrapping       | repeat_u=2 repeat_v=0      | 1 0      | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  repeat         | repeat_u=2 repeat_v=3      | S 1      | E 9    | E 9    | E 9     | E 9
+  repeat         | repeat_u=2 repeat_v=0      | S 0      | E 9    | E 9    | E 9     | E 9
+  repeat         | repeat_u=0 repeat_v=3      | S 0      | E 9    | E 9    | E 9     | E 9
+  ratio          | scale_u=2 scale_v=8        | S 0.25   | E -1   | E -1   | E -1    | E -1
+  getSize        | scale_u=2 scale_v=8        | S 2      | S 2    | E -1   | E -1    | S 2
+  setSize        | scale_u=2 scale_v=8        | S 3 3    | E 2 -  | E - 8  | E 2 3   | E 3 8
+  setTranslation | offset_u=0.25 offset_v=0.5 | S S 0.125 0.75 | S E 0.125 - | E S - 0.75 |
+                                                F S 0.25 0.75  | S F 0.125 0.5)"},
+                                                        {"other", R"(
+  # question     | u and v                           | both | only u | only v | u fails | v fails
+  flip           | _uv_flip_u=2 _uv_flip_v=3          | 2 3      | 1 0     | 1 0     | 0 3     | 2 0
+  position       | _uv_offset_u=0.25 _uv_offset_v=0.5 | 0.25 0.5 | 0.3 0.4 | 0.3 0.4 | 0 0.5 |
+                                                        0.25 0
+  size           | _uv_scale_u=2 _uv_scale_v=8        | 2 8      | 3 6     | 3 6     | 1 8     | 2 1
+  ratio          | _uv_scale_u=2 _uv_scale_v=8        | S 0.25   | S 0.5   | S 0.5   | S 0.125 | S 2
+  getSize        | _uv_scale_u=2 _uv_scale_v=8        | S 2      | S 3     | S 3     | S 1     | S 2
+  setSize        | _uv_scale_u=2 _uv_scale_v=8        | S 3 0.75 | S 2 -   | S - 8   |
+                                                        S 2 0.375 | S 3 8
+  setTranslation | _uv_offset_u=0.25 _uv_offset_v=0.5 | E E 0.25 0.5 | E E 0.25 - | E E - 0.5 |
+                                                        E E 0.25 0.5 | E E 0.25 0.5)"}};
+  for (const auto& [kind, table] : tables)
+    for (const auto& row : Table(table)) {
+      const std::string u = row[1].substr(0, row[1].find(' ')), v = row[1].substr(u.size() + 1);
+      const std::string scenarios[] = {u + " " + v, u, v, u + "! " + v, u + " " + v + "!"};
+      for (int i = 0; i < 5; ++i) {
+        SCOPED_TRACE(Out(kind, row[0], "with", scenarios[i]));
+        auto shader = Shader(kind, scenarios[i] + " _uv_mapping=2 map>", Texture());
+        std::string answer = Ask(Delegate(shader.Get()), row[0]);
+        if (row[0].starts_with("set"))
+          for (const std::string& word : {u, v}) {
+            FakeParameter* p = shader->Param(word.substr(0, word.find('=')));
+            answer += p ? " " + Out(p->value[0]) : " -";
+          }
+        EXPECT_EQ(answer, row[2 + i]);
+      }
     }
-  }
 }
 
-// One parameter (the first word; the others stay) read, missing or failing to read, with the
-// texture connected and without.
+// One parameter (the first word; any others stay) read, missing or failing to read, with the
+// texture connected and without. A physical shader never asks the texture.
 TEST_F(MaterialQueriesTest, SingleParameters) {
-  for (const auto& row : Table(R"(
-  MPM_paint | contrast    | default_generic_brdf_diffuse_weight=0.9  | S 0.9 | E -1 | F -1 | S 0.9 | E -1
-  MPM_paint | shininess   | default_generic_brdf_specular_weight=0.6 | S 0.6 | E -1 | F -1 | S 0.6 | E -1
-  MPM_paint | transparency | default_slot_transparency=0.3   | S 0.3 | E -1 | F -1 | S 0.3 | E -1
-  MPM_paint | color       | default_slot_diffuse_color=0.8,0.1,0.2 | S 0.8 0.1 0.2 | E -1 -1 -1 | F -1 -1 -1 | S 0.8 0.1 0.2 | E -1 -1 -1
-  MPM_paint | transparentColor | default_slot_diffuse_color=0.8,0.1,0.2 | S 0.8 0.1 0.2 | E -1 -1 -1 | F -1 -1 -1 | S 0.8 0.1 0.2 | E -1 -1 -1
-  MPM_paint | angle       | angle=30          | 30    | 0    | 0    | 30    | 0
-  MPM_paint | getSize     | scale_u=2         | S 2   | E -1 | E -1 | S 2   | E -1
-  other     | angle       | _uv_angle=45      | 45    | 90   | 0    | 45    | 0
-  other     | mappingType | _uv_mapping=2     | S 2   | S 4  | S 0  | S 2   | E -1
-  other     | wrapping    | _uv_mapping=2     | 1 1   | 1 1  | 1 1  | 1 1   | 0 0
-  other     | ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 0.25 | S 0.5 | S 0.25 | S 0.25 | E -1
-  other     | getSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 2    | S 3   | S 2    | S 2    | E -1
-  other     | ratio       | _uv_mapping=2 _uv_scale_u=0 _uv_scale_v=8 | E -1   | S 0.5 | E -1   | E -1   | E -1
-  other     | ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E -1   | S 0.5 | E -1   | E -1   | E -1
-  other     | setSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E      | S     | E      | E      | E
-  )")) {
-    const std::string& words = row[2];
-    const std::string first = words.substr(0, words.find(' '));
-    const std::string others = words.substr(first.size());
-    const std::string scenarios[] = {words, others, first + "!" + others, words, others};
-    for (int i = 0; i < 5; ++i)
-      EXPECT_EQ(Answer(row[0], scenarios[i] + " map>", row[1], i < 3), row[3 + i])
-          << row[1] << " with " << scenarios[i];
-  }
+  const std::pair<const char*, const char*> tables[] = {{"MPM_paint", R"(
+  # question       | parameter                                | read | missing | fails
+  contrast         | default_generic_brdf_diffuse_weight=0.9  | S 0.9 | E -1 | F -1
+  shininess        | default_generic_brdf_specular_weight=0.6 | S 0.6 | E -1 | F -1
+  transparency     | default_slot_transparency=0.3            | S 0.3 | E -1 | F -1
+  color            | default_slot_diffuse_color=0.8,0.1,0.2   | S 0.8 0.1 0.2 | E -1 -1 -1 |
+                                                                F -1 -1 -1
+  transparentColor | default_slot_diffuse_color=0.8,0.1,0.2   | S 0.8 0.1 0.2 | E -1 -1 -1 |
+                                                                F -1 -1 -1
+  angle            | angle=30                                 | 30    | 0    | 0
+  getSize          | scale_u=2                                | S 2   | E -1 | E -1)"},
+                                                        {"other", R"(
+  # question  | parameter     | read | missing | fails | read, missing without the texture
+  angle       | _uv_angle=45  | 45  | 90  | 0   | 45  | 0
+  mappingType | _uv_mapping=2 | S 2 | S 4 | S 0 | S 2 | E -1
+  wrapping    | _uv_mapping=2 | 1 1 | 1 1 | 1 1 | 1 1 | 0 0
+  ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 0.25 | S 0.5 | S 0.25 | S 0.25 | E -1
+  getSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 2    | S 3   | S 2    | S 2    | E -1
+  ratio       | _uv_mapping=2 _uv_scale_u=0 _uv_scale_v=8 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  setSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E      | S     | E      | E      | E
+  )"}};
+  for (const auto& [kind, table] : tables)
+    for (const auto& row : Table(table)) {
+      const std::string& words = row[1];
+      const std::string first = words.substr(0, words.find(' ')),
+                        others = words.substr(first.size());
+      const std::string scenarios[] = {words, others, first + "!" + others, words, others};
+      // A physical row gives three answers: the same without the texture.
+      const std::size_t answers = row.size() - 2;
+      for (std::size_t i = 0; i < 5; ++i)
+        EXPECT_EQ(Answer(kind, scenarios[i] + " map>", row[0], i < 3),
+                  row[2 + (i < answers ? i : i - 3)])
+            << row[0] << " with " << scenarios[i];
+    }
 }
 
 TEST_F(MaterialQueriesTest, PhysicalLightingNeedsAllThreeParameters) {
   for (const auto& row : Table(R"(
-  diffuse  | default_generic_brdf_diffuse_weight=0.9 default_slot_diffuse_color=0.8,0.1,0.2 default_generic_brdf_diffuse_glossiness=0.3 | 0.9 0.8 0.1 0.2    | -1 -1 -1 -1
-  specular | default_generic_brdf_specular_weight=0.6 default_slot_specular_color=1,0.9,0.7 default_slot_specular_glossiness=0.75   | 0.6 1 0.9 0.7 0.75 | -1 -1 -1 -1 -1
-  )")) {
-    EXPECT_EQ(Answer("MPM_paint", row[1], row[0]), row[2]);
-    std::istringstream in(row[1]);
-    const std::vector<std::string> words{std::istream_iterator<std::string>(in), {}};
-    for (std::size_t broken = 0; broken < 3; ++broken)
+  diffuse  | default_generic_brdf_diffuse_weight=0.9 | default_slot_diffuse_color=0.8,0.1,0.2 |
+             default_generic_brdf_diffuse_glossiness=0.3 | 0.9 0.8 0.1 0.2 | -1 -1 -1 -1
+  specular | default_generic_brdf_specular_weight=0.6 | default_slot_specular_color=1,0.9,0.7 |
+             default_slot_specular_glossiness=0.75 | 0.6 1 0.9 0.7 0.75 | -1 -1 -1 -1 -1)")) {
+    EXPECT_EQ(Answer("MPM_paint", row[1] + " " + row[2] + " " + row[3], row[0]), row[4]);
+    for (std::size_t broken = 1; broken <= 3; ++broken)
       for (const char* how : {"missing", "!"}) {
         std::string shader;
-        for (std::size_t i = 0; i < 3; ++i)
-          if (i != broken || *how == '!') shader += words[i] + (i == broken ? how : "") + " ";
-        EXPECT_EQ(Answer("MPM_paint", shader, row[0]), row[3]) << shader;
+        for (std::size_t i = 1; i <= 3; ++i)
+          if (i != broken || *how == '!') shader += row[i] + (i == broken ? how : "") + " ";
+        EXPECT_EQ(Answer("MPM_paint", shader, row[0]), row[5]) << shader;
       }
   }
 }
@@ -181,6 +195,7 @@ TEST_F(MaterialQueriesTest, TransparencyCoefficient) {
   Startup startup;  // other shaders answer from the type stored by the program search
   startup.SetPath("A");
   for (const auto& row : Table(R"(
+      # type                        | parameters                                | coefficient
       MPM_glass                       | default_slot_transparency=0.3 default_slot_opacity=0  | 0.7
       MPM_glass                       | default_slot_transparency=0.8 default_slot_opacity=0  | 0.8
       MPM_glass                       | default_slot_transparency=1.5 default_slot_opacity=0  | 1
@@ -195,7 +210,8 @@ TEST_F(MaterialQueriesTest, TransparencyCoefficient) {
       mia_phen_simple_translucent     |                                                       | 0.5
       mia_phen_backside_translucent   |                                                       | 0.5
       mia_phen_reflective_translucent |                                                       | 0.5
-      mia_phen_material               | default_slot_transparency=0.3 default_slot_opacity=0  | 0)"))
+      mia_phen_material               | default_slot_transparency=0.3 default_slot_opacity=0  | 0
+  )"))
     EXPECT_EQ(Answer(row[0], row[1], "coefficient"), row[2]) << row[0] << " " << row[1];
 }
 

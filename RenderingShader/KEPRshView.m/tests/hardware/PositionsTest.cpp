@@ -80,30 +80,23 @@ TEST_F(PositionsTest, AnUnreadableNameShiftsLaterNames) {
   }
 }
 
+// The program is found for the type read first; the type read second is the one kept (and
+// answers the translucency test).
 TEST_F(PositionsTest, ProgramPathUsesTheFirstTypeReadAndStoresTheSecond) {
-  struct Row {
-    std::vector<std::string> typeNames;  // answers of successive type name reads
-    std::string program;                 // under the startup directory; "" = none
-    const char* coefficient;             // from the stored type
-  };
-  const Row rows[] = {
-      {{"kep_phen_texture", "mia_phen_clear_glass"},
-       "materials/shaders/kep_phen_texture.cgfx",
-       "0.5"},
-      // No common, own or default program: the stored type's program is not looked for.
-      {{"MPM_fake", "mia_phen_material"}, "", "0"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.typeNames.front());
+  for (const auto& row : Table(R"(
+      # type read first | second            | program                                  | coefficient
+      kep_phen_texture  | mia_phen_clear_glass | A/materials/shaders/kep_phen_texture.cgfx | 0.5
+      # No common, own or default program; the type kept is not looked for.
+      MPM_fake          | mia_phen_material |                                          | 0)")) {
     Startup startup;
     for (const char* type : {"kep_phen_texture", "mia_phen_clear_glass", "mia_phen_material"})
       startup.File(std::string("A/materials/shaders/") + type + ".cgfx");
     startup.SetPath("A");
-    auto shader = FakeShader::Make(row.typeNames, {});
+    auto shader = FakeShader::Make({row[0], row[1]}, {});
     Delegate d(shader.Get());
-    EXPECT_EQ(d.program->GetExternalShader().ToUTF8(),
-              row.program.empty() ? "" : startup.Dir("A") + "/" + row.program);
-    EXPECT_EQ(Ask(d, "coefficient"), row.coefficient);
+    EXPECT_EQ(d.program->GetExternalShader().ToUTF8(), row[2].empty() ? "" : startup.Dir(row[2]))
+        << row[0];
+    EXPECT_EQ(Ask(d, "coefficient"), row[3]) << row[0];
   }
 }
 

@@ -12,29 +12,40 @@ namespace {
 class ProgramFileTest : public HardwareFixture {};
 
 TEST_F(ProgramFileTest, SearchOrders) {
-  // Files are created in a temporary folder, ".cgfx" added; "missing" is never created, "-" is
-  // no program.
+  // Files are created in a temporary folder, ".cgfx" added; "missing" is never created.
   for (const auto& row : Table(R"(
-  # type        | files                                           | startup path | program found
+  # type        | files |
+  #               startup path | program found ("-": none)
   # A physical type uses the common program, never its own.
-  MPM_car_paint | A/shaders/MPM_car_paint A/materials/shaders/MPM_material | A   | A/materials/shaders/MPM_material
+  MPM_car_paint | A/shaders/MPM_car_paint A/materials/shaders/MPM_material |
+                  A | A/materials/shaders/MPM_material
   # Every directory is tried for the common program before the type's own.
-  MPM_car_paint | A/shaders/MPM_car_paint B/shaders/MPM_material  | A;B          | B/shaders/MPM_material
+  MPM_car_paint | A/shaders/MPM_car_paint B/shaders/MPM_material |
+                  A;B | B/shaders/MPM_material
   # In a directory, materials/shaders comes before shaders; the first directory comes first.
-  MPM_car_paint | A/shaders/MPM_material A/materials/shaders/MPM_material | A    | A/materials/shaders/MPM_material
-  MPM_car_paint | A/shaders/MPM_material B/materials/shaders/MPM_material | A;B  | A/shaders/MPM_material
+  MPM_car_paint | A/shaders/MPM_material A/materials/shaders/MPM_material |
+                  A | A/materials/shaders/MPM_material
+  MPM_car_paint | A/shaders/MPM_material B/materials/shaders/MPM_material |
+                  A;B | A/shaders/MPM_material
   # A physical type without the common program uses its own, else rsh_default.
-  MPM_car_paint | B/shaders/MPM_car_paint A/materials/shaders/rsh_default | A;B | B/shaders/MPM_car_paint
-  MPM_glass     | B/shaders/rsh_default                           | A;B          | B/shaders/rsh_default
+  MPM_car_paint | B/shaders/MPM_car_paint A/materials/shaders/rsh_default |
+                  A;B | B/shaders/MPM_car_paint
+  MPM_glass     | B/shaders/rsh_default |
+                  A;B | B/shaders/rsh_default
   # An empty segment is kept (it looks at /materials/shaders and /shaders).
-  MPM_car_paint | B/shaders/MPM_material                          | missing;;B   | B/shaders/MPM_material
+  MPM_car_paint | B/shaders/MPM_material |
+                  missing;;B | B/shaders/MPM_material
   # Another type: its own program under materials/shaders, else rsh_default there, else none.
-  mia_phen_material | B/materials/shaders/mia_phen_material A/materials/shaders/rsh_default | A;B |
-                      B/materials/shaders/mia_phen_material
-  mia_phen_clear_glass | A/materials/shaders/rsh_default            | A            | A/materials/shaders/rsh_default
-  mia_phen_material | A/shaders/mia_phen_material A/materials/shaders/rsh_default | A | A/materials/shaders/rsh_default
-  kep_phen_texture  | A/materials/shaders/kep_phen_texture        | A            | A/materials/shaders/kep_phen_texture
-  mia_phen_material | A/shaders/rsh_default                       | A            | -
+  mia_phen_material | B/materials/shaders/mia_phen_material A/materials/shaders/rsh_default |
+                      A;B | B/materials/shaders/mia_phen_material
+  mia_phen_clear_glass | A/materials/shaders/rsh_default |
+                         A | A/materials/shaders/rsh_default
+  mia_phen_material | A/shaders/mia_phen_material A/materials/shaders/rsh_default |
+                      A | A/materials/shaders/rsh_default
+  kep_phen_texture  | A/materials/shaders/kep_phen_texture |
+                      A | A/materials/shaders/kep_phen_texture
+  mia_phen_material | A/shaders/rsh_default |
+                      A | -
   )")) {
     SCOPED_TRACE(Out(row[0], "with", row[1]));
     Startup startup;
