@@ -120,7 +120,7 @@ TEST_F(MaterialQueriesTest, PairsOfParameters) {
     for (const auto& row : Table(table)) {
       const std::string u = row[1].substr(0, row[1].find(' ')), v = row[1].substr(u.size() + 1);
       const std::string scenarios[] = {u + " " + v, u, v, u + "! " + v, u + " " + v + "!"};
-      for (int i = 0; i < 5; ++i) {
+      for (std::size_t i = 0; i < 5; ++i) {
         SCOPED_TRACE(Out(kind, row[0], "with", scenarios[i]));
         auto shader = Shader(kind, scenarios[i] + " _uv_mapping=2 map>", Texture());
         std::string answer = Ask(Delegate(shader.Get()), row[0]);
