@@ -31,10 +31,10 @@ TEST_F(ImagesAndFilesTest, CheckerImageLoads) {
 
 TEST_F(ImagesAndFilesTest, BadImagesGiveNull) {
   Startup dirs;
-  const std::string empty = dirs.File("A", "empty.png");
+  const std::string empty = dirs.File("A/empty.png");
   std::ofstream(empty, std::ios::trunc).close();
-  const std::string text = dirs.File("A", "text.png");
-  const std::string truncated = dirs.File("A", "truncated.png");
+  const std::string text = dirs.File("A/text.png");
+  const std::string truncated = dirs.File("A/truncated.png");
   {
     std::ifstream in(SourcePath("samples/startup/textures/checker.png"), std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
@@ -51,8 +51,8 @@ TEST_F(ImagesAndFilesTest, BadImagesGiveNull) {
 
 TEST_F(ImagesAndFilesTest, FindPathTriesEachDirectoryInOrder) {
   Startup dirs;
-  const std::string inB = dirs.File("B", "materials/shaders/x.cgfx");
-  const std::string inC = dirs.File("C", "materials/shaders/x.cgfx");
+  const std::string inB = dirs.File("B/materials/shaders/x.cgfx");
+  const std::string inC = dirs.File("C/materials/shaders/x.cgfx");
   struct Row {
     std::string search;
     std::string expected;

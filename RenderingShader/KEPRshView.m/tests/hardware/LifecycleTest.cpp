@@ -1,5 +1,5 @@
-// The delegate's link and the material's lifecycle: first query, positions, deletion and
-// destruction, reference counts and traces.
+// The delegate's link and the material's life: what each holds, deletion, copies, what a material
+// keeps between questions, destruction and registration.
 #include "HardwareTestSupport.h"
 
 using namespace keptest;
@@ -9,197 +9,170 @@ namespace {
 
 class LifecycleTest : public HardwareFixture {};
 
-TEST_F(LifecycleTest, LinkReferenceCounts) {
-  World world;
-  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
-  KEPHostShaderNode* a = world.Node("mia_phen_material", "a");
-  KEPHostShaderNode* b = world.Node("mia_phen_material", "b");
+TEST_F(LifecycleTest, LinkHoldsOneReferenceOnItsShader) {
+  auto a = Shader("a", ""), b = Shader("b", "");
   const ULONG aBefore = a->GetRefCount(), bBefore = b->GetRefCount();
-  Delegate delegate;
-  auto link = delegate.Link();
-
-  KEPIRshShader* out = reinterpret_cast<KEPIRshShader*>(0x1);
-  EXPECT_EQ(link->GetShader(out), E_FAIL);
-  EXPECT_EQ(out, reinterpret_cast<KEPIRshShader*>(0x1));
-
-  EXPECT_EQ(link->SetShader(a), S_OK);
-  EXPECT_EQ(a->GetRefCount(), aBefore + 1);
-  EXPECT_EQ(link->SetShader(a), S_OK);  // the same shader again keeps one reference
-  EXPECT_EQ(a->GetRefCount(), aBefore + 1);
-  EXPECT_EQ(link->SetShader(b), S_OK);
+  Delegate d;
+  KEPIRshShader* out = b.Get();
+  EXPECT_EQ(d.link->GetShader(out), E_FAIL);
+  EXPECT_EQ(out, b.Get()) << "untouched";
+  for (FakeShader* shader : {a.Get(), a.Get(), b.Get()}) EXPECT_EQ(d.link->SetShader(shader), S_OK);
+  EXPECT_EQ(d.link->SetShader(nullptr), E_FAIL);
   EXPECT_EQ(a->GetRefCount(), aBefore);
   EXPECT_EQ(b->GetRefCount(), bBefore + 1);
-  EXPECT_EQ(link->SetShader(nullptr), E_FAIL);
-  EXPECT_EQ(b->GetRefCount(), bBefore + 1);
-
-  ASSERT_EQ(link->GetShader(out), S_OK);
-  EXPECT_EQ(out, static_cast<KEPIRshShader*>(b));
+  ASSERT_EQ(d.link->GetShader(out), S_OK);
+  EXPECT_EQ(out, b.Get());
   EXPECT_EQ(b->GetRefCount(), bBefore + 2);
   out->Release();
-
-  link.Reset();
-  delegate.Reset();
+  d = Delegate();
   EXPECT_EQ(b->GetRefCount(), bBefore);
 }
 
-TEST_F(LifecycleTest, DeletionReleasesShaderAndParameters) {
-  World world;
-  world.Add(Type("MPM_paint").Param("scale_u", Scalar(2)).Param("scale_v", Scalar(4)));
-  KEPHostShaderNode* node = world.Node("MPM_paint");
-  KEPHostParameter* scale = world.Param(node, "scale_u");
-  const ULONG nodeBefore = node->GetRefCount(), paramBefore = scale->GetRefCount();
-  Delegate delegate(node);
-  double d = 0;
-  EXPECT_EQ(delegate.Mapping()->GetRatio(d), S_OK);
-  EXPECT_EQ(scale->GetRefCount(), paramBefore + 1);
-
-  delegate.Component()->ChangeComponentState(KEPComponentState_Alive, KEPComponentState_Deleted,
-                                             nullptr);
-  EXPECT_EQ(scale->GetRefCount(), paramBefore);
-  EXPECT_EQ(node->GetRefCount(), nodeBefore);
-  // Nothing is linked any more: a physical shader is no longer recognised.
-  EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
-}
-
-TEST_F(LifecycleTest, DeletionThenRequeryReadsTheParametersAgain) {
-  World world;
-  world.Add(Type("MPM_paint").Param("a", Scalar(1)).Param("b", Scalar(2)));
-  KEPHostShaderNode* node = world.Node("MPM_paint");
-  Delegate delegate(node);
-  auto program = delegate.Program();
-  KEPString b = "b";
-  float value = -1;
-  program->GetShaderFloatParameter(2, value);
-  EXPECT_EQ(program->CheckShaderFloatParameter(b), 2);
-  // Deleted only from the material's point of view: the component state goes 1 -> 2 for the
-  // material extension alone, the link keeps its shader.
-  auto* material = dynamic_cast<KEPBaseUnknown*>(program.Get());
-  material->ChangeComponentState(KEPComponentState_Alive, KEPComponentState_Deleted, nullptr);
-  // Names are kept and appended again; the positions of an unchanged shader do not move.
-  EXPECT_EQ(program->CheckShaderFloatParameter(b), 2);
-  program->GetShaderFloatParameter(2, value);
-  EXPECT_EQ(value, 2.0f);
-  EXPECT_EQ(program->CheckShaderFloatParameter(b), 2);
-}
-
-TEST_F(LifecycleTest, ParametersAreReadAtTheFirstQuery) {
-  World world;
-  world.Add(Type("MPM_paint").Param("x", Scalar(1.5f)));
-  KEPHostShaderNode* node = world.Node("MPM_paint");
-  Delegate delegate(node);
-  auto program = delegate.Program();
-  KEPString x = "x";
-  EXPECT_EQ(program->CheckShaderFloatParameter(x), -1);  // nothing read yet
-  EXPECT_EQ(program->CheckShaderColorParameter(x), -1);
-  EXPECT_EQ(program->IsModifiedShaderFloatParameter(1), 2);  // reads the parameters
-  EXPECT_EQ(program->CheckShaderFloatParameter(x), 1);
-
-  // A parameter added later is not seen: the list is kept until the component is deleted.
-  KEP_var<KEPHostParameter> added =
-      KEP_var<KEPHostParameter>::Adopt(KEPHostParameter::Create(node, "late", Scalar(3)));
-  node->AddParameter(added.Get());
-  KEPString late = "late";
-  EXPECT_EQ(program->CheckShaderFloatParameter(late), -1);
-  EXPECT_EQ(program->IsModifiedShaderFloatParameter(2), 3);
-}
-
-TEST_F(LifecycleTest, PositionalEdges) {
-  World world;
-  world.Add(Type("MPM_paint")
-                .Param("x", Scalar(1.5f))
-                .Param("c", Color(0.1f, 0.2f, 0.3f))
-                .Param("x", Scalar(9.0f)));
-  Delegate delegate(world.Node("MPM_paint"));
-  auto program = delegate.Program();
-  struct Row {
-    int position;
-    int modified;
-    float value;
-  };
-  const Row rows[] = {{0, 3, 0.0f}, {1, 2, 1.5f}, {3, 2, 9.0f}, {4, 3, 0.0f}, {-1, 3, 0.0f}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.position);
-    EXPECT_EQ(program->IsModifiedShaderFloatParameter(row.position), row.modified);
-    EXPECT_EQ(program->IsModifiedShaderColorParameter(row.position), row.modified);
-    EXPECT_EQ(program->IsModifiedExternalShaderImageLink(row.position), row.modified);
-    float value = -7;
-    program->GetShaderFloatParameter(row.position, value);
-    EXPECT_EQ(value, row.value);
+TEST_F(LifecycleTest, OnlyTheMoveToDeletedReleases) {
+  // From, to, and whether the material lets its parameters go and the link its shader.
+  const std::array<int, 3> rows[] = {{1, 2, 1}, {0, 2, 1}, {2, 2, 0}, {1, 3, 0}, {0, 1, 0}};
+  for (const auto& [from, to, releases] : rows) {
+    SCOPED_TRACE(Out(from, "->", to));
+    auto shader = Shader("MPM_paint", "x=1");
+    FakeParameter* x = shader->Param("x");
+    Delegate d(shader.Get());
+    EXPECT_EQ(d.program->IsModifiedShaderFloatParameter(1), 2);  // reads the parameters
+    const ULONG xBefore = x->GetRefCount(), shaderBefore = shader->GetRefCount();
+    for (KEPIUnknown* extension :
+         {static_cast<KEPIUnknown*>(d.material.Get()), static_cast<KEPIUnknown*>(d.link.Get())}) {
+      auto* object = dynamic_cast<KEPBaseUnknown*>(extension);
+      EXPECT_EQ(object->ChangeComponentState(from, to, nullptr), S_OK);
+      EXPECT_EQ(object->GetComponentState(), to);
+    }
+    EXPECT_EQ(x->GetRefCount(), xBefore - static_cast<ULONG>(releases));
+    EXPECT_EQ(shader->GetRefCount(), shaderBefore - static_cast<ULONG>(releases));
   }
-  KEPString x = "x", missing = "missing";
-  EXPECT_EQ(program->CheckShaderFloatParameter(x), 1);  // the first of two
-  EXPECT_EQ(program->CheckExternalShaderImagesLink(missing), -1);
-  float r = -1, g = -1, b = -1;
-  program->GetShaderColorParameter(1, r, g, b);  // a scalar: no colour, untouched
-  EXPECT_EQ(r, -1);
-  program->GetShaderColorParameter(2, r, g, b);
-  EXPECT_FLOAT_EQ(g, 0.2f);
 }
 
-TEST_F(LifecycleTest, UnlinkedDelegateAnswersDefaults) {
-  Delegate delegate;
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  float coef = -1, color[3] = {-1, -1, -1};
-  material->GetAmbient(coef, color);
-  EXPECT_EQ(color[0], 1.0f);  // not physical
-  EXPECT_EQ(material->GetTextureImage(), nullptr);
-  EXPECT_TRUE(delegate.Program()->GetExternalShader().IsEmpty());
-  double d = -1;
-  EXPECT_EQ(mapping->GetRatio(d), E_FAIL);
-  KEPString name = "x";
-  EXPECT_EQ(delegate.Program()->CheckShaderFloatParameter(name), -1);
+/// A link of the tests' own making, which can be pointed at another shader.
+class ForeignLink : public KEPBaseUnknown, public KEPIRshShaderLink {
+ public:
+  static KEPBaseUnknown* Make() { return new ForeignLink(); }
+  HRESULT SetShader(KEPIRshShader* shader) override {
+    shader_ = KEP_var<KEPIRshShader>(shader);
+    return S_OK;
+  }
+  HRESULT GetShader(KEPIRshShader*& out) override {
+    out = KEP_var<KEPIRshShader>(shader_).Detach();
+    return out ? S_OK : E_FAIL;
+  }
+
+ private:
+  KEP_var<KEPIRshShader> shader_;
+};
+KEP_DEFINE_TIE(KEPIRshShaderLink, ForeignLink)
+
+TEST_F(LifecycleTest, PhysicalAnswerFollowsTheLinkedShader) {
+  KEPExtensionRegistry::DeclareParent("TestForeignDelegate", "KEPRshShaderDelegate");
+  KEPExtensionRegistry::Register({"TestForeignDelegate", KEPIRshShaderLink::IID().name,
+                                  "ForeignLink", &ForeignLink::Make,
+                                  &CreateTIEKEPIRshShaderLinkForeignLink});
+  auto physical = Shader("MPM_paint", ""), other = Shader("mia_phen_material", "");
+  for (const char* lateType : {"KEPRshShaderDelegate", "TestForeignDelegate"}) {
+    SCOPED_TRACE(lateType);
+    Delegate d(nullptr, lateType);
+    EXPECT_EQ(Ask(d, "ambient"), "0 1 1 1") << "nothing linked";
+    for (FakeShader* shader : {physical.Get(), other.Get(), physical.Get()}) {
+      d.link->SetShader(shader);
+      EXPECT_EQ(Ask(d, "ambient"), shader == physical.Get() ? "0 0 0 0" : "0 1 1 1");
+    }
+  }
+  // A texture node answers through the host's own link to the node itself.
+  World world;
+  world.Add(TextureType("MPM_texture"));
+  auto material = KEPQueryVar<KEPIHardwareMaterial>(world.Node("MPM_texture"));
+  float coefficient = -1, color[3] = {-1, -1, -1};
+  material->GetAmbient(coefficient, color);
+  EXPECT_EQ(Out(coefficient, color[0], color[1], color[2]), "0 0 0 0");
 }
 
-TEST_F(LifecycleTest, FixedResults) {
-  Delegate delegate;
-  auto material = delegate.Material();
-  auto program = delegate.Program();
-  KEPMathTransformation matrix;
-  KEPUnicodeString path = u"keep";
-  KEPString name = "x";
-  EXPECT_EQ(material->GetMatrix(matrix), E_FAIL);
-  EXPECT_EQ(material->SetMatrix(matrix), E_FAIL);
-  EXPECT_EQ(program->SetExternalShaderImageLink(1, path), E_FAIL);
-  EXPECT_EQ(program->SetInternalShaderImageLink(1, path), E_FAIL);
-  for (int v : {program->CheckInternalShaderImagesLink(name), program->GetShaderFloatNbParameter(),
-                program->GetNbExternalShaderImagesLink(), program->IsModifiedShaderISLFile(),
-                program->GetExternalShaderStatus(), program->IsModifiedShaderStringParameter(1)})
-    EXPECT_EQ(v, -1);
-  EXPECT_EQ(material->UseTextureRatio(), 1);
-  EXPECT_EQ(material->GetEnvironmentMap(), nullptr);
-  EXPECT_EQ(program->GetExternalShaderLink(), nullptr);
-  float a = 5, b = 5;
-  material->GetNonLinearReflection(a, b);
-  EXPECT_EQ(a + b, 0.0f);
-  program->GetInternalShaderImageLink(1, path);
-  EXPECT_EQ(path.ToUTF8(), "keep");
-  EXPECT_TRUE(program->GetShaderFloatParameterName(1).empty());
-  EXPECT_TRUE(program->GetShaderISLFile().IsEmpty());
+TEST_F(LifecycleTest, QuestionsAskedBeforeTheLinkAreNotKept) {
+  World world;
+  world.Add(TextureType());
+  auto shader = Shader("mia_phen_material", "x=1.5 map>", world.Node("kep_phen_texture"));
+  Delegate d;
+  EXPECT_EQ(Ask(d, "size"), "1 1");
+  EXPECT_EQ(Ask(d, "image"), "none");
+  float value = -1;
+  d.program->GetShaderFloatParameter(1, value);
+  EXPECT_EQ(value, 0.0f);
+  d.link->SetShader(shader.Get());
+  EXPECT_EQ(Ask(d, "size"), "3 6");
+  EXPECT_EQ(Ask(d, "image"), "checker.png");
+  d.program->GetShaderFloatParameter(1, value);
+  EXPECT_EQ(value, 1.5f);
+}
+
+// A copy holds references of its own on the same parameters, and keeps the program file and the
+// sticker mode; it finds its connected texture for itself, and an assigned material forgets the
+// one it had found.
+TEST_F(LifecycleTest, CopiesAndAssignments) {
+  Startup startup;
+  startup.File("A/materials/shaders/rsh_default.cgfx");
+  startup.SetPath("A");
+  World world;
+  world.Add(TextureType());
+  KEPHostShaderNode* second = world.Node("kep_phen_texture", "t2");
+  world.Param(second, "_uv_scale_u")->SetScalarValue(7.0f);
+  auto first = Shader("mia_phen_material", "x=1.5 map>", world.Node("kep_phen_texture", "t1"));
+  auto other = Shader("mia_phen_material", "x=2.5 map>", second);
+  FakeParameter* x = first->Param("x");
+  FakeParameter* otherX = other->Param("x");
+  const ULONG xBefore = x->GetRefCount(), otherBefore = otherX->GetRefCount();
+  Delegate d(first.Get());
+  d.program->SetStickerMode(1);
+  const std::string program = d.program->GetExternalShader().ToUTF8();
+  EXPECT_EQ(program, startup.Dir("A") + "/materials/shaders/rsh_default_Stk.cgfx");
+  {
+    Delegate otherDelegate(other.Get());
+    EXPECT_EQ(Ask(otherDelegate, "size"), "7 6");
+    KEPRshShaderHardwareExt copy(*d.Ext());
+    KEPRshShaderHardwareExt assigned(*otherDelegate.Ext());
+    float u = -1, v = -1;
+    assigned.GetTextureSize(u, v);
+    EXPECT_EQ(Out(u, v), "7 6");
+    EXPECT_EQ(otherX->GetRefCount(), otherBefore + 2);
+    assigned = *d.Ext();
+    KEPRshShaderHardwareExt& same = assigned;
+    assigned = same;
+    EXPECT_EQ(otherX->GetRefCount(), otherBefore + 1);
+    EXPECT_EQ(x->GetRefCount(), xBefore + 3);
+    for (KEPRshShaderHardwareExt* object : {&copy, &assigned}) {
+      EXPECT_EQ(object->IsStickerMode(), 1);
+      EXPECT_EQ(object->GetExternalShader().ToUTF8(), program);
+      KEPString name = "x";
+      EXPECT_EQ(object->CheckShaderFloatParameter(name), 1);
+      float value = -1;
+      object->GetShaderFloatParameter(1, value);
+      EXPECT_EQ(value, 1.5f);
+      object->GetTextureSize(u, v);
+      EXPECT_EQ(Out(u, v), "3 6");
+    }
+  }
+  EXPECT_EQ(x->GetRefCount(), xBefore + 1);
 }
 
 TEST_F(LifecycleTest, DestructionTraces) {
-  World world;
-  world.Add(Type("mia_phen_material").Param("x", Scalar(1)));
+  auto shader = Shader("mia_phen_material", "x=1");
   TraceCapture capture(2);
-  {
-    Delegate delegate(world.Node("mia_phen_material"));
-    delegate.Material()->GetTransparencyCoef();
-  }
+  Delegate(shader.Get()).material->GetTransparencyCoef();
   const std::vector<std::string> expected = {
       "(KEPRshShaderHardwareDefault::~KEPRshShaderHardwareDefault) Destructor\n",
       "(KEPRshShaderHardwareDefault::~KEPRshShaderHardwareDefault) Done\n",
       "(KEPRshShaderHardwareLink::~KEPRshShaderHardwareLink) Destructor\n",
       "(KEPRshShaderHardwareLink::~KEPRshShaderHardwareLink) Done\n"};
   EXPECT_EQ(capture.Texts("module"), expected);
-
   TraceCapture quiet(1);
-  { Delegate delegate(world.Node("mia_phen_material")); }
+  Delegate{shader.Get()};
   EXPECT_TRUE(quiet.Texts().empty());
 }
 
-TEST_F(LifecycleTest, MetaclassesAndRegistration) {
-  KEPRshViewRegister();  // a second registration changes nothing
+TEST_F(LifecycleTest, RegisteredAsExtensionsOfTheDelegate) {
   for (const KEPMetaClass* meta :
        {KEPRshShaderHardwareDefault::MetaObject(), KEPRshShaderHardwareLink::MetaObject()}) {
     SCOPED_TRACE(meta->Name());
@@ -208,20 +181,49 @@ TEST_F(LifecycleTest, MetaclassesAndRegistration) {
     EXPECT_STREQ(meta->Framework(), "RenderingShader");
     EXPECT_EQ(meta->Base(), KEPBaseUnknown::MetaObject());
   }
-  EXPECT_FALSE(KEPRshShaderHardwareDefault::MetaObject()->IsAKindOf("KEPRshShaderHardwareExt"));
-  KEPRshShaderHardwareExt plain;
-  EXPECT_EQ(plain.CreateItself(), nullptr);
-
-  Delegate delegate;
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
+  EXPECT_EQ(KEPRshShaderHardwareExt().CreateItself(), nullptr);
+  Delegate d;
   // The four visualisation interfaces are one object; the link is another.
-  EXPECT_EQ(dynamic_cast<KEPBaseUnknown*>(material.Get()),
-            dynamic_cast<KEPBaseUnknown*>(mapping.Get()));
-  EXPECT_NE(dynamic_cast<KEPBaseUnknown*>(material.Get()),
-            dynamic_cast<KEPBaseUnknown*>(delegate.Link().Get()));
-  EXPECT_EQ(delegate.Component()->GetExtensionCount(), 2u);
-  EXPECT_EQ(KEPCreateComponent(""), nullptr);
+  auto* material = dynamic_cast<KEPBaseUnknown*>(d.material.Get());
+  EXPECT_EQ(material, dynamic_cast<KEPBaseUnknown*>(d.program.Get()));
+  EXPECT_EQ(material, dynamic_cast<KEPBaseUnknown*>(d.mapping.Get()));
+  EXPECT_EQ(material, dynamic_cast<KEPBaseUnknown*>(d.mappingMaterial.Get()));
+  EXPECT_NE(material, dynamic_cast<KEPBaseUnknown*>(d.link.Get()));
+  EXPECT_EQ(d.component->GetExtensionCount(), 2u);
+}
+
+TEST_F(LifecycleTest, FixedAnswers) {
+  Delegate d;
+  KEPIHardwareMaterial& m = *d.material;
+  KEPIOpenGLShaderMaterial& p = *d.program;
+  KEPMathTransformation matrix;
+  KEPUnicodeString path = u"kept";
+  KEPString name = "x";
+  for (HRESULT hr : {m.GetMatrix(matrix), m.SetMatrix(matrix),
+                     p.SetExternalShaderImageLink(1, path), p.SetInternalShaderImageLink(1, path)})
+    EXPECT_EQ(hr, E_FAIL);
+  for (int answer : {p.CheckInternalShaderImagesLink(name), p.CheckShaderStringParameter(name),
+                     p.GetExternalShaderStatus(), p.GetExternalShaderType(),
+                     p.GetNbExternalShaderImageParamName(), p.GetNbExternalShaderImagesLink(),
+                     p.GetNbInternalShaderImageParamName(), p.GetNbInternalShaderImagesLink(),
+                     p.GetShaderColorNbParameter(), p.GetShaderFloatNbParameter(),
+                     p.GetShaderStringNbParameter(), p.GetShaderType(),
+                     p.IsModifiedInternalShaderImageLink(1), p.IsModifiedShaderISLFile(),
+                     p.IsModifiedShaderStringParameter(1), p.IsResetParametersShaderISLFile()})
+    EXPECT_EQ(answer, -1);
+  EXPECT_EQ(m.UseTextureRatio(), 1);
+  EXPECT_EQ(m.GetReflectivityCoef(), 0.0f);
+  EXPECT_EQ(m.GetReflectionType(), 0);
+  EXPECT_EQ(m.GetEnvironmentMap(), nullptr);
+  EXPECT_EQ(p.GetExternalShaderLink(), nullptr);
+  float a = 5, b = 5;
+  m.GetNonLinearReflection(a, b);
+  EXPECT_EQ(Out(a, b), "0 0");
+  p.GetInternalShaderImageLink(1, path);
+  p.GetShaderStringParameter(1, path);
+  EXPECT_EQ(path.ToUTF8(), "kept");
+  EXPECT_TRUE(p.GetShaderFloatParameterName(1).empty());
+  EXPECT_TRUE(p.GetShaderISLFile().IsEmpty());
 }
 
 }  // namespace

@@ -1,5 +1,10 @@
-// The viewer's material answers for physical and other shaders, and the connected-texture
-// fall-backs.
+// The viewer's material answers, rule by rule: each answer of a physical and of another shader,
+// and each way its parameters can be missing or fail to read. Shaders are written as words (see
+// Shader); "map>" is a parameter connected to a texture that answers flip 1 0, position 0.3 0.4,
+// size 3 6, angle 90 and mapping type 4 (TextureType).
+#include <iterator>
+#include <optional>
+
 #include "HardwareTestSupport.h"
 
 using namespace keptest;
@@ -7,504 +12,229 @@ using namespace hwtest;
 
 namespace {
 
-const std::string kChecker = SourcePath("samples/startup/textures/checker.png");
-
-class MaterialQueriesTest : public HardwareFixture {};
-
-Type PhysicalPaint() {
-  return Type("MPM_car_paint")
-      .Param("default_generic_brdf_diffuse_weight", Scalar(0.9f))
-      .Param("default_slot_diffuse_color", Color(0.8f, 0.1f, 0.2f))
-      .Param("default_generic_brdf_diffuse_glossiness", Scalar(0.3f))
-      .Param("default_generic_brdf_specular_weight", Scalar(0.6f))
-      .Param("default_slot_specular_color", Color(1.0f, 0.9f, 0.8f))
-      .Param("default_slot_specular_glossiness", Scalar(0.75f))
-      .Param("default_slot_transparency", Scalar(0.3f))
-      .Param("default_slot_opacity", Scalar(1.0f))
-      .Param("repeat_u", Boolean(true))
-      .Param("repeat_v", Boolean(false))
-      .Param("flip_u", Boolean(true))
-      .Param("flip_v", Boolean(false))
-      .Param("offset_u", Scalar(0.25f))
-      .Param("offset_v", Scalar(0.5f))
-      .Param("scale_u", Scalar(2.0f))
-      .Param("scale_v", Scalar(8.0f))
-      .Param("angle", Scalar(30.0f))
-      .Param("type", Integer(3));
-}
-
-TEST_F(MaterialQueriesTest, PhysicalShaderReadsSlotsAndBrdf) {
-  World world;
-  world.Add(PhysicalPaint());
-  Delegate delegate(world.Node("MPM_car_paint"));
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  auto mm = delegate.MappingMaterial();
-
-  float coef = -1, color[3] = {-1, -1, -1}, gloss = -1;
-  material->GetAmbient(coef, color);
-  EXPECT_EQ(coef, 0.0f);
-  EXPECT_EQ(color[0] + color[1] + color[2], 0.0f);
-  material->GetDiffuse(coef, color);
-  EXPECT_FLOAT_EQ(coef, 0.9f);
-  EXPECT_FLOAT_EQ(color[1], 0.1f);
-  material->GetSpecular(coef, color, gloss);
-  EXPECT_FLOAT_EQ(coef, 0.6f);
-  EXPECT_FLOAT_EQ(color[2], 0.8f);
-  EXPECT_FLOAT_EQ(gloss, 0.75f);
-
-  double d = -1;
-  EXPECT_EQ(mm->GetLuminosity(d), S_OK);
-  EXPECT_EQ(d, 0.0);
-  EXPECT_EQ(mm->GetContrast(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.9f);
-  EXPECT_EQ(mm->GetShininess(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.6f);
-  EXPECT_EQ(mm->GetTransparency(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.3f);
-  double r = -1, g = -1, b = -1;
-  EXPECT_EQ(mm->GetTransparentColor(r, g, b), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(r), 0.8f);
-  unsigned char use = 9, repeat = 9;
-  EXPECT_EQ(mm->GetUseTranparentColor(use), S_OK);
-  EXPECT_EQ(use, 1);
-  EXPECT_EQ(mm->GetTextureRepeat(repeat), S_OK);
-  EXPECT_EQ(repeat, 0);  // repeat_v is off
-
-  int wu = -1, wv = -1;
-  material->GetTextureWrapping(wu, wv);
-  EXPECT_EQ(wu, 1);
-  EXPECT_EQ(wv, 0);
-  unsigned char fu = 9, fv = 9;
-  EXPECT_EQ(mapping->GetFlipU(fu), S_OK);
-  EXPECT_EQ(mapping->GetFlipV(fv), S_OK);
-  EXPECT_EQ(fu, 1);
-  EXPECT_EQ(fv, 0);
-  EXPECT_EQ(mapping->GetTranslationV(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.5f);
-  EXPECT_EQ(mapping->GetScale(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 2.0f);  // never the V scale
-  EXPECT_EQ(mapping->GetRatio(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.25f);
-  EXPECT_EQ(mapping->GetRotation(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 30.0f);
-  EXPECT_EQ(mapping->GetSize(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 2.0f);
-
-  EXPECT_EQ(mapping->SetSize(4.0), S_OK);
-  EXPECT_EQ(world.Param(world.Document()->FindNode(world.Document()->Nodes()[0]->Id()), "scale_v")
-                ->Value()
-                .scalar,
-            4.0f);
-  double t = 0.125;
-  EXPECT_EQ(mapping->SetTranslationU(t), S_OK);
-  material->GetTexturePosition(coef, gloss);
-  EXPECT_FLOAT_EQ(coef, 0.125f);
-}
-
-TEST_F(MaterialQueriesTest, PhysicalShaderMissingParametersLeaveOutputsOrFail) {
-  World world;
-  world.Add(Type("MPM_bare").Param("x", Scalar(1)));
-  Delegate delegate(world.Node("MPM_bare"));
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  auto mm = delegate.MappingMaterial();
-  float coef = -1, color[3] = {-1, -1, -1}, gloss = -1, u = -1, v = -1;
-  material->GetDiffuse(coef, color);
-  material->GetSpecular(coef, color, gloss);
-  material->GetTexturePosition(u, v);
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(coef, -1);
-  EXPECT_EQ(color[0], -1);
-  EXPECT_EQ(gloss, -1);
-  EXPECT_EQ(u, -1);
-  EXPECT_EQ(material->GetTextureAngle(), 0.0f);
-  EXPECT_EQ(material->GetTransparencyCoef(), 0.0f);
-  double d = -1, r = -1, g = -1, b = -1;
-  unsigned char repeat = 9;
-  for (HRESULT hr : {mm->GetContrast(d), mm->GetShininess(d), mm->GetTransparency(d),
-                     mm->GetColor(r, g, b), mm->GetTextureRepeat(repeat), mapping->GetRatio(d),
-                     mapping->GetSize(d), mapping->SetSize(2.0), mapping->SetTranslationU(d)})
-    EXPECT_EQ(hr, E_FAIL);
-  EXPECT_EQ(d, -1);
-  EXPECT_EQ(r, -1);
-  // Translations start from 0 when the offsets are missing.
-  EXPECT_EQ(mapping->GetTranslationU(d), S_OK);
-  EXPECT_EQ(d, 0.0);
-}
-
-TEST_F(MaterialQueriesTest, PhysicalTransparencyCoefficient) {
-  struct Row {
-    float transparency;
-    bool opacity;
-    float expected;
-  };
-  const Row rows[] = {{0.3f, true, 0.7f},
-                      {0.8f, true, 0.8f},
-                      {1.5f, true, 1.0f},
-                      {0.3f, false, 0.0f},
-                      {0.5f, true, 0.5f}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.transparency << " opacity " << row.opacity);
-    World world;
-    Type type("MPM_glass");
-    type.Param("default_slot_transparency", Scalar(row.transparency));
-    if (row.opacity) type.Param("default_slot_opacity", Scalar(0.0f));
-    world.Add(type);
-    Delegate delegate(world.Node("MPM_glass"));
-    EXPECT_FLOAT_EQ(delegate.Material()->GetTransparencyCoef(), row.expected);
+class MaterialQueriesTest : public HardwareFixture {
+ protected:
+  void SetUp() override {
+    HardwareFixture::SetUp();
+    world_.emplace();
+    world_->Add(TextureType());
   }
+  void TearDown() override {
+    world_.reset();
+    HardwareFixture::TearDown();
+  }
+  /// A texture node of its own for each shader: some questions write to it.
+  KEPHostShaderNode* Texture() { return world_->Node("kep_phen_texture"); }
+  /// The answer to `question` of a material over `type` and `words`, "map>" leading to a
+  /// texture when `connected`.
+  std::string Answer(const std::string& type, const std::string& words, const std::string& question,
+                     bool connected = true) {
+    auto shader = Shader(type, words, connected ? Texture() : nullptr);
+    return Ask(Delegate(shader.Get()), question);
+  }
+  std::optional<World> world_;
+};
+
+TEST_F(MaterialQueriesTest, TheSameParametersReadAsPhysicalOrOther) {
+  // Every parameter that either kind reads, with distinct values: each kind ignores the others.
+  const std::string all =
+      "default_generic_brdf_diffuse_weight=0.9 default_slot_diffuse_color=0.8,0.1,0.2 "
+      "default_generic_brdf_diffuse_glossiness=0.3 default_generic_brdf_specular_weight=0.6 "
+      "default_slot_specular_color=1,0.9,0.7 default_slot_specular_glossiness=0.75 "
+      "default_slot_transparency=0.3 default_slot_opacity=0 repeat_u=2 repeat_v=0 flip_u=2 "
+      "flip_v=0 offset_u=0.25 offset_v=0.5 scale_u=2 scale_v=8 angle=30 type=3 _uv_mapping=2 "
+      "_uv_flip_u=0 _uv_flip_v=3 _uv_offset_u=0.125 _uv_offset_v=0.75 _uv_scale_u=4 "
+      "_uv_scale_v=2 _uv_angle=45 map>";
+  for (const auto& row : Table(R"(
+      ambient          | 0 0 0 0            | 0 1 1 1
+      diffuse          | 0.9 0.8 0.1 0.2    | 0 1 1 1
+      specular         | 0.6 1 0.9 0.7 0.75 | 0 1 1 1 0
+      coefficient      | 0.7                | 0
+      luminosity       | S 0                | S 1
+      contrast         | S 0.9              | S 1
+      shininess        | S 0.6              | S 0
+      transparency     | S 0.3              | E -1
+      color            | S 0.8 0.1 0.2      | S -1 -1 -1
+      transparentColor | S 0.8 0.1 0.2      | S -1 -1 -1
+      useTransparent   | S 1                | S 0
+      repeat           | S 0                | E 9
+      wrapping         | 1 0                | 1 1
+      flip             | 2 0                | 0 3
+      flipU            | S 1                | S 0
+      flipV            | S 0                | S 1
+      position         | 0.25 0.5           | 0.125 0.75
+      translationU     | S 0.25             | S 0.125
+      translationV     | S 0.5              | S 0.75
+      size             | 2 8                | 4 2
+      scale            | S 2                | S 4
+      getSize          | S 2                | S 4
+      ratio            | S 0.25             | S 2
+      angle            | 30                 | 45
+      rotation         | S 30               | S 45
+      mappingType      | S 3                | S 2
+      image            | checker.png        | checker.png)")) {
+    EXPECT_EQ(Answer("MPM_paint", all, row[0]), row[1]) << row[0];
+    EXPECT_EQ(Answer("mia_phen_material", all, row[0]), row[2]) << row[0];
+  }
+}
+
+TEST_F(MaterialQueriesTest, PhysicalMeansTheTypeBeginsWithMPM) {
+  for (const char* type : {"MPM", "MPMx", "MPM_car_paint"})
+    EXPECT_EQ(Answer(type, "", "ambient"), "0 0 0 0") << type;
+  for (const char* type : {"xMPM", " MPM", "mpm_car_paint", "MP", ""})
+    EXPECT_EQ(Answer(type, "", "ambient"), "0 1 1 1") << type;
+}
+
+// A pair of u and v parameters. A physical shader answers both values or leaves its outputs; any
+// other reads each unchecked (a failed read leaves the value it starts from) and passes the
+// question on to the texture when one is missing ("_uv_mapping" is present). Writes add the
+// values stored afterwards ("-" for a missing parameter).
+TEST_F(MaterialQueriesTest, PairsOfParameters) {
+  const std::pair<const char*, const char*> tables[] = {{"MPM_paint", R"(
+  # question     | u and v                    | both     | only u | only v | u fails | v fails
+  flip           | flip_u=2 flip_v=3          | 2 3      | 9 9    | 9 9    | 9 9     | 9 9
+  position       | offset_u=0.25 offset_v=0.5 | 0.25 0.5 | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  size           | scale_u=2 scale_v=8        | 2 8      | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  wrapping       | repeat_u=2 repeat_v=0      | 1 0      | -1 -1  | -1 -1  | -1 -1   | -1 -1
+  repeat         | repeat_u=2 repeat_v=3      | S 1      | E 9    | E 9    | E 9     | E 9
+  repeat         | repeat_u=2 repeat_v=0      | S 0      | E 9    | E 9    | E 9     | E 9
+  repeat         | repeat_u=0 repeat_v=3      | S 0      | E 9    | E 9    | E 9     | E 9
+  ratio          | scale_u=2 scale_v=8        | S 0.25   | E -1   | E -1   | E -1    | E -1
+  getSize        | scale_u=2 scale_v=8        | S 2      | S 2    | E -1   | E -1    | S 2
+  setSize        | scale_u=2 scale_v=8        | S 3 3    | E 2 -  | E - 8  | E 2 3   | E 3 8
+  setTranslation | offset_u=0.25 offset_v=0.5 | S S 0.125 0.75 | S E 0.125 - | E S - 0.75 |
+                                                F S 0.25 0.75  | S F 0.125 0.5)"},
+                                                        {"other", R"(
+  # question     | u and v                           | both | only u | only v | u fails | v fails
+  flip           | _uv_flip_u=2 _uv_flip_v=3          | 2 3      | 1 0     | 1 0     | 0 3     | 2 0
+  position       | _uv_offset_u=0.25 _uv_offset_v=0.5 | 0.25 0.5 | 0.3 0.4 | 0.3 0.4 | 0 0.5 |
+                                                        0.25 0
+  size           | _uv_scale_u=2 _uv_scale_v=8        | 2 8      | 3 6     | 3 6     | 1 8     | 2 1
+  ratio          | _uv_scale_u=2 _uv_scale_v=8        | S 0.25   | S 0.5   | S 0.5   | S 0.125 | S 2
+  getSize        | _uv_scale_u=2 _uv_scale_v=8        | S 2      | S 3     | S 3     | S 1     | S 2
+  setSize        | _uv_scale_u=2 _uv_scale_v=8        | S 3 0.75 | S 2 -   | S - 8   |
+                                                        S 2 0.375 | S 3 8
+  setTranslation | _uv_offset_u=0.25 _uv_offset_v=0.5 | E E 0.25 0.5 | E E 0.25 - | E E - 0.5 |
+                                                        E E 0.25 0.5 | E E 0.25 0.5)"}};
+  for (const auto& [kind, table] : tables)
+    for (const auto& row : Table(table)) {
+      const std::string u = row[1].substr(0, row[1].find(' ')), v = row[1].substr(u.size() + 1);
+      const std::string scenarios[] = {u + " " + v, u, v, u + "! " + v, u + " " + v + "!"};
+      for (std::size_t i = 0; i < 5; ++i) {
+        SCOPED_TRACE(Out(kind, row[0], "with", scenarios[i]));
+        auto shader = Shader(kind, scenarios[i] + " _uv_mapping=2 map>", Texture());
+        std::string answer = Ask(Delegate(shader.Get()), row[0]);
+        if (row[0].starts_with("set"))
+          for (const std::string& word : {u, v}) {
+            FakeParameter* p = shader->Param(word.substr(0, word.find('=')));
+            answer += p ? " " + Out(p->value[0]) : " -";
+          }
+        EXPECT_EQ(answer, row[2 + i]);
+      }
+    }
+}
+
+// One parameter (the first word; any others stay) read, missing or failing to read, with the
+// texture connected and without. A physical shader never asks the texture.
+TEST_F(MaterialQueriesTest, SingleParameters) {
+  const std::pair<const char*, const char*> tables[] = {{"MPM_paint", R"(
+  # question       | parameter                                | read | missing | fails
+  contrast         | default_generic_brdf_diffuse_weight=0.9  | S 0.9 | E -1 | F -1
+  shininess        | default_generic_brdf_specular_weight=0.6 | S 0.6 | E -1 | F -1
+  transparency     | default_slot_transparency=0.3            | S 0.3 | E -1 | F -1
+  color            | default_slot_diffuse_color=0.8,0.1,0.2   | S 0.8 0.1 0.2 | E -1 -1 -1 |
+                                                                F -1 -1 -1
+  transparentColor | default_slot_diffuse_color=0.8,0.1,0.2   | S 0.8 0.1 0.2 | E -1 -1 -1 |
+                                                                F -1 -1 -1
+  angle            | angle=30                                 | 30    | 0    | 0
+  getSize          | scale_u=2                                | S 2   | E -1 | E -1)"},
+                                                        {"other", R"(
+  # question  | parameter     | read | missing | fails | read, missing without the texture
+  angle       | _uv_angle=45  | 45  | 90  | 0   | 45  | 0
+  mappingType | _uv_mapping=2 | S 2 | S 4 | S 0 | S 2 | E -1
+  wrapping    | _uv_mapping=2 | 1 1 | 1 1 | 1 1 | 1 1 | 0 0
+  ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 0.25 | S 0.5 | S 0.25 | S 0.25 | E -1
+  getSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=8 | S 2    | S 3   | S 2    | S 2    | E -1
+  ratio       | _uv_mapping=2 _uv_scale_u=0 _uv_scale_v=8 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  ratio       | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E -1   | S 0.5 | E -1   | E -1   | E -1
+  setSize     | _uv_mapping=2 _uv_scale_u=2 _uv_scale_v=0 | E      | S     | E      | E      | E
+  )"}};
+  for (const auto& [kind, table] : tables)
+    for (const auto& row : Table(table)) {
+      const std::string& words = row[1];
+      const std::string first = words.substr(0, words.find(' ')),
+                        others = words.substr(first.size());
+      const std::string scenarios[] = {words, others, first + "!" + others, words, others};
+      // A physical row gives three answers: the same without the texture.
+      const std::size_t answers = row.size() - 2;
+      for (std::size_t i = 0; i < 5; ++i)
+        EXPECT_EQ(Answer(kind, scenarios[i] + " map>", row[0], i < 3),
+                  row[2 + (i < answers ? i : i - 3)])
+            << row[0] << " with " << scenarios[i];
+    }
+}
+
+TEST_F(MaterialQueriesTest, PhysicalLightingNeedsAllThreeParameters) {
+  for (const auto& row : Table(R"(
+  diffuse  | default_generic_brdf_diffuse_weight=0.9 | default_slot_diffuse_color=0.8,0.1,0.2 |
+             default_generic_brdf_diffuse_glossiness=0.3 | 0.9 0.8 0.1 0.2 | -1 -1 -1 -1
+  specular | default_generic_brdf_specular_weight=0.6 | default_slot_specular_color=1,0.9,0.7 |
+             default_slot_specular_glossiness=0.75 | 0.6 1 0.9 0.7 0.75 | -1 -1 -1 -1 -1)")) {
+    EXPECT_EQ(Answer("MPM_paint", row[1] + " " + row[2] + " " + row[3], row[0]), row[4]);
+    for (std::size_t broken = 1; broken <= 3; ++broken)
+      for (const char* how : {"missing", "!"}) {
+        std::string shader;
+        for (std::size_t i = 1; i <= 3; ++i)
+          if (i != broken || *how == '!') shader += row[i] + (i == broken ? how : "") + " ";
+        EXPECT_EQ(Answer("MPM_paint", shader, row[0]), row[5]) << shader;
+      }
+  }
+}
+
+TEST_F(MaterialQueriesTest, TransparencyCoefficient) {
+  Startup startup;  // other shaders answer from the type stored by the program search
+  startup.SetPath("A");
+  for (const auto& row : Table(R"(
+      # type                        | parameters                                | coefficient
+      MPM_glass                       | default_slot_transparency=0.3 default_slot_opacity=0  | 0.7
+      MPM_glass                       | default_slot_transparency=0.8 default_slot_opacity=0  | 0.8
+      MPM_glass                       | default_slot_transparency=1.5 default_slot_opacity=0  | 1
+      MPM_glass                       | default_slot_transparency=0.5 default_slot_opacity=0  | 0.5
+      MPM_glass                       | default_slot_transparency=0.3 default_slot_opacity=0! | 0.7
+      MPM_glass                       | default_slot_transparency=0.3! default_slot_opacity=0 | 0
+      MPM_glass                       | default_slot_transparency=0.3                         | 0
+      MPM_glass                       | default_slot_opacity=0                                | 0
+      mia_phen_clear_glass            |                                                       | 0.5
+      mia_phen_colored_glass          |                                                       | 0.5
+      mia_phen_frosted_glass          |                                                       | 0.5
+      mia_phen_simple_translucent     |                                                       | 0.5
+      mia_phen_backside_translucent   |                                                       | 0.5
+      mia_phen_reflective_translucent |                                                       | 0.5
+      mia_phen_material               | default_slot_transparency=0.3 default_slot_opacity=0  | 0
+  )"))
+    EXPECT_EQ(Answer(row[0], row[1], "coefficient"), row[2]) << row[0] << " " << row[1];
 }
 
 TEST_F(MaterialQueriesTest, PhysicalMappingType) {
-  struct Row {
-    std::optional<int> version;
-    std::optional<int> type;
-    short expected;
-  };
-  const Row rows[] = {
-      {0, 5, 8},
-      {std::nullopt, 5, 5},
-      {0, 4, 6},
-      {std::nullopt, 4, 4},
-      {2, 4, 4},
-      {0, 2, 2},
-      {1, 6, 6},
-      {1, 9, 6},
-      {0, 7, 6},
-      {1, 8, 8},
-      {0, std::nullopt, 6},
-      {std::nullopt, std::nullopt, 6},
-      {1, -1, 6},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(testing::Message()
-                 << "version " << row.version.value_or(-99) << " type " << row.type.value_or(-99));
-    World world;
-    Type type("MPM_paint");
-    type.Param("x", Scalar(0));
-    if (row.version) type.Param("RNDMaterialVersion", Integer(*row.version));
-    if (row.type) type.Param("type", Integer(*row.type));
-    world.Add(type);
-    Delegate delegate(world.Node("MPM_paint"));
-    short m = -1;
-    EXPECT_EQ(delegate.Mapping()->GetMappingType(m), S_OK);
-    EXPECT_EQ(m, row.expected);
-  }
-}
-
-TEST_F(MaterialQueriesTest, OtherShaderLightingDefaults) {
-  Startup startup;  // the translucent test reads the type stored by the program search
-  startup.SetPath({"A"});
-  struct Row {
-    const char* type;
-    float transparency;
-  };
-  const Row rows[] = {{"mia_phen_frosted_glass", 0.5f},
-                      {"mia_phen_clear_glass", 0.5f},
-                      {"mia_phen_reflective_translucent", 0.5f},
-                      {"mia_phen_material", 0.0f},
-                      {"kep_phen_texture", 0.0f}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.type);
-    World world;
-    world.Add(Type(row.type).Param("default_slot_diffuse_color", Color(0.1f, 0.2f, 0.3f)));
-    Delegate delegate(world.Node(row.type));
-    auto material = delegate.Material();
-    auto mm = delegate.MappingMaterial();
-    EXPECT_FLOAT_EQ(material->GetTransparencyCoef(), row.transparency);
-    float coef = -1, color[3] = {-1, -1, -1}, gloss = -1;
-    material->GetAmbient(coef, color);
-    EXPECT_EQ(color[0], 1.0f);
-    material->GetSpecular(coef, color, gloss);
-    EXPECT_EQ(coef, 0.0f);
-    EXPECT_EQ(color[2], 1.0f);
-    EXPECT_EQ(gloss, 0.0f);
-    double d = -1, r = -1, g = -1, b = -1;
-    EXPECT_EQ(mm->GetLuminosity(d), S_OK);
-    EXPECT_EQ(d, 1.0);
-    EXPECT_EQ(mm->GetContrast(d), S_OK);
-    EXPECT_EQ(d, 1.0);
-    EXPECT_EQ(mm->GetTransparency(d), E_FAIL);
-    EXPECT_EQ(mm->GetColor(r, g, b), S_OK);
-    EXPECT_EQ(r, -1);  // untouched, even with a diffuse colour parameter
-    unsigned char repeat = 9;
-    EXPECT_EQ(mm->GetTextureRepeat(repeat), E_FAIL);
-  }
-}
-
-Type UvMaterial() {
-  return Type("mia_phen_material")
-      .Param("_uv_mapping", Integer(2))
-      .Param("_uv_flip_u", Boolean(false))
-      .Param("_uv_flip_v", Boolean(true))
-      .Param("_uv_offset_u", Scalar(0.1f))
-      .Param("_uv_offset_v", Scalar(0.2f))
-      .Param("_uv_scale_u", Scalar(2.0f))
-      .Param("_uv_scale_v", Scalar(4.0f))
-      .Param("_uv_angle", Scalar(45.0f));
-}
-
-TEST_F(MaterialQueriesTest, OtherShaderUvFamily) {
-  World world;
-  world.Add(UvMaterial());
-  KEPHostShaderNode* node = world.Node("mia_phen_material");
-  Delegate delegate(node);
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  double d = -1;
-  EXPECT_EQ(mapping->GetRatio(d), S_OK);
-  EXPECT_EQ(d, 0.5);
-  EXPECT_EQ(mapping->GetScale(d), S_OK);
-  EXPECT_EQ(d, 2.0);
-  EXPECT_EQ(mapping->GetSize(d), S_OK);
-  EXPECT_EQ(d, 2.0);
-  short m = -1;
-  EXPECT_EQ(mapping->GetMappingType(m), S_OK);
-  EXPECT_EQ(m, 2);
-  int wu = -1, wv = -1;
-  material->GetTextureWrapping(wu, wv);
-  EXPECT_EQ(wu + wv, 2);
-  unsigned char fv = 0;
-  mapping->GetFlipV(fv);
-  EXPECT_EQ(fv, 1);
-  EXPECT_EQ(mapping->GetTranslationU(d), S_OK);
-  EXPECT_FLOAT_EQ(static_cast<float>(d), 0.1f);
-  EXPECT_EQ(mapping->GetRotation(d), S_OK);
-  EXPECT_EQ(d, 45.0);
-
-  EXPECT_EQ(mapping->SetSize(3.0), S_OK);
-  EXPECT_EQ(world.Param(node, "_uv_scale_u")->Value().scalar, 3.0f);
-  EXPECT_EQ(world.Param(node, "_uv_scale_v")->Value().scalar, 1.5f);
-  double t = 1.0;
-  EXPECT_EQ(mapping->SetTranslationU(t), E_FAIL);  // no "_uv_offset" writes
-  EXPECT_EQ(world.Param(node, "_uv_offset_u")->Value().scalar, 0.1f);
-}
-
-// A u/v pair whose second value cannot be read (a colour where a number or flag is expected):
-// a physical shader answers both or nothing; another shader does not check its reads.
-TEST_F(MaterialQueriesTest, UvPairsWithAnUnreadableValue) {
-  World world;
-  world.Add(Type("MPM_broken")
-                .Param("repeat_u", Boolean(true))
-                .Param("repeat_v", Color(1, 1, 1))
-                .Param("flip_u", Boolean(true))
-                .Param("flip_v", Color(1, 1, 1))
-                .Param("offset_u", Scalar(0.25f))
-                .Param("offset_v", Color(1, 1, 1))
-                .Param("scale_u", Scalar(2.0f))
-                .Param("scale_v", Color(1, 1, 1)));
-  world.Add(Type("mia_phen_material")
-                .Param("_uv_flip_u", Boolean(true))
-                .Param("_uv_flip_v", Color(1, 1, 1))
-                .Param("_uv_offset_u", Scalar(0.25f))
-                .Param("_uv_offset_v", Color(1, 1, 1))
-                .Param("_uv_scale_u", Scalar(2.0f))
-                .Param("_uv_scale_v", Color(1, 1, 1)));
-  {
-    SCOPED_TRACE("physical");
-    Delegate delegate(world.Node("MPM_broken"));
-    auto material = delegate.Material();
-    int wu = -1, wv = -1;
-    material->GetTextureWrapping(wu, wv);
-    EXPECT_EQ(wu, -1);
-    EXPECT_EQ(wv, -1);
-    unsigned char repeat = 9, fu = 9, fv = 9;
-    EXPECT_EQ(delegate.MappingMaterial()->GetTextureRepeat(repeat), E_FAIL);
-    EXPECT_EQ(repeat, 9);
-    material->GetTextureFlip(fu, fv);
-    EXPECT_EQ(fu, 9);
-    float u = -1, v = -1;
-    material->GetTexturePosition(u, v);
-    EXPECT_EQ(u, -1);
-    material->GetTextureSize(u, v);
-    EXPECT_EQ(u, -1);
-    double d = -1;
-    EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
-    EXPECT_EQ(d, -1);
-  }
-  {
-    SCOPED_TRACE("other");
-    Delegate delegate(world.Node("mia_phen_material"));
-    auto material = delegate.Material();
-    unsigned char fu = 9, fv = 9;
-    material->GetTextureFlip(fu, fv);
-    EXPECT_EQ(fu, 1);
-    EXPECT_EQ(fv, 0);
-    float u = -1, v = -1;
-    material->GetTexturePosition(u, v);
-    EXPECT_EQ(u, 0.25f);
-    EXPECT_EQ(v, 0.0f);
-    material->GetTextureSize(u, v);
-    EXPECT_EQ(u, 2.0f);
-    EXPECT_EQ(v, 1.0f);
-  }
-}
-
-TEST_F(MaterialQueriesTest, OtherShaderZeroScaleHasNoRatio) {
-  World world;
-  world.Add(Type("mia_phen_material")
-                .Param("_uv_mapping", Integer(0))
-                .Param("_uv_scale_u", Scalar(2.0f))
-                .Param("_uv_scale_v", Scalar(0.0f)));
-  KEPHostShaderNode* node = world.Node("mia_phen_material");
-  Delegate delegate(node);
-  double d = -1;
-  EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
-  EXPECT_EQ(delegate.Mapping()->SetSize(5.0), E_FAIL);
-  EXPECT_EQ(world.Param(node, "_uv_scale_u")->Value().scalar, 2.0f);
-}
-
-// A material without the "_uv_mapping" family, connected through its second parameter to a
-// texture node that has the family and an image.
-struct ConnectedWorld {
-  World world;
-  KEPHostShaderNode* material = nullptr;
-  KEPHostShaderNode* texture = nullptr;
-  ConnectedWorld(bool connect, const std::string& image) {
-    world.Add(Type("mia_phen_material").Param("diffuse", Color(1, 1, 1)).Param("map", Void()));
-    world.Add(Type("kep_phen_texture")
-                  .TextureShader()
-                  .Param("image", Texture(image))
-                  .Param("_uv_mapping", Integer(4))
-                  .Param("_uv_flip_u", Boolean(true))
-                  .Param("_uv_flip_v", Boolean(true))
-                  .Param("_uv_offset_u", Scalar(0.3f))
-                  .Param("_uv_offset_v", Scalar(0.4f))
-                  .Param("_uv_scale_u", Scalar(3.0f))
-                  .Param("_uv_scale_v", Scalar(6.0f))
-                  .Param("_uv_angle", Scalar(90.0f)));
-    material = world.Node("mia_phen_material", "mat");
-    texture = world.Node("kep_phen_texture", "tex");
-    if (connect) {
-      EXPECT_EQ(world.Param(material, "map")->SetConnectedShader(texture), S_OK);
-    }
-  }
-};
-
-TEST_F(MaterialQueriesTest, ConnectedTextureAnswersForTheMaterial) {
-  ConnectedWorld w(true, kChecker);
-  Delegate delegate(w.material);
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  unsigned char fu = 0, fv = 0;
-  material->GetTextureFlip(fu, fv);
-  EXPECT_EQ(fu + fv, 2);
-  float u = -1, v = -1;
-  material->GetTexturePosition(u, v);
-  EXPECT_FLOAT_EQ(u, 0.3f);
-  EXPECT_FLOAT_EQ(v, 0.4f);
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 3.0f);
-  EXPECT_EQ(v, 6.0f);
-  EXPECT_EQ(material->GetTextureAngle(), 90.0f);
-  int wu = 0, wv = 0;
-  material->GetTextureWrapping(wu, wv);
-  EXPECT_EQ(wu + wv, 2);
-  short m = -1;
-  EXPECT_EQ(mapping->GetMappingType(m), S_OK);
-  EXPECT_EQ(m, 4);
-  double d = -1;
-  EXPECT_EQ(mapping->GetRatio(d), S_OK);
-  EXPECT_EQ(d, 0.5);
-  EXPECT_EQ(mapping->GetSize(d), S_OK);
-  EXPECT_EQ(d, 3.0);
-  EXPECT_EQ(mapping->SetSize(2.0), S_OK);
-  EXPECT_EQ(w.world.Param(w.texture, "_uv_scale_v")->Value().scalar, 1.0f);
-
-  KEP_var<KEPTexturePixelImage> image =
-      KEP_var<KEPTexturePixelImage>::Adopt(material->GetTextureImage());
-  ASSERT_TRUE(image);
-  EXPECT_EQ(image->GetWidth(), 16);
-  EXPECT_EQ(image->GetPath().ToUTF8(), kChecker);
-}
-
-TEST_F(MaterialQueriesTest, WithoutConnectedTextureTheDefaultsHold) {
-  ConnectedWorld w(false, kChecker);
-  Delegate delegate(w.material);
-  auto material = delegate.Material();
-  auto mapping = delegate.Mapping();
-  float u = -1, v = -1;
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 1.0f);
-  EXPECT_EQ(v, 1.0f);
-  material->GetTexturePosition(u, v);
-  EXPECT_EQ(u, 0.0f);
-  EXPECT_EQ(v, 0.0f);
-  int wu = -1, wv = -1;
-  material->GetTextureWrapping(wu, wv);
-  EXPECT_EQ(wu + wv, 0);
-  EXPECT_EQ(material->GetTextureAngle(), 0.0f);
-  EXPECT_EQ(material->GetTextureImage(), nullptr);
-  short m = -1;
-  double d = -1;
-  EXPECT_EQ(mapping->GetMappingType(m), E_FAIL);
-  EXPECT_EQ(mapping->GetRatio(d), E_FAIL);
-  EXPECT_EQ(mapping->GetSize(d), E_FAIL);
-  EXPECT_EQ(mapping->SetSize(1.0), E_FAIL);
-}
-
-TEST_F(MaterialQueriesTest, ConnectionChangesAfterTheFirstQuestionAreSeen) {
-  ConnectedWorld w(false, kChecker);
-  Delegate delegate(w.material);
-  auto material = delegate.Material();
-  float u = -1, v = -1;
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 1.0f) << "nothing connected yet";
-  auto* map = w.world.Param(w.material, "map");
-  ASSERT_EQ(map->SetConnectedShader(w.texture), S_OK);
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 3.0f) << "connected after the first question";
-  KEPHostShaderNode* other = w.world.Node("kep_phen_texture", "tex2");
-  w.world.Param(other, "_uv_scale_u")->SetScalarValue(7.0f);
-  map->SetConnectedShader(other);
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 7.0f) << "re-connected to another texture";
-  map->SetConnectedShader(nullptr);
-  u = v = -1;
-  material->GetTextureSize(u, v);
-  EXPECT_EQ(u, 1.0f) << "disconnected";
-}
-
-TEST_F(MaterialQueriesTest, ConnectionCycleEndsInDefaults) {
-  World world;
-  world.Add(Type("mia_phen_material").Param("map", Void()));
-  KEPHostShaderNode* a = world.Node("mia_phen_material", "a");
-  KEPHostShaderNode* b = world.Node("mia_phen_material", "b");
-  world.Param(a, "map")->SetConnectedShader(b);
-  world.Param(b, "map")->SetConnectedShader(a);
-  Delegate delegate(a);
-  float u = -1, v = -1;
-  delegate.Material()->GetTextureSize(u, v);
-  EXPECT_EQ(u, 1.0f);
-  double d = -1;
-  EXPECT_EQ(delegate.Mapping()->GetRatio(d), E_FAIL);
-}
-
-TEST_F(MaterialQueriesTest, TextureImageFromTheFirstTextureParameter) {
-  World world;
-  world.Add(Type("kep_phen_texture")
-                .Param("empty", Texture(""))
-                .Param("broken", Texture("/nonexistent/image.png"))
-                .Param("image", Texture(kChecker)));
-  Delegate delegate(world.Node("kep_phen_texture"));
-  KEP_var<KEPTexturePixelImage> image =
-      KEP_var<KEPTexturePixelImage>::Adopt(delegate.Material()->GetTextureImage());
-  ASSERT_TRUE(image);
-  EXPECT_EQ(image->GetHeight(), 16);
-  KEP_var<KEPTexturePixelImage> again =
-      KEP_var<KEPTexturePixelImage>::Adopt(delegate.MappingMaterial()->GetTexturePixelImage());
-  EXPECT_EQ(again.Get(), image.Get());
-
-  auto program = delegate.Program();
-  KEPString name = "image";
-  const int position = program->CheckExternalShaderImagesLink(name);
-  EXPECT_EQ(position, 3);
-  KEPUnicodeString path = u"unchanged";
-  program->GetExternalShaderImageLink(1, path);  // no document
-  EXPECT_EQ(path.ToUTF8(), "unchanged");
-  program->GetExternalShaderImageLink(position, path);
-  EXPECT_EQ(path.ToUTF8(), kChecker);
+  for (const auto& row : Table(R"(
+      RNDMaterialVersion=0 type=5  | S 8
+      type=5                       | S 5
+      RNDMaterialVersion=0 type=4  | S 6
+      type=4                       | S 4
+      RNDMaterialVersion=2 type=4  | S 4
+      RNDMaterialVersion=0 type=0  | S 0
+      RNDMaterialVersion=0 type=3  | S 3
+      RNDMaterialVersion=0 type=7  | S 6
+      RNDMaterialVersion=1 type=6  | S 6
+      RNDMaterialVersion=1 type=7  | S 7
+      RNDMaterialVersion=1 type=8  | S 8
+      RNDMaterialVersion=1 type=9  | S 6
+      RNDMaterialVersion=1 type=-1 | S 6
+      RNDMaterialVersion=0         | S 6
+      RNDMaterialVersion=1! type=5 | S 8
+      RNDMaterialVersion=1! type=4 | S 6
+      type=5!                      | S 6)"))
+    EXPECT_EQ(Answer("MPM_paint", row[0], "mappingType"), row[1]) << row[0];
 }
 
 // A derived material whose texture placement is its own: the derived answers follow it.
@@ -512,45 +242,31 @@ class ShiftedMaterial : public KEPRshShaderHardwareDefault {
  public:
   static KEPBaseUnknown* Make() { return new ShiftedMaterial(); }
   void GetTextureSize(float& u, float& v) override { u = 6.0f, v = 3.0f; }
-  void GetTextureFlip(unsigned char& u, unsigned char& v) override { u = 1, v = 0; }
+  void GetTextureFlip(unsigned char& u, unsigned char& v) override { u = 0, v = 1; }
   float GetTextureAngle() override { return 12.0f; }
   void GetTexturePosition(float& u, float& v) override { u = 0.25f, v = 0.75f; }
 };
 KEP_DEFINE_TIE(KEPIRmaMappingManipulator, ShiftedMaterial)
 
 TEST_F(MaterialQueriesTest, DerivedOverridesChangeDerivedAnswers) {
-  KEPExtensionRegistry::Register({"TestShiftedDelegate", KEPIRshShaderLink::IID().name,
-                                  "KEPRshShaderHardwareLink", &KEPRshShaderHardwareLink::Create,
-                                  &CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink});
+  KEPExtensionRegistry::DeclareParent("TestShiftedDelegate", "KEPRshShaderDelegate");
   KEPExtensionRegistry::Register({"TestShiftedDelegate", KEPIRmaMappingManipulator::IID().name,
                                   "ShiftedMaterial", &ShiftedMaterial::Make,
                                   &CreateTIEKEPIRmaMappingManipulatorShiftedMaterial});
-  World world;
-  world.Add(Type("mia_phen_material")
-                .Param("_uv_mapping", Integer(0))
-                .Param("_uv_scale_u", Scalar(1.0f))
-                .Param("_uv_scale_v", Scalar(1.0f)));
-  KEPHostShaderNode* node = world.Node("mia_phen_material");
-  auto component = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("TestShiftedDelegate"));
-  KEPQueryVar<KEPIRshShaderLink>(component)->SetShader(node);
-  auto mapping = KEPQueryVar<KEPIRmaMappingManipulator>(component);
-  double d = -1;
-  EXPECT_EQ(mapping->GetRatio(d), S_OK);
-  EXPECT_EQ(d, 2.0);
-  EXPECT_EQ(mapping->GetScale(d), S_OK);
-  EXPECT_EQ(d, 6.0);
-  EXPECT_EQ(mapping->GetSize(d), S_OK);
-  EXPECT_EQ(d, 6.0);
-  EXPECT_EQ(mapping->GetRotation(d), S_OK);
-  EXPECT_EQ(d, 12.0);
-  unsigned char flip = 0;
-  mapping->GetFlipU(flip);
-  EXPECT_EQ(flip, 1);
-  EXPECT_EQ(mapping->GetTranslationV(d), S_OK);
-  EXPECT_EQ(d, 0.75);
-  // SetSize takes its ratio from GetRatio, which follows the derived size (6 / 3).
-  EXPECT_EQ(mapping->SetSize(3.0), S_OK);
-  EXPECT_EQ(world.Param(node, "_uv_scale_v")->Value().scalar, 6.0f);
+  auto shader = Shader("mia_phen_material", "_uv_mapping=0 _uv_scale_u=1 _uv_scale_v=1");
+  Delegate d(shader.Get(), "TestShiftedDelegate");
+  for (const auto& row : Table(R"(
+      ratio        | S 2
+      scale        | S 6
+      getSize      | S 6
+      rotation     | S 12
+      flipU        | S 0
+      flipV        | S 1
+      translationU | S 0.25
+      translationV | S 0.75
+      setSize      | S)"))
+    EXPECT_EQ(Ask(d, row[0]), row[1]) << row[0];
+  EXPECT_EQ(shader->Param("_uv_scale_v")->value[0], 6.0f) << "3 times the derived ratio";
 }
 
 }  // namespace
