@@ -148,8 +148,9 @@ TEST_F(ReadersTest, EachTypeReadsOnlyItsOwnFormOfDefault) {
   const std::pair<KEPHostValue, std::string> rows[] = {
       {Boolean(true), "bool"}, {Integer(0), "int"}, {Scalar(0), "float"}, {Color(0, 0, 0), "4"},
       {Vector({0, 0}), "4"},   {Texture(), ""},     {Void(), ""}};
-  for (const auto& [value, form] : rows) {
-    const Behaviours b = Behave(Param(value, {{".Default", "1 2"}}));
+  for (const auto& row : rows) {
+    const std::string& form = row.second;
+    const Behaviours b = Behave(Param(row.first, {{".Default", "1 2"}}));
     bool flag = false;
     int number = 0;
     float scalar = 0, four[4] = {};
