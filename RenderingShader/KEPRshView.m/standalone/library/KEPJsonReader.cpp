@@ -4,13 +4,66 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <iterator>
 #include <string>
+#include <unordered_set>
+#include <vector>
 
 namespace {
+// The member names of one object read so far, to refuse a repeated key at a constant cost per
+// member: the first few members are compared one by one (most objects are small), the rest found
+// through a hash of the name. The set holds member positions, which stay valid while the
+// vector of members grows.
+class MemberNames {
+ public:
+  MemberNames(const std::vector<KEPJsonMember>& members, std::size_t& comparisons)
+      : members_(members),
+        comparisons_(comparisons),
+        index_(0, Hash{&members}, Equal{&members, &comparisons}) {}
+
+  /// True when the newest member's name is that of an earlier member; otherwise remembers it.
+  bool NewestIsRepeated() {
+    const std::size_t newest = members_.size() - 1;
+    if (newest < kScanned) {
+      for (std::size_t i = 0; i < newest; ++i) {
+        ++comparisons_;
+        if (members_[i].name == members_[newest].name) return true;
+      }
+      return false;
+    }
+    if (index_.empty())
+      for (std::size_t i = 0; i < newest; ++i) index_.insert(i);
+    return !index_.insert(newest).second;
+  }
+
+ private:
+  static constexpr std::size_t kScanned = 8;
+
+  struct Hash {
+    const std::vector<KEPJsonMember>* members;
+    std::size_t operator()(std::size_t i) const {
+      return std::hash<std::string_view>{}((*members)[i].name);
+    }
+  };
+  struct Equal {
+    const std::vector<KEPJsonMember>* members;
+    std::size_t* comparisons;
+    bool operator()(std::size_t a, std::size_t b) const {
+      ++*comparisons;
+      return (*members)[a].name == (*members)[b].name;
+    }
+  };
+
+  const std::vector<KEPJsonMember>& members_;
+  std::size_t& comparisons_;
+  std::unordered_set<std::size_t, Hash, Equal> index_;
+};
+
 class Parser {
  public:
-  explicit Parser(std::string_view text) : text_(text) {}
+  Parser(std::string_view text, const KEPJsonReader::Limits& limits)
+      : text_(text), limits_(limits) {}
 
   bool Document(KEPJsonValue& out) {
     SkipBlanks();
@@ -21,12 +74,16 @@ class Parser {
   }
 
   int line = 1;
-  std::string key;
+  std::string key;  ///< of the first fault
   std::string message;
+  KEPJsonReader::Usage usage;
 
  private:
   bool Fail(std::string text) {
-    if (message.empty()) message = std::move(text);
+    if (message.empty()) {
+      message = std::move(text);
+      key = *key_;
+    }
     return false;
   }
   bool AtEnd() const { return pos_ >= text_.size(); }
@@ -49,11 +106,13 @@ class Parser {
   }
 
   bool Value(KEPJsonValue& out, int depth) {
-    if (depth > KEPJsonReader::kMaxDepth) return Fail("nesting deeper than 64 levels");
+    if (depth > limits_.depth)
+      return Fail("nesting deeper than " + std::to_string(limits_.depth) + " levels");
+    if (++usage.values > limits_.values)
+      return Fail("more than " + std::to_string(limits_.values) + " values in the document");
     out.line = line;
-    switch (Peek()) {
-      case '\0':
-        return Fail("unexpected end of file");
+    if (AtEnd()) return Fail("unexpected end of file");
+    switch (text_[pos_]) {
       case '{':
         return Object(out, depth);
       case '[':
@@ -84,21 +143,28 @@ class Parser {
       ++pos_;
       return true;
     }
-    const std::string outerKey = key;
+    // The key of errors: the enclosing one until a member's name is read. A pointer, not a copy
+    // (a long key copied per member would cost their product): the names it points to stay put
+    // while they are in use, this object's vector growing only between its members.
+    const std::string* const outerKey = key_;
+    MemberNames names(out.members, usage.nameComparisons);
     for (;;) {
       SkipBlanks();
+      key_ = outerKey;
+      if (out.members.size() == limits_.members)
+        return Fail("more than " + std::to_string(limits_.members) + " members in an object");
       if (Peek() != '"') return Fail("expected a quoted member name");
       std::string name;
       if (!String(name)) return false;
-      key = name;
-      if (out.Find(name)) return Fail("repeated key");
+      out.members.push_back({std::move(name), {}});
+      key_ = &out.members.back().name;
+      if (names.NewestIsRepeated()) return Fail("repeated key");
       SkipBlanks();
       if (Peek() != ':') return Fail("expected ':' after the member name");
       ++pos_;
       SkipBlanks();
-      KEPJsonValue member;
-      if (!Value(member, depth + 1)) return false;
-      out.members.push_back({std::move(name), std::move(member)});
+      // Read in place: nothing else touches this object's members until the value is read.
+      if (!Value(out.members.back().value, depth + 1)) return false;
       SkipBlanks();
       if (Peek() == ',') {
         ++pos_;
@@ -106,7 +172,7 @@ class Parser {
       }
       if (Peek() == '}') {
         ++pos_;
-        key = outerKey;
+        key_ = outerKey;
         return true;
       }
       return Fail(AtEnd() ? "unexpected end of file in an object" : "expected ',' or '}'");
@@ -123,9 +189,10 @@ class Parser {
     }
     for (;;) {
       SkipBlanks();
-      KEPJsonValue item;
-      if (!Value(item, depth + 1)) return false;
-      out.items.push_back(std::move(item));
+      if (out.items.size() == limits_.members)
+        return Fail("more than " + std::to_string(limits_.members) + " elements in an array");
+      out.items.emplace_back();
+      if (!Value(out.items.back(), depth + 1)) return false;
       SkipBlanks();
       if (Peek() == ',') {
         ++pos_;
@@ -160,6 +227,8 @@ class Parser {
   bool String(std::string& out) {
     ++pos_;  // opening quote
     for (;;) {
+      if (out.size() > limits_.stringBytes)
+        return Fail("string longer than " + std::to_string(limits_.stringBytes) + " bytes");
       if (AtEnd()) return Fail("unterminated string");
       const char c = text_[pos_++];
       if (c == '"') return true;
@@ -249,15 +318,26 @@ class Parser {
   }
 
   std::string_view text_;
+  const KEPJsonReader::Limits& limits_;
   std::size_t pos_ = 0;
+  const std::string noKey_;
+  const std::string* key_ = &noKey_;  ///< the innermost member name being read
 };
 }  // namespace
 
 bool KEPJsonReader::Parse(std::string_view text, KEPJsonValue& out, int& line, std::string& key,
-                          std::string& message) {
-  Parser parser(text);
+                          std::string& message, const Limits& limits, Usage* usage) {
+  if (text.size() > limits.bytes) {
+    line = 0;
+    key.clear();
+    message = "document larger than " + std::to_string(limits.bytes) + " bytes";
+    return false;
+  }
+  Parser parser(text, limits);
   KEPJsonValue value;
-  if (!parser.Document(value)) {
+  const bool parsed = parser.Document(value);
+  if (usage) *usage = parser.usage;
+  if (!parsed) {
     line = parser.line;
     key = parser.key;
     message = parser.message;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <map>
+#include <unordered_map>
 
 #include "KEPFileText.h"
 #include "KEPHostValueJson.h"
@@ -139,6 +140,7 @@ class Reader {
   }
 
   void Build(KEPHostShaderDocument& document, const KEPHostShaderLibrary& library) {
+    if (!WithinParameterLimit(library)) return;
     for (const NodeEntry& entry : nodes_) {
       if (!entry.typeJson) continue;
       if (!library.FindType(entry.type)) {
@@ -157,9 +159,29 @@ class Reader {
     }
   }
 
+  // A node holds an object per parameter of its type, so that a short text could ask for a
+  // great many: counted before any node is made.
+  bool WithinParameterLimit(const KEPHostShaderLibrary& library) {
+    std::size_t parameters = 0;
+    for (const NodeEntry& entry : nodes_) {
+      const KEPHostShaderTypeDefinition* type =
+          entry.typeJson ? library.FindType(entry.type) : nullptr;
+      if (!type) continue;
+      parameters += type->parameters.size();
+      if (parameters > KEPShaderDocumentLoader::kMaxParameters) {
+        Error(*entry.typeJson, "type",
+              "the nodes have more than " +
+                  std::to_string(KEPShaderDocumentLoader::kMaxParameters) + " parameters");
+        return false;
+      }
+    }
+    return true;
+  }
+
   void Values(const NodeEntry& entry, KEPHostShaderNode& node) {
+    const auto parameters = ParametersByName(node);
     for (const auto& [name, value] : entry.values->members) {
-      KEPHostParameter* parameter = Find(node, name);
+      KEPHostParameter* parameter = Find(parameters, name);
       if (!parameter) {
         Error(value, name, "unknown parameter name for shader type '" + entry.type + "'");
         continue;
@@ -181,6 +203,7 @@ class Reader {
       const NodeEntry& entry = nodes_[i];
       if (!entry.connections) continue;
       KEPHostShaderNode* node = document.FindNode(entry.id);
+      const auto parameters = node ? ParametersByName(*node) : ParameterIndex();
       for (const auto& [name, target] : entry.connections->members) {
         if (!target.IsString()) {
           Error(target, name, "expected the id of the connected node");
@@ -192,7 +215,7 @@ class Reader {
           continue;
         }
         if (!node) continue;  // its type was unknown: already reported
-        KEPHostParameter* parameter = Find(*node, name);
+        KEPHostParameter* parameter = Find(parameters, name);
         if (!parameter) {
           Error(target, name, "unknown parameter name for shader type '" + entry.type + "'");
           continue;
@@ -206,13 +229,21 @@ class Reader {
   }
 
  private:
-  static KEPHostParameter* Find(KEPHostShaderNode& node, const std::string& name) {
+  // A node's parameters by name, built once per node: a node can list as many values and
+  // connections as its type has parameters, so a search per name would cost their product.
+  using ParameterIndex = std::unordered_map<std::string, KEPHostParameter*>;
+  static ParameterIndex ParametersByName(const KEPHostShaderNode& node) {
+    ParameterIndex index;
     for (const auto& parameter : node.Parameters()) {
-      KEPString n;
-      parameter->GetName(n);
-      if (n == name) return parameter.Get();
+      KEPString name;
+      parameter->GetName(name);
+      index.emplace(std::move(name), parameter.Get());  // the first of a name, as GetParameter
     }
-    return nullptr;
+    return index;
+  }
+  static KEPHostParameter* Find(const ParameterIndex& index, const std::string& name) {
+    const auto it = index.find(name);
+    return it == index.end() ? nullptr : it->second;
   }
 
   // Iterative depth-first search (a document can hold many nodes): a connection that reaches a
@@ -257,23 +288,28 @@ class Reader {
   std::vector<std::vector<Edge>> edges_;
 };
 
+bool ParseJson(const std::string& path, const std::string& text, KEPJsonValue& json,
+               KEPLoadResult& result) {
+  int line = 0;
+  if (!KEPFileText::IsValidUTF8(text, line)) {
+    result.AddError(path, line, "", "invalid UTF-8");
+    return false;
+  }
+  std::string key, message;
+  if (!KEPJsonReader::Parse(text, json, line, key, message)) {
+    result.AddError(path, line, key, message);
+    return false;
+  }
+  return true;
+}
+
 bool ReadJson(const std::string& path, KEPJsonValue& json, KEPLoadResult& result) {
   std::string text, message;
   if (!KEPFileText::Read(path, text, message)) {
     result.AddError(path, 0, "", message);
     return false;
   }
-  int line = 0;
-  if (!KEPFileText::IsValidUTF8(text, line)) {
-    result.AddError(path, line, "", "invalid UTF-8");
-    return false;
-  }
-  std::string key;
-  if (!KEPJsonReader::Parse(text, json, line, key, message)) {
-    result.AddError(path, line, key, message);
-    return false;
-  }
-  return true;
+  return ParseJson(path, text, json, result);
 }
 }  // namespace
 
@@ -292,12 +328,28 @@ KEPLoadResult KEPShaderDocumentLoader::Load(
     const std::string& path, const std::shared_ptr<const KEPHostShaderLibrary>& library,
     KEP_var<KEPHostShaderDocument>& document) {
   KEPLoadResult result;
+  std::string text, message;
+  if (!library) {
+    result.AddError(path, 0, "", "no shader library to read the document with");
+  } else if (!KEPFileText::Read(path, text, message)) {
+    result.AddError(path, 0, "", message);
+  } else {
+    result = LoadText(path, text, library, document);
+  }
+  return result;
+}
+
+KEPLoadResult KEPShaderDocumentLoader::LoadText(
+    const std::string& path, const std::string& text,
+    const std::shared_ptr<const KEPHostShaderLibrary>& library,
+    KEP_var<KEPHostShaderDocument>& document) {
+  KEPLoadResult result;
   if (!library) {
     result.AddError(path, 0, "", "no shader library to read the document with");
     return result;
   }
   KEPJsonValue json;
-  if (!ReadJson(path, json, result)) return result;
+  if (!ParseJson(path, text, json, result)) return result;
   Reader reader(path, result);
   std::string libraryDirectory;
   const KEPJsonValue* materials = reader.Top(json, libraryDirectory);

@@ -244,18 +244,24 @@ KEPLoadResult KEPShaderLibraryLoader::Load(const std::string& directory,
 
 KEPLoadResult KEPShaderLibraryLoader::LoadFile(const std::string& path,
                                                KEPHostShaderLibrary& library) {
-  KEPLoadResult result;
   std::string text, message;
   if (!KEPFileText::Read(path, text, message)) {
+    KEPLoadResult result;
     result.AddError(path, 0, "", message);
     return result;
   }
+  return LoadText(path, text, library);
+}
+
+KEPLoadResult KEPShaderLibraryLoader::LoadText(const std::string& path, const std::string& text,
+                                               KEPHostShaderLibrary& library) {
+  KEPLoadResult result;
   int line = 0;
   if (!KEPFileText::IsValidUTF8(text, line)) {
     result.AddError(path, line, "", "invalid UTF-8");
     return result;
   }
-  std::string key;
+  std::string key, message;
   KEPJsonValue json;
   if (!KEPJsonReader::Parse(text, json, line, key, message)) {
     result.AddError(path, line, key, message);

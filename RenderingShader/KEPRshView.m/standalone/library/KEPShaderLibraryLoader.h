@@ -29,4 +29,7 @@ class KEPShaderLibraryLoader {
   static KEPLoadResult Load(const std::string& directory, KEPHostShaderLibrary& library);
   /// Same, from a file given directly; the root is the file's directory.
   static KEPLoadResult LoadFile(const std::string& path, KEPHostShaderLibrary& library);
+  /// Same, from `text` read already: `path` names the file in errors and gives the root.
+  static KEPLoadResult LoadText(const std::string& path, const std::string& text,
+                                KEPHostShaderLibrary& library);
 };

@@ -28,9 +28,8 @@ HRESULT KEPHostShaderDocument::GetShaders(std::vector<KEP_var<KEPIRshShader>>& s
 }
 
 KEPHostShaderNode* KEPHostShaderDocument::FindNode(const std::string& id) const {
-  for (const auto& node : nodes_)
-    if (node->Id() == id) return node.Get();
-  return nullptr;
+  const auto it = byId_.find(id);
+  return it == byId_.end() ? nullptr : it->second;
 }
 
 HRESULT KEPHostShaderDocument::FindShader(const KEPString& id, KEPIRshShader*& shader) {
@@ -57,6 +56,7 @@ HRESULT KEPHostShaderDocument::CreateShader(const KEPString& typeName, const KEP
   }
   auto node = KEP_var<KEPHostShaderNode>::Adopt(KEPHostShaderNode::Create(*type, newId, this));
   nodes_.push_back(node);
+  byId_.emplace(newId, node.Get());
   shader = node.Get();
   shader->AddRef();
   return S_OK;

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "KEPBaseUnknown.h"
@@ -34,4 +35,5 @@ class KEPHostShaderDocument : public KEPBaseUnknown, public KEPIRshShaderSupport
   ~KEPHostShaderDocument() override;
   std::shared_ptr<const KEPHostShaderLibrary> library_;
   std::vector<KEP_var<KEPHostShaderNode>> nodes_;
+  std::unordered_map<std::string, KEPHostShaderNode*> byId_;  ///< every node of nodes_ by id
 };

@@ -324,6 +324,68 @@ TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
   }
 }
 
+// Text read already loads as the file would: errors name the given path, and relative paths are
+// resolved against its directory, which need not exist.
+TEST_F(LibraryLoader, TextLoadsAsItsFileWould) {
+  std::string text, message;
+  ASSERT_TRUE(
+      KEPFileText::Read(keptest::SourcePath("samples/library/library.json"), text, message));
+  KEPHostShaderLibrary fromText;
+  ASSERT_TRUE(KEPShaderLibraryLoader::LoadText("/nowhere/lib/library.json", text, fromText).Ok());
+  EXPECT_EQ(fromText.root, "/nowhere/lib");
+  EXPECT_EQ(fromText.Types().size(), SampleLibrary()->Types().size());
+  KEP_var<KEPIPLMDmtDocument> image =
+      fromText.FindType("kep_phen_texture")->parameters[0].defaultValue.texture;
+  ASSERT_TRUE(image);
+  KEPUnicodeString imagePath;
+  image->GetImagePath(imagePath);
+  EXPECT_EQ(imagePath.ToUTF8(), "/nowhere/startup/textures/checker.png");
+  const KEPLoadResult bad =
+      KEPShaderLibraryLoader::LoadText("/nowhere/library.json", "{\n[", fromText);
+  EXPECT_TRUE(HasError(bad, "/nowhere/library.json:2: expected a quoted member name"))
+      << bad.Text();
+  EXPECT_EQ(fromText.root, "/nowhere/lib") << "a failed load leaves the library untouched";
+
+  auto library = SampleLibrary();
+  const std::string path = keptest::SourcePath("samples/documents/showroom.rshdoc.json");
+  ASSERT_TRUE(KEPFileText::Read(path, text, message));
+  KEP_var<KEPHostShaderDocument> fromFile, fromMemory;
+  ASSERT_TRUE(KEPShaderDocumentLoader::Load(path, library, fromFile).Ok());
+  const KEPLoadResult loaded = KEPShaderDocumentLoader::LoadText(path, text, library, fromMemory);
+  ASSERT_TRUE(loaded.Ok()) << loaded.Text();
+  EXPECT_EQ(KEPShaderDocumentWriter::Format(*fromMemory, path),
+            KEPShaderDocumentWriter::Format(*fromFile, path));
+  const KEPLoadResult missing =
+      KEPShaderDocumentLoader::LoadText("/nowhere/doc.json", text, library, fromMemory);
+  EXPECT_TRUE(HasError(missing, "/nowhere/doc.json:2: key 'library': library path '/library'"))
+      << missing.Text();
+}
+
+// Every node has an object per parameter of its type: the document is refused before any node is
+// made when together they would have too many.
+TEST_F(LibraryLoader, DocumentNodesHaveBoundedParameters) {
+  KEPHostShaderTypeDefinition wide;
+  wide.name = "wide";
+  for (std::size_t i = 0; i < KEPShaderLibraryLoader::kMaxParameters; ++i)
+    wide.parameters.push_back({"p" + std::to_string(i), KEPHostValue::Scalar(0), {}});
+  auto library = std::make_shared<KEPHostShaderLibrary>();
+  library->AddType(std::move(wide));
+  const std::size_t nodes =
+      KEPShaderDocumentLoader::kMaxParameters / KEPShaderLibraryLoader::kMaxParameters + 1;
+  std::string json = "{\"materials\": [";
+  for (std::size_t i = 0; i < nodes; ++i)
+    json += (i ? ",\n" : "\n") + std::string("{\"id\": \"n") + std::to_string(i) +
+            "\", \"type\": \"wide\"}";
+  json += "]}";
+  KEP_var<KEPHostShaderDocument> document;
+  const KEPLoadResult result =
+      KEPShaderDocumentLoader::LoadText("wide.json", json, library, document);
+  EXPECT_TRUE(HasError(result, "wide.json:" + std::to_string(nodes + 1) +
+                                   ": key 'type': the nodes have more than 1000000 parameters"))
+      << result.Text();
+  EXPECT_FALSE(document);
+}
+
 TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
   auto library = SampleLibrary();
   KEP_var<KEPHostShaderDocument> original;
@@ -400,6 +462,83 @@ TEST(JsonReader, RecordsLinesAndDecodesEscapes) {
   for (const char* bad : {"", "01", "[1,]", "{\"a\":1,}", "\"\\ud800\"", "tru", "[\"\x01\"]"}) {
     EXPECT_FALSE(KEPJsonReader::Parse(bad, value, line, key, message)) << bad;
   }
+}
+
+// Each limit refuses one more than it allows, on the line where the excess starts, naming the
+// object key around it.
+TEST(JsonReader, LimitsRefuseWhatGoesBeyondThem) {
+  using Limits = KEPJsonReader::Limits;
+  struct Case {
+    const char* json;
+    Limits limits;
+    int line;             // -1: accepted
+    const char* key;      // of the error
+    const char* message;  // of the error
+  };
+  constexpr Limits kSmall = {2, 40, 5, 2, 3};
+  auto with = [&](std::size_t Limits::*member, std::size_t value) {
+    Limits limits = kSmall;
+    limits.*member = value;
+    return limits;
+  };
+  const Case cases[] = {
+      {"[[1]]", kSmall, -1, "", ""},
+      {"[[\n[1]]]", kSmall, 2, "", "nesting deeper than 2 levels"},
+      {"[1,     2]", with(&Limits::bytes, 10), -1, "", ""},
+      {"[1,      2]", with(&Limits::bytes, 10), 0, "", "document larger than 10 bytes"},
+      {"{\"a\": [1, 2],\n\"b\": 3}", kSmall, -1, "", ""},
+      {"{\"a\": [1, 2],\n\"b\": [3]}", kSmall, 2, "b", "more than 5 values in the document"},
+      {"{\"x\": {\"a\": 1,\n\"b\": 2,\n\"c\": 3}}", kSmall, 3, "x",
+       "more than 2 members in an object"},
+      {"{\"x\": [1,\n2,\n3]}", kSmall, 3, "x", "more than 2 elements in an array"},
+      {"{\"abc\": \"\\u00e9z\"}", kSmall, -1, "", ""},
+      {"{\"abc\":\n\"\\u00e9\\u00e9\"}", kSmall, 2, "abc", "string longer than 3 bytes"},
+      {"{\"x\": {\"a\": 1,\n\"abcd\": 1}}", kSmall, 2, "x", "string longer than 3 bytes"},
+  };
+  for (const Case& c : cases) {
+    KEPJsonValue value;
+    int line = -1;
+    std::string key, message;
+    const bool ok = KEPJsonReader::Parse(c.json, value, line, key, message, c.limits);
+    EXPECT_EQ(ok, c.line == -1) << c.json << ": " << message;
+    if (ok) continue;
+    EXPECT_EQ(line, c.line) << c.json;
+    EXPECT_EQ(key, c.key) << c.json;
+    EXPECT_EQ(message, c.message) << c.json;
+  }
+}
+
+// Finding repeated keys costs a constant per member: a search through the earlier members, as a
+// file of many keys would otherwise take quadratic time, shows in the number of comparisons.
+TEST(JsonReader, RepeatedKeysAreFoundInLinearTime) {
+  constexpr std::size_t kKeys = KEPJsonReader::kLimits.members;
+  std::string json = "{";
+  for (std::size_t i = 0; i < kKeys; ++i) json += "\"key" + std::to_string(i) + "\": 0,\n";
+  json.back() = '}';
+  json[json.size() - 2] = ' ';
+  KEPJsonValue value;
+  int line = 0;
+  std::string key, message;
+  KEPJsonReader::Usage usage;
+  ASSERT_TRUE(KEPJsonReader::Parse(json, value, line, key, message, KEPJsonReader::kLimits, &usage))
+      << message;
+  EXPECT_EQ(value.members.size(), kKeys);
+  EXPECT_EQ(usage.values, kKeys + 1);
+  EXPECT_LT(usage.nameComparisons, 2 * kKeys);
+
+  // The same object with its last key renamed to the first one's.
+  json.replace(json.rfind("\"key"), std::string("\"key" + std::to_string(kKeys - 1)).size(),
+               "\"key0");
+  ASSERT_FALSE(
+      KEPJsonReader::Parse(json, value, line, key, message, KEPJsonReader::kLimits, &usage));
+  EXPECT_EQ(message, "repeated key");
+  EXPECT_EQ(key, "key0");
+  EXPECT_EQ(line, static_cast<int>(kKeys));
+  EXPECT_LT(usage.nameComparisons, 2 * kKeys);
+  // Objects small enough to be scanned find a repeat too, however the names are escaped.
+  EXPECT_FALSE(
+      KEPJsonReader::Parse("{\"a\": 1, \"b\": 2, \"\\u0061\": 3}", value, line, key, message));
+  EXPECT_EQ(message, "repeated key");
 }
 
 }  // namespace
