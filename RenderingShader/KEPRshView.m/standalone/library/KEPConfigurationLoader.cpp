@@ -109,30 +109,57 @@ void Parse(const std::string& path, ParsedFile& file, KEPLoadResult& result) {
 }
 
 // Parents must be known and must not loop back.
+/// "a -> b -> c -> a" for the cycle that `cycle` lists in parent order, starting at `start`; a long
+/// cycle is shortened in the middle so that the message stays readable (and its cost bounded).
+std::string CycleText(const std::vector<std::string>& cycle, std::size_t start) {
+  constexpr std::size_t kShown = 8;
+  std::string text = cycle[start];
+  for (std::size_t step = 1; step < cycle.size(); ++step) {
+    if (cycle.size() > kShown + 1 && step == kShown / 2) {
+      text += " -> ... (" + std::to_string(cycle.size() - kShown) + " more)";
+      step = cycle.size() - kShown / 2;
+    }
+    text += " -> " + cycle[(start + step) % cycle.size()];
+  }
+  return text + " -> " + cycle[start];
+}
+
+// Every file's parent must exist, and no chain of parents may lead back to where it started.
+// Each configuration is walked once (a walk stops at one already walked), so a long chain of
+// parents costs its length, not its square; every file on a cycle gets its own error.
 void CheckParents(const std::vector<ParsedFile>& files, KEPLoadResult& result) {
   std::map<std::string, const ParsedFile*> byId;
   for (const ParsedFile& file : files) byId[file.id] = &file;
+  enum class Walk { kActive, kDone };
+  std::map<std::string, Walk> walked;
+  std::map<std::string, std::string> cycleText;  // id of a file on a cycle -> its error text
   for (const ParsedFile& file : files) {
-    if (file.parent.empty()) continue;
-    if (!byId.count(file.parent) && !KEPHostConfiguration::HasConfiguration(file.parent)) {
+    if (!file.parent.empty() && !byId.count(file.parent) &&
+        !KEPHostConfiguration::HasConfiguration(file.parent))
       result.AddError(
           file.path, file.parentLine, "@parent",
           "parent configuration '" + file.parent + "' does not exist (no " + file.parent + ".cfg)");
-      continue;
-    }
-    std::set<std::string> visited{file.id};
-    std::string chain = file.id;
-    for (std::string current = file.parent; !current.empty();) {
-      chain += " -> " + current;
-      if (!visited.insert(current).second) {
-        if (current == file.id)
-          result.AddError(file.path, file.parentLine, "@parent", "parent cycle: " + chain);
-        break;
-      }
+    std::vector<std::string> path;
+    std::string current = file.id;
+    while (!current.empty() && !walked.count(current)) {
       auto it = byId.find(current);
-      current = it == byId.end() ? std::string() : it->second->parent;
+      if (it == byId.end()) break;  // a configuration loaded before, or a missing one
+      walked[current] = Walk::kActive;
+      path.push_back(current);
+      current = it->second->parent;
     }
+    if (auto it = walked.find(current); it != walked.end() && it->second == Walk::kActive) {
+      // The walk came back to a configuration of its own path: from there on it is a cycle.
+      const auto first = std::find(path.begin(), path.end(), current);
+      const std::vector<std::string> cycle(first, path.end());
+      for (std::size_t i = 0; i < cycle.size(); ++i)
+        cycleText[cycle[i]] = "parent cycle: " + CycleText(cycle, i);
+    }
+    for (const std::string& id : path) walked[id] = Walk::kDone;
   }
+  for (const ParsedFile& file : files)
+    if (auto it = cycleText.find(file.id); it != cycleText.end())
+      result.AddError(file.path, file.parentLine, "@parent", it->second);
 }
 
 void Apply(const std::vector<ParsedFile>& files) {

@@ -189,6 +189,27 @@ TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
   EXPECT_TRUE(HasError(absent, "configuration directory does not exist"));
 }
 
+TEST_F(LibraryLoader, EveryFileOfALongParentCycleIsNamedOnce) {
+  // c0 -> c1 -> ... -> c11 -> c0, and a chain "tail" of 500 files leading into it: only the
+  // cycle's files are in error, each once, with the cycle shortened in the middle.
+  TempDir dir;
+  constexpr int kCycle = 12;
+  for (int i = 0; i < kCycle; ++i)
+    dir.Write("config/c" + std::to_string(i) + ".cfg",
+              "@parent = c" + std::to_string((i + 1) % kCycle) + "\n");
+  for (int i = 0; i < 500; ++i)
+    dir.Write(
+        "config/tail" + std::to_string(i) + ".cfg",
+        "@parent = " + (i == 499 ? std::string("c0") : "tail" + std::to_string(i + 1)) + "\n");
+  const KEPLoadResult result = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
+  EXPECT_EQ(result.Errors().size(), static_cast<std::size_t>(kCycle)) << result.Text();
+  EXPECT_TRUE(HasError(result,
+                       "c3.cfg:1: key '@parent': parent cycle: c3 -> c4 -> c5 -> c6 -> "
+                       "... (4 more) -> c11 -> c0 -> c1 -> c2 -> c3"))
+      << result.Text();
+  EXPECT_FALSE(HasError(result, "tail")) << result.Text();
+}
+
 TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
   const KEPLoadResult bad = [] {
     KEPHostShaderLibrary library;
