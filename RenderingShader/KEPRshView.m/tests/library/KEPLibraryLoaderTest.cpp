@@ -14,6 +14,7 @@
 #include "KEPShaderDocumentWriter.h"
 #include "KEPShaderLibraryLoader.h"
 #include "KEPTestSupport.h"
+#include "LibraryTestSupport.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -22,30 +23,7 @@ std::string DataPath(const std::string& name) {
   return keptest::SourcePath("RenderingShader/KEPRshView.m/tests/library/data/" + name);
 }
 
-/// A scratch directory removed at the end of the test.
-class TempDir {
- public:
-  TempDir() {
-    path_ = fs::temp_directory_path() /
-            ("keprsh_library_" + std::to_string(::getpid()) + "_" + std::to_string(counter_++));
-    fs::create_directories(path_);
-  }
-  ~TempDir() {
-    std::error_code ec;
-    fs::remove_all(path_, ec);
-  }
-  std::string Write(const std::string& name, const std::string& content) const {
-    const fs::path file = path_ / name;
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << content;
-    return file.string();
-  }
-  std::string Path() const { return path_.string(); }
-
- private:
-  fs::path path_;
-  static inline int counter_ = 0;
-};
+using keptest::ScratchDir;
 
 bool HasError(const KEPLoadResult& result, const std::string& fragment) {
   for (const std::string& error : result.Errors())
@@ -154,7 +132,7 @@ TEST_F(LibraryLoader, InvalidUTF8IsRefusedOnItsLine) {
   for (const Case& c : cases) {
     int line = -1;
     EXPECT_EQ(KEPFileText::IsValidUTF8(c.text, line), c.line == 0) << c.text;
-    TempDir dir;
+    ScratchDir dir;
     const std::string file = dir.Write("config/t.cfg", c.text);
     const KEPLoadResult result = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
     if (c.line == 0)
@@ -171,7 +149,7 @@ TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
   EXPECT_TRUE(HasError(cycle, "a.cfg:1: key '@parent': parent cycle: a -> b -> a")) << cycle.Text();
   EXPECT_FALSE(KEPHostConfiguration::HasConfiguration("a"));
 
-  TempDir dir;
+  ScratchDir dir;
   dir.Write("config/child.cfg", "# comment\n\n@parent = nowhere\nx.Widget = slider\n");
   const KEPLoadResult missing = KEPConfigurationLoader::LoadDirectory(dir.Path() + "/config");
   EXPECT_TRUE(HasError(missing,
@@ -192,7 +170,7 @@ TEST_F(LibraryLoader, ConfigurationParentsMustExistAndNotLoop) {
 TEST_F(LibraryLoader, EveryFileOfALongParentCycleIsNamedOnce) {
   // c0 -> c1 -> ... -> c11 -> c0, and a chain "tail" of 500 files leading into it: only the
   // cycle's files are in error, each once, with the cycle shortened in the middle.
-  TempDir dir;
+  ScratchDir dir;
   constexpr int kCycle = 12;
   for (int i = 0; i < kCycle; ++i)
     dir.Write("config/c" + std::to_string(i) + ".cfg",
@@ -259,7 +237,7 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
        "expected a vector [x, y], [x, y, z] or [x, y, z, w]"},
   };
   for (const Case& c : cases) {
-    TempDir dir;
+    ScratchDir dir;
     const std::string file = dir.Write("library.json", c.json);
     KEPHostShaderLibrary library;
     const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
@@ -271,7 +249,7 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
 }
 
 TEST_F(LibraryLoader, DeepNestingIsRefusedWithoutCrashing) {
-  TempDir dir;
+  ScratchDir dir;
   dir.Write("library.json", std::string(100000, '[') + std::string(100000, ']'));
   KEPHostShaderLibrary library;
   const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
@@ -334,7 +312,7 @@ TEST_F(LibraryLoader, DocumentFaultsNameFileLineAndKey) {
       {"{\"materials\": {}}", ":1: key 'materials': expected a list of nodes"},
   };
   for (const Case& c : cases) {
-    TempDir dir;
+    ScratchDir dir;
     const std::string file = dir.Write("doc.rshdoc.json", c.json);
     KEP_var<KEPHostShaderDocument> out;
     const KEPLoadResult result = KEPShaderDocumentLoader::Load(file, library, out);
@@ -419,7 +397,7 @@ TEST_F(LibraryLoader, SavedDocumentReadsBackTheSame) {
   ASSERT_EQ(floor->GetParameter("refl_gloss", *gloss.Out()), S_OK);
   gloss->SetScalarValue(0.3f);
 
-  TempDir dir;
+  ScratchDir dir;
   const std::string path = dir.Path() + "/nested/copy.rshdoc.json";
   fs::create_directories(dir.Path() + "/nested");
   const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*original, path);

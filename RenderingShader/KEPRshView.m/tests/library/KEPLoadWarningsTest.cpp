@@ -10,36 +10,12 @@
 #include "KEPShaderLibraryLoader.h"
 #include "KEPString.h"
 #include "KEPTestSupport.h"
+#include "LibraryTestSupport.h"
 
 namespace {
 namespace fs = std::filesystem;
 
-/// A scratch directory removed at the end of the test.
-class ScratchDir {
- public:
-  ScratchDir() {
-    path_ = fs::temp_directory_path() /
-            ("keprsh_warnings_" + std::to_string(::getpid()) + "_" + std::to_string(counter_++));
-    fs::create_directories(path_);
-  }
-  ~ScratchDir() {
-    std::error_code ec;
-    fs::remove_all(path_, ec);
-  }
-  ScratchDir(const ScratchDir&) = delete;
-  ScratchDir& operator=(const ScratchDir&) = delete;
-  std::string Write(const std::string& name, const std::string& content) const {
-    const fs::path file = path_ / name;
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << content;
-    return file.string();
-  }
-  std::string Path(const std::string& name = "") const { return (path_ / name).string(); }
-
- private:
-  fs::path path_;
-  static inline int counter_ = 0;
-};
+using keptest::ScratchDir;
 
 class LoadWarnings : public keptest::Fixture {};
 
