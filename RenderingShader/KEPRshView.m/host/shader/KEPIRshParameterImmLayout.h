@@ -19,6 +19,7 @@
 
 class KEPICkeUnit;
 class KEPICkeMagnitude;
+class KEPVidWidget;
 
 class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   KEP_DECLARE_INTERFACE(KEPIRshParameterImmLayout)
@@ -110,6 +111,13 @@ class KEPIRshParameterImmLayout : public virtual KEPIUnknown {
   virtual HRESULT GetDefaultWidgetKind(KEPString& kind) = 0;
   /// The kind words this type's immersive widgets tell apart (empty for types without a choice).
   virtual HRESULT GetWidgetKinds(std::vector<KEPString>& kinds) = 0;
+
+  // --- Building
+  /// Builds the control that edits the parameter, named `name`, under `parent` (which owns it);
+  /// `widget` receives it (borrowed), or null when nothing was built. E_FAIL without a parent or
+  /// when no control could be made, E_NOINTERFACE when the behaviour lacks its parameter, E_NOTIMPL
+  /// for a type without an immersive widget.
+  virtual HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) = 0;
 };
 
 #pragma GCC visibility pop

@@ -168,6 +168,11 @@ HRESULT KEPRshParameterImmLayout::ConvertToModelUnit(float& value) {
 
 // --- Widget choice
 
+HRESULT KEPRshParameterImmLayout::BuildWidget(KEPVidWidget*, const char*, KEPVidWidget*& widget) {
+  widget = nullptr;
+  return E_NOTIMPL;
+}
+
 HRESULT KEPRshParameterImmLayout::ChooseWidgetKind(KEPString& kind) {
   const KEPString& name = Context().ParameterName();
   KEPString typeName;

@@ -29,6 +29,8 @@ class KEPRshParameterImmLayout : public KEPRshParameterBehaviour<KEPIRshParamete
   HRESULT GetTooltip(KEPUnicodeString& text, KEPString& image) override;
   HRESULT ConvertToModelUnit(float& value) override;
   HRESULT ChooseWidgetKind(KEPString& kind) override;
+  /// E_NOTIMPL: the per-type behaviours that have an immersive widget build it.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
 
   /// The trace channel "KEPRshParameterConfiguration".
   const KEPTrace* GetTrace() const { return &trace_; }
