@@ -3,7 +3,24 @@
 
 #include "KEPHostShaderNode.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRshModelEvents.h"
 #include "KEPRshParameterServices.h"
+
+class KEPHostParameter::Announcer {
+ public:
+  Announcer(KEPHostParameter* parameter, KEPRshParameterChangeKind kind)
+      : parameter_(parameter), kind_(kind), writes_(parameter->writes_) {}
+  ~Announcer() {
+    if (parameter_->writes_ != writes_) KEPRshModelEvents::NoteParameterChange(parameter_, kind_);
+  }
+  Announcer(const Announcer&) = delete;
+  Announcer& operator=(const Announcer&) = delete;
+
+ private:
+  KEPHostParameter* parameter_;
+  KEPRshParameterChangeKind kind_;
+  unsigned long long writes_;
+};
 
 KEP_IMPLEMENT_CLASS(KEPHostParameter, KEPBaseUnknown, "System")
 
@@ -70,6 +87,7 @@ HRESULT KEPHostParameter::GetIntegerValue(int& value) {
 }
 
 HRESULT KEPHostParameter::SetIntegerValue(int value) {
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
   KEPRdgRenderLock lock;
   switch (value_.type) {
     case KEPRmaType::Boolean:
@@ -105,6 +123,7 @@ HRESULT KEPHostParameter::GetScalarValue(float& value) {
 }
 
 HRESULT KEPHostParameter::SetScalarValue(float value) {
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
   KEPRdgRenderLock lock;
   switch (value_.type) {
     case KEPRmaType::Boolean:
@@ -134,6 +153,7 @@ HRESULT KEPHostParameter::GetColorValue(float& r, float& g, float& b, float* alp
 }
 
 HRESULT KEPHostParameter::SetColorValue(float r, float g, float b, float alpha) {
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
   KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Color) return E_FAIL;
   value_.components[0] = r;
@@ -151,6 +171,7 @@ HRESULT KEPHostParameter::GetVectorValue(float (&xyzw)[4]) {
 }
 
 HRESULT KEPHostParameter::SetVectorValue(const float (&xyzw)[4]) {
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
   KEPRdgRenderLock lock;
   if (value_.type != KEPRmaType::Vector) return E_FAIL;
   for (int i = 0; i < 4; ++i) value_.components[i] = i < value_.dimension ? xyzw[i] : 0.0f;
@@ -171,6 +192,7 @@ HRESULT KEPHostParameter::GetTextureValue(KEPIPLMDmtDocument*& document) {
 
 HRESULT KEPHostParameter::SetTextureValue(KEPIPLMDmtDocument* document) {
   if (value_.type != KEPRmaType::Texture) return E_FAIL;
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
   KEPRdgRenderLock lock;
   value_.texture = KEP_var<KEPIPLMDmtDocument>(document);
   Wrote();
@@ -189,6 +211,7 @@ HRESULT KEPHostParameter::GetConnectedShader(KEPIRshShader*& shader) {
 HRESULT KEPHostParameter::SetConnectedShader(KEPIRshShader* shader) {
   auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
   if (shader && !node) return E_INVALIDARG;
+  const Announcer announce(this, KEPRshParameterChangeKind::Connection);
   // A renderer follows connections while it holds the lock for its frame.
   KEPRdgRenderLock lock;
   if (auto* old = dynamic_cast<KEPHostShaderNode*>(connected_.Get())) old->RemovePointing(this);

@@ -63,6 +63,10 @@ class KEPHostParameter : public KEPBaseUnknown,
   KEPHostParameter() = default;
   bool IsNumeric() const;
   void Wrote() { ++writes_; }
+  /// Announces a write to the model's observers when it goes out of scope, if one was made since
+  /// it was created. Declared before a setter's render lock, so the observers run after the lock
+  /// is released and a renderer is not kept waiting by the views they refresh.
+  class Announcer;
 
   KEPHostShaderNode* father_ = nullptr;
   std::string name_;
