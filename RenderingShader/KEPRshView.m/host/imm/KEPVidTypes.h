@@ -44,17 +44,17 @@ struct KEPVidGridCell {
 /// Notifications. A control raises its notification whenever its state changes, whether a person
 /// or code changed it (as common toolkits do); setting the state it already has raises nothing.
 enum class KEPVidEvent : int {
-  ValueChanged,   ///< slider, spin boxes: the value moved
-  EditModify,     ///< editor: its value or text changed
-  Pressed,        ///< button
-  Toggled,        ///< check box
-  Selected,       ///< combo: the selection changed
-  ColorChanged,   ///< colour picker
-  ImageChanged,   ///< image-document selector: image, groups or resolution changed
-  Expanded,       ///< expander opened
-  Collapsed,      ///< expander closed
-  PopupOpened,    ///< popup shown
-  PopupClosed,    ///< popup hidden
+  ValueChanged,  ///< slider, spin boxes: the value moved
+  EditModify,    ///< editor: its value or text changed
+  Pressed,       ///< button
+  Toggled,       ///< check box
+  Selected,      ///< combo: the selection changed
+  ColorChanged,  ///< colour picker
+  ImageChanged,  ///< image-document selector: image, groups or resolution changed
+  Expanded,      ///< expander opened
+  Collapsed,     ///< expander closed
+  PopupOpened,   ///< popup shown
+  PopupClosed,   ///< popup hidden
 };
 
 class KEPVidWidget;

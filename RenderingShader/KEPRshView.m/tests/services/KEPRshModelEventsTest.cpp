@@ -106,7 +106,7 @@ TEST_F(ModelEventsTest, BeginAndEndReachShaderModifyObserversOnly) {
   KEPRshModelEvents::SendBegin(begin);
   KEPRshModelEvents::SendEnd(end);
   EXPECT_EQ(seen, (std::vector<std::pair<std::string, bool>>{{"Connection", true},
-                                                            {"Connection", false}}));
+                                                             {"Connection", false}}));
   EXPECT_EQ(parameterCalls, 0);
   KEPRshModelEvents::RemoveObserver(parameterToken);
   KEPRshModelEvents::RemoveObserver(shaderToken);
