@@ -7,6 +7,7 @@
 #pragma GCC visibility push(default)
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -88,6 +89,11 @@ class KEPVidStateWriter {
   virtual void Text(std::string_view key, std::string_view value) = 0;
   virtual void TextList(std::string_view key, const std::vector<std::string>& values) = 0;
   virtual void DoubleList(std::string_view key, const std::vector<double>& values) = 0;
+  /// Integers (colour channels, offsets, option switches); a writer that does not override it
+  /// receives them as a list of doubles.
+  virtual void IntList(std::string_view key, std::span<const int> values) {
+    DoubleList(key, std::vector<double>(values.begin(), values.end()));
+  }
 
  protected:
   ~KEPVidStateWriter() = default;
