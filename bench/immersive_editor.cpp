@@ -5,6 +5,8 @@
 // range, a step and a group; a tenth are lengths shown in centimetres, so the unit path runs too.
 #include <benchmark/benchmark.h>
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 
 #include "KEPHostConfiguration.h"
@@ -85,7 +87,12 @@ void BM_BuildEditor(benchmark::State& state) {
   state.counters["rows/s"] = benchmark::Counter(static_cast<double>(state.range(0)),
                                                 benchmark::Counter::kIsIterationInvariantRate);
 }
-BENCHMARK(BM_BuildEditor)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond)->Complexity();
+BENCHMARK(BM_BuildEditor)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 void BM_SerialiseEditor(benchmark::State& state) {
   Scene scene(static_cast<int>(state.range(0)));
@@ -98,7 +105,12 @@ void BM_SerialiseEditor(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJson(editor));
   state.SetComplexityN(state.range(0));
 }
-BENCHMARK(BM_SerialiseEditor)->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond)->Complexity();
+BENCHMARK(BM_SerialiseEditor)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
 
 void BM_TearDownEditor(benchmark::State& state) {
   Scene scene(static_cast<int>(state.range(0)));

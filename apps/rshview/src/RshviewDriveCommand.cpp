@@ -109,7 +109,8 @@ bool ParseLine(const std::string& text, Event& event) {
 int RunDriveCommand(RshviewContext& context) {
   RshviewOptions& options = context.options;
   if (options.arguments.size() != 1) {
-    context.err << "rshview drive: " << (options.arguments.empty() ? "no SCRIPT given" : "one SCRIPT only")
+    context.err << "rshview drive: "
+                << (options.arguments.empty() ? "no SCRIPT given" : "one SCRIPT only")
                 << "\nTry 'rshview drive --help'.\n";
     return 2;
   }

@@ -13,8 +13,8 @@ bool RshviewEditor::Build(KEPHostShaderNode* node, bool restricted, std::string&
   KEPVidWidget* editor = nullptr;
   const HRESULT hr = layout->BuildEditor(root_.Get(), kEditorName, restricted, editor);
   if (FAILED(hr) || !editor) {
-    message = "the editor of node '" + node->Id() + "' could not be built (" +
-              KEPResultName(hr) + ")";
+    message =
+        "the editor of node '" + node->Id() + "' could not be built (" + KEPResultName(hr) + ")";
     return false;
   }
   editor_ = editor;

@@ -54,7 +54,8 @@ int RunUnitsCommand(RshviewContext& context) {
     json[name] = {{"unit", current}, {"units", choices}};
     if (context.options.format == "text") {
       std::string list;
-      for (const auto& choice : choices) list += (list.empty() ? "" : ", ") + choice.get<std::string>();
+      for (const auto& choice : choices)
+        list += (list.empty() ? "" : ", ") + choice.get<std::string>();
       context.out << name << std::string(name.size() < 8 ? 8 - name.size() : 1, ' ') << current
                   << std::string(current.size() < 4 ? 4 - current.size() : 1, ' ') << "(" << list
                   << ")\n";
