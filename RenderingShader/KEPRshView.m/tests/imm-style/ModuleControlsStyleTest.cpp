@@ -1,6 +1,6 @@
 // The bundled style sheet on the module's own value controls, over parameters of the stand-alone
-// host: the parts follow what the controls publish (ranges and value in the user's unit, the
-// precision, the unit's symbol) and a person's change reaches the parameter.
+// host: the parts follow what the soft and hard range control publishes (ranges and value in the
+// user's unit, the precision, the unit's symbol) and a person's change reaches the parameter.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,7 +9,6 @@
 #include "KEPHostConfiguration.h"
 #include "KEPIRshParameterImmLayout.h"
 #include "KEPParmDictionary.h"
-#include "KEPRshUIScalarRatio.h"
 #include "KEPRshUIScalarSoftHardRange.h"
 #include "KEPRshViewModule.h"
 #include "KEPSYPMetaClass.h"
@@ -30,8 +29,7 @@ class ModuleControlsStyle : public keptest::Fixture {
     KEPSYPRegistry::Clear();  // what other suites registered
     KEPRshViewRegister();
     world_ = std::make_unique<keptest::World>();
-    world_->Add(
-        keptest::Type("t").Param("x", keptest::Scalar(0.5f)).Param("y", keptest::Scalar(2.0f)));
+    world_->Add(keptest::Type("t").Param("x", keptest::Scalar(0.5f)));
     for (const auto& [key, text] :
          std::initializer_list<std::pair<const char*, const char*>>{{"x.Unit", "m"},
                                                                     {"x.Magnitude", "LENGTH"},
@@ -43,7 +41,6 @@ class ModuleControlsStyle : public keptest::Fixture {
       KEPHostConfiguration::SetValue("t", key, text);
     KEPHostShaderNode* node = world_->Node("t");
     x_ = world_->Param(node, "x");
-    y_ = world_->Param(node, "y");
     root_ = KEP_var<KEPVidWidget>::Adopt(new KEPVidLayGrid(nullptr, "root"));
   }
   void TearDown() override {
@@ -83,7 +80,6 @@ class ModuleControlsStyle : public keptest::Fixture {
 
   std::unique_ptr<keptest::World> world_;
   KEPHostParameter* x_ = nullptr;
-  KEPHostParameter* y_ = nullptr;
   KEP_var<KEPVidWidget> root_;
 };
 
@@ -134,21 +130,6 @@ TEST_F(ModuleControlsStyle, TwoControlsOfOneParameterStayInStep) {
   ASSERT_EQ(x_->SetScalarValue(0.5f), S_OK);
   auto* label = dynamic_cast<KEPVidCtlLabel*>(Part(b, "UnitLabel"));
   EXPECT_EQ(label->GetText(), KEPUnicodeString(u"cm"));
-}
-
-TEST_F(ModuleControlsStyle, TheRatioWritesTheSecondaryAndLeavesThePrimary) {
-  auto* ratio = new KEPRshUIScalarRatio();
-  ratio->SetFather(root_.Get());
-  ratio->SetName("Ratio");
-  ratio->SetParameters(x_, y_);
-  ASSERT_EQ(ratio->SetCustomStyle("KEPRshUI.sypstyle", "Default", u"ratio"), S_OK);
-  ASSERT_NE(Part(ratio, "WidgetRatio/ValueTweaker"), nullptr);
-  ASSERT_EQ(Type(ratio, "ValueYEditor", "3"), S_OK);
-  EXPECT_EQ(Stored(y_), 3.0f);
-  EXPECT_EQ(Stored(x_), 0.5f);
-  ASSERT_EQ(Type(ratio, "ValueXEditor", "750"), S_OK);
-  EXPECT_EQ(Stored(x_), 0.75f);
-  EXPECT_EQ(Stored(y_), 3.0f);
 }
 
 }  // namespace
