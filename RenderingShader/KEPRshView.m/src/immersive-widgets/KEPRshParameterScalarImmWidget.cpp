@@ -29,7 +29,7 @@ namespace {
 /// hundredth of a larger range would not fit the slider's integers).
 constexpr double kFineRangeLimit = 1.0e8;
 constexpr float kFineResolution = 100.0f;
-/// Lengths arrive in millimetres; the display conversion starts from metres.
+/// Lengths arrive in millimetres; their display conversion starts from metres.
 constexpr double kMillimetresPerMetre = 1000.0;
 
 const KEPVidColor kSliderBackground{255, 255, 255, 50};
@@ -127,18 +127,26 @@ void KEPRshParameterScalarImmWidget::Build(KEPIRshParameter* parameter) {
 }
 
 void KEPRshParameterScalarImmWidget::ReadUnits(const KEPString& unitName) {
-  const KEPUnicodeString* magnitudeType = nullptr;
-  if (magnitude_ == "angle")
-    magnitudeType = &KEPParmDictionary::AngleType;
-  else if (magnitude_ == "length")
-    magnitudeType = &KEPParmDictionary::LengthType;
-  else
+  // Angles are held in radians, the angle magnitude's base unit. Lengths are held in
+  // millimetres and converted as metres: divided by 1000, then taken from metres to the display
+  // unit.
+  KEPICkeMagnitude* magnitude = nullptr;
+  KEPICkeUnit* source = nullptr;
+  if (magnitude_ == "angle") {
+    magnitude = KEPParmDictionary::FindMagnitude(KEPParmDictionary::AngleType);
+    source = magnitude ? magnitude->BaseUnit() : nullptr;
+  } else if (magnitude_ == "length") {
+    magnitude = KEPParmDictionary::FindMagnitude(KEPParmDictionary::LengthType);
+    source = KEPParmDictionary::FindUnit(u"m");
+    length_ = true;
+  }
+  KEPICkeUnit* display = magnitude ? magnitude->CurrentUnit() : nullptr;
+  if (!display || !source || source->Magnitude() != magnitude) {
+    length_ = false;
     return;
-  KEPICkeMagnitude* magnitude = KEPParmDictionary::FindMagnitude(*magnitudeType);
-  KEPICkeUnit* unit = magnitude ? magnitude->CurrentUnit() : nullptr;
-  if (!unit) return;
-  displayUnit_ = unit;
-  length_ = magnitudeType == &KEPParmDictionary::LengthType;
+  }
+  displayUnit_ = display;
+  sourceUnit_ = source;
   // The range is configured in the parameter's unit: without one there is nothing to convert.
   if (!unitName.empty()) {
     minimum_ = Narrow(ToDisplay(minimum_));
@@ -146,7 +154,7 @@ void KEPRshParameterScalarImmWidget::ReadUnits(const KEPString& unitName) {
     step_ = Narrow(ToDisplay(step_));
   }
   tooltipPrefix_ =
-      KEPMsgCatalog::BuildMessage("KEPRshShaderFrame", "UnitTooltip.ShortHelp") + unit->Symbol();
+      KEPMsgCatalog::BuildMessage("KEPRshShaderFrame", "UnitTooltip.ShortHelp") + display->Symbol();
 }
 
 KEPUnicodeString KEPRshParameterScalarImmWidget::RangeTooltip(const std::string& minimum,
@@ -262,13 +270,14 @@ bool KEPRshParameterScalarImmWidget::AppliesScaleRatio(KEPIRshParameter* paramet
 
 double KEPRshParameterScalarImmWidget::ToDisplay(double model) const {
   if (!displayUnit_) return model;
-  return displayUnit_->FromBase(length_ ? model / kMillimetresPerMetre : model);
+  const double source = length_ ? model / kMillimetresPerMetre : model;
+  return displayUnit_->FromBase(sourceUnit_->ToBase(source));
 }
 
 double KEPRshParameterScalarImmWidget::ToModel(double display) const {
   if (!displayUnit_) return display;
-  const double base = displayUnit_->ToBase(display);
-  return length_ ? base * kMillimetresPerMetre : base;
+  const double source = sourceUnit_->FromBase(displayUnit_->ToBase(display));
+  return length_ ? source * kMillimetresPerMetre : source;
 }
 
 bool KEPRshParameterScalarImmWidget::ApplyScaleRatio(KEPIRshParameter* parameter,

@@ -93,7 +93,9 @@ class KEPRshParameterScalarImmWidget : public KEPRshParameterImmWidget {
   bool active_ = true;  ///< false while the widget itself writes or updates its own controls
   bool scaleRatio_ = false;
   KEPString kind_;
-  KEPICkeUnit* displayUnit_ = nullptr;  ///< borrowed (units live for the process); null: none
+  // Units are borrowed: they live for the process. Without a display unit nothing is converted.
+  KEPICkeUnit* displayUnit_ = nullptr;  ///< the unit the user works in
+  KEPICkeUnit* sourceUnit_ = nullptr;   ///< what the conversion starts from: radian, or metre
   bool length_ = false;                 ///< the model value is a length in millimetres
   KEPUnicodeString tooltipPrefix_;
   int observer_ = 0;  ///< token of the model observer, 0 when none
