@@ -2,8 +2,10 @@
 
 #include <utf8.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <nlohmann/json.hpp>
 #include <type_traits>
 #include <variant>
@@ -107,6 +109,16 @@ void AppendEscaped(std::string& out, std::string_view text) {
   out.append(text.substr(start));
 }
 
+// True when `text` is ASCII without control characters, quotes or backslashes: it goes into a
+// JSON string as it is.
+bool IsPlainText(std::string_view text) {
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\') return false;
+  }
+  return true;
+}
+
 bool IsAscii(std::string_view text) {
   for (const char c : text)
     if (static_cast<unsigned char>(c) >= 0x80) return false;
@@ -118,67 +130,127 @@ bool IsAscii(std::string_view text) {
 
 class TextSink {
  public:
-  explicit TextSink(std::string& out) : out_(out) {}
+  // Writes through a cursor into `out`, grown ahead of need: most writes are a copy of a few
+  // bytes, without the bookkeeping of a string append each time.
+  explicit TextSink(std::string& out, std::size_t expected) : out_(out) {
+    out_.resize(std::max<std::size_t>(expected, 256));
+  }
+  /// Cuts the text to what was written; call once at the end.
+  void Finish() { out_.resize(used_); }
+
   void Key(std::string_view key) {
     Separate();
-    String(key);
-    out_ += ':';
+    Quoted(key);
+    Put(':');
   }
   void BeginObject() {
     Separate();
-    out_ += '{';
+    Put('{');
   }
-  void EndObject() { out_ += '}'; }
+  void EndObject() { Put('}'); }
   void BeginArray() {
     Separate();
-    out_ += '[';
+    Put('[');
   }
-  void EndArray() { out_ += ']'; }
+  void EndArray() { Put(']'); }
   void Null() {
     Separate();
-    out_ += "null";
+    Put("null");
   }
   void Bool(bool value) {
     Separate();
-    out_ += value ? "true" : "false";
+    Put(value ? std::string_view("true") : std::string_view("false"));
   }
   void Int(long long value) {
     Separate();
-    AppendInt(out_, value);
+    char* at = Room(24);
+    used_ += static_cast<std::size_t>(std::to_chars(at, at + 24, value).ptr - at);
   }
   void Double(double value) {
     if (!std::isfinite(value)) return Null();
     Separate();
-    AppendDouble(out_, value);
+    scratch_.clear();
+    AppendDouble(scratch_, value);
+    Put(scratch_);
   }
   void String(std::string_view utf8) {
     Separate();
-    out_ += '"';
-    if (IsAscii(utf8) || utf8::find_invalid(utf8.begin(), utf8.end()) == utf8.end()) {
-      AppendEscaped(out_, utf8);
-    } else {
-      AppendEscaped(out_, ValidUtf8(utf8));
-    }
-    out_ += '"';
+    Quoted(utf8);
+  }
+  /// A key or a string known to be plain ASCII that needs no escape (class names, the fixed
+  /// keys, paths made of plain names).
+  void KnownKey(std::string_view key) {
+    char* at = Room(key.size() + 4);
+    if (NeedsComma()) *at++ = ',';
+    *at++ = '"';
+    std::memcpy(at, key.data(), key.size());
+    at += key.size();
+    *at++ = '"';
+    *at++ = ':';
+    used_ = static_cast<std::size_t>(at - out_.data());
+  }
+  void KnownString(std::string_view text) {
+    char* at = Room(text.size() + 3);
+    if (NeedsComma()) *at++ = ',';
+    *at++ = '"';
+    std::memcpy(at, text.data(), text.size());
+    at += text.size();
+    *at++ = '"';
+    used_ = static_cast<std::size_t>(at - out_.data());
   }
   void String16(const std::u16string& text) {
     Separate();
-    out_ += '"';
     scratch_.clear();
     AppendUtf16(scratch_, text);
-    AppendEscaped(out_, scratch_);
-    out_ += '"';
+    Quoted(scratch_);
   }
 
  private:
+  char* Room(std::size_t bytes) {
+    if (out_.size() - used_ < bytes) out_.resize(std::max(out_.size() * 2, used_ + bytes));
+    return out_.data() + used_;
+  }
+  void Put(char c) {
+    *Room(1) = c;
+    ++used_;
+  }
+  void Put(std::string_view text) {
+    std::memcpy(Room(text.size()), text.data(), text.size());
+    used_ += text.size();
+  }
+  void Quoted(std::string_view utf8) {
+    // Most texts are plain ASCII that needs no escape: one scan, one copy.
+    if (IsPlainText(utf8)) {
+      char* at = Room(utf8.size() + 2);
+      *at++ = '"';
+      std::memcpy(at, utf8.data(), utf8.size());
+      at[utf8.size()] = '"';
+      used_ += utf8.size() + 2;
+      return;
+    }
+    escaped_.clear();
+    escaped_ += '"';
+    if (IsAscii(utf8) || utf8::find_invalid(utf8.begin(), utf8.end()) == utf8.end()) {
+      AppendEscaped(escaped_, utf8);
+    } else {
+      AppendEscaped(escaped_, ValidUtf8(utf8));
+    }
+    escaped_ += '"';
+    Put(escaped_);
+  }
   // A comma before anything that follows a complete value or member.
+  bool NeedsComma() const {
+    if (used_ == 0) return false;
+    const char last = out_[used_ - 1];
+    return last != '{' && last != '[' && last != ':';
+  }
   void Separate() {
-    if (out_.empty()) return;
-    const char last = out_.back();
-    if (last != '{' && last != '[' && last != ':') out_ += ',';
+    if (NeedsComma()) Put(',');
   }
   std::string& out_;
+  std::size_t used_ = 0;
   std::string scratch_;
+  std::string escaped_;
 };
 
 class DomSink {
@@ -200,6 +272,8 @@ class DomSink {
     }
   }
   void String(std::string_view utf8) { Put(ValidUtf8(utf8)); }
+  void KnownKey(std::string_view key) { key_ = key; }
+  void KnownString(std::string_view text) { Put(std::string(text)); }
   void String16(const std::u16string& text) {
     std::string utf8;
     AppendUtf16(utf8, text);
@@ -360,41 +434,52 @@ class TreeWriter {
   explicit TreeWriter(Sink& sink) : sink_(sink) {}
 
   void Widget(const KEPVidWidget* widget, bool isRoot) {
+    const KEPString& name = widget->GetName();
+    const bool plainName = IsPlainText(name);
     sink_.BeginObject();
-    sink_.Key("class");
-    sink_.String(widget->GetMetaObject()->Name());
-    sink_.Key("name");
-    sink_.String(widget->GetName());
+    sink_.KnownKey("class");
+    sink_.KnownString(widget->GetMetaObject()->Name());
+    sink_.KnownKey("name");
+    if (plainName) {
+      sink_.KnownString(name);
+    } else {
+      sink_.String(name);
+    }
     // The path of the root is empty; an unnamed widget below it has no path of its own (its
     // children's paths leave it out, as path lookup does).
     const std::size_t pathSize = path_.size();
-    if (!isRoot && !widget->GetName().empty()) {
+    const bool pathWasPlain = pathPlain_;
+    const bool named = !isRoot && !name.empty();
+    if (named) {
       if (!path_.empty()) path_ += '/';
-      path_ += widget->GetName();
+      path_ += name;
+      pathPlain_ = pathPlain_ && plainName;
     }
-    sink_.Key("path");
-    if (isRoot || !widget->GetName().empty()) {
-      sink_.String(path_);
-    } else {
+    sink_.KnownKey("path");
+    if (!isRoot && !named) {
       sink_.Null();
+    } else if (pathPlain_) {
+      sink_.KnownString(path_);
+    } else {
+      sink_.String(path_);
     }
-    sink_.Key("visible");
+    sink_.KnownKey("visible");
     sink_.Bool(widget->IsVisible());
-    sink_.Key("sensitive");
+    sink_.KnownKey("sensitive");
     sink_.Bool(widget->IsSensitive());
-    sink_.Key("layoutWhenInvisible");
+    sink_.KnownKey("layoutWhenInvisible");
     sink_.Bool(widget->GetLayoutWhenInvisible());
     Cell(widget->GetGridCell());
-    sink_.Key("minimumSize");
+    sink_.KnownKey("minimumSize");
     sink_.BeginObject();
-    sink_.Key("width");
+    sink_.KnownKey("width");
     sink_.Int(widget->GetMinimumWidth());
-    sink_.Key("height");
+    sink_.KnownKey("height");
     sink_.Int(widget->GetMinimumHeight());
     sink_.EndObject();
     if (widget->HasBackgroundColor()) {
       const KEPVidColor& c = widget->GetBackgroundColor();
-      sink_.Key("background");
+      sink_.KnownKey("background");
       sink_.BeginArray();
       sink_.Int(c.red);
       sink_.Int(c.green);
@@ -403,51 +488,53 @@ class TreeWriter {
       sink_.EndArray();
     }
     if (!widget->GetTooltip().IsEmpty()) {
-      sink_.Key("tooltip");
+      sink_.KnownKey("tooltip");
       sink_.String16(widget->GetTooltip().Str());
     }
     if (widget->GetTooltipInitialDelay() != 0.0) {
-      sink_.Key("tooltipDelay");
+      sink_.KnownKey("tooltipDelay");
       sink_.Double(widget->GetTooltipInitialDelay());
     }
-    sink_.Key("state");
+    sink_.KnownKey("state");
     sink_.BeginObject();
     StateToSink<Sink> state(sink_);
     widget->DescribeState(state);
     sink_.EndObject();
     WriteProperties(sink_, widget, classes_);
-    sink_.Key("children");
+    sink_.KnownKey("children");
     sink_.BeginArray();
     for (std::size_t i = 0; i < widget->GetChildCount(); ++i) Widget(widget->GetChild(i), false);
     sink_.EndArray();
     sink_.EndObject();
     path_.resize(pathSize);
+    pathPlain_ = pathWasPlain;
   }
 
  private:
   void Cell(const KEPVidGridCell& cell) {
-    sink_.Key("cell");
+    sink_.KnownKey("cell");
     sink_.BeginObject();
-    sink_.Key("row");
+    sink_.KnownKey("row");
     sink_.Int(cell.row);
-    sink_.Key("column");
+    sink_.KnownKey("column");
     sink_.Int(cell.column);
-    sink_.Key("rowSpan");
+    sink_.KnownKey("rowSpan");
     sink_.Int(cell.rowSpan);
-    sink_.Key("columnSpan");
+    sink_.KnownKey("columnSpan");
     sink_.Int(cell.columnSpan);
-    sink_.Key("attach");
+    sink_.KnownKey("attach");
     sink_.BeginArray();
-    if (cell.attach & KEPVidAttach_Left) sink_.String("left");
-    if (cell.attach & KEPVidAttach_Right) sink_.String("right");
-    if (cell.attach & KEPVidAttach_Top) sink_.String("top");
-    if (cell.attach & KEPVidAttach_Bottom) sink_.String("bottom");
+    if (cell.attach & KEPVidAttach_Left) sink_.KnownString("left");
+    if (cell.attach & KEPVidAttach_Right) sink_.KnownString("right");
+    if (cell.attach & KEPVidAttach_Top) sink_.KnownString("top");
+    if (cell.attach & KEPVidAttach_Bottom) sink_.KnownString("bottom");
     sink_.EndArray();
     sink_.EndObject();
   }
 
   Sink& sink_;
   std::string path_;
+  bool pathPlain_ = true;
   PropertyClasses classes_;
 };
 
@@ -668,10 +755,10 @@ std::string KEPVidToJsonText(const KEPVidWidget* root) {
   std::string text;
   if (!root) return "null";
   // About 400 bytes a widget: one allocation for most trees.
-  text.reserve(CountWidgets(root) * 400);
-  TextSink sink(text);
+  TextSink sink(text, CountWidgets(root) * 400);
   TreeWriter<TextSink> writer(sink);
   writer.Widget(root, true);
+  sink.Finish();
   return text;
 }
 
