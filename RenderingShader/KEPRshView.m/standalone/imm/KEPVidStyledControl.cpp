@@ -164,8 +164,13 @@ void KEPVidStyledControl::Unbuild() {
   // Drops the listener's ownership; the caller holds this.
   if (listener_ != 0) control_->GetIntrospectionAdapter()->RemoveListener(listener_);
   listener_ = 0;
-  for (KEPVidWidget* top : topParts_)
-    if (top->GetFather() == control_) top->SetFather(nullptr);
+  // Detaching hands the control's reference of a part to the detacher: released here, the part
+  // goes when this releases its own (unless someone else still holds it).
+  for (KEPVidWidget* top : topParts_) {
+    if (top->GetFather() != control_) continue;
+    top->SetFather(nullptr);
+    top->Release();
+  }
   topParts_.clear();
   parts_.clear();
   auto it = Styled().find(control_);
