@@ -7,11 +7,9 @@
 
 void KEPRshIntrospectionAnnouncer::Announce(KEPBaseUnknown* object, const char* property,
                                             const char* sourcePath) {
-  const KEP_var<KEPISYPIntrospectable> introspectable =
-      KEPQueryVar<KEPISYPIntrospectable>(object);
+  const KEP_var<KEPISYPIntrospectable> introspectable = KEPQueryVar<KEPISYPIntrospectable>(object);
   if (!introspectable) return;
-  auto* adapter =
-      dynamic_cast<KEPSYPIntrospectableAdapter*>(introspectable->GetImplementation());
+  auto* adapter = dynamic_cast<KEPSYPIntrospectableAdapter*>(introspectable->GetImplementation());
   KEP_ASSERT(adapter != nullptr,
              "( introspectable_adapter != NULL ) && \"Bad Introspectable implementation!\"",
              sourcePath);

@@ -204,8 +204,8 @@ bool KEPRshScalarControlParameter::WriteValue(double next) const {
     text = KEPFormat(
         "{ name = %s, previous (current) = %.3f, previous (parameter) = %.3f, next (current) = "
         "%.3f, next (parameter) = %.3f, unit (current) = %s, unit (parameter) = %s }",
-        Name(), ToCurrent(unit, current, previous), previous, next, target,
-        NameOf(current).c_str(), NameOf(unit).c_str());
+        Name(), ToCurrent(unit, current, previous), previous, next, target, NameOf(current).c_str(),
+        NameOf(unit).c_str());
   }
   if (previous == target) {
     if (trace_) trace_->Info("%s", text.c_str());

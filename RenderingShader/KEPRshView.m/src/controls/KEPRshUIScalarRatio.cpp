@@ -81,8 +81,8 @@ void KEPRshUIScalarRatio::SetParameters(KEPIRshParameter* primary, KEPIRshParame
   updating_ = true;
   primary_.Attach(primary);
   secondary_.Attach(secondary);
-  for (const char* property : {"Values", "HardMinimum", "HardMaximum", "SoftMinimum",
-                               "SoftMaximum", "Magnitude", "DecimalPrecision"})
+  for (const char* property : {"Values", "HardMinimum", "HardMaximum", "SoftMinimum", "SoftMaximum",
+                               "Magnitude", "DecimalPrecision"})
     KEPRshIntrospectionAnnouncer::Announce(this, property, SourcePath());
   updating_ = wasUpdating;
 }

@@ -71,8 +71,8 @@ KEPRshUIScalarSoftHardRange::KEPRshUIScalarSoftHardRange(KEPIRshParameterImmLayo
       parameter_(trace_.get(), SourcePath()) {
   parameter_.Attach(layout);
   // "DecimalPrecision" is not announced: parts read it when they are built.
-  for (const char* property : {"Value", "Unit", "Magnitude", "HardMinimum", "HardMaximum",
-                               "SoftMinimum", "SoftMaximum"})
+  for (const char* property :
+       {"Value", "Unit", "Magnitude", "HardMinimum", "HardMaximum", "SoftMinimum", "SoftMaximum"})
     KEPRshIntrospectionAnnouncer::Announce(this, property, SourcePath());
 }
 

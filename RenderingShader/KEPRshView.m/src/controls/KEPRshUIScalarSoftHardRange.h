@@ -66,5 +66,5 @@ class KEPRshUIScalarSoftHardRange : public KEPVidCtl {
 };
 
 /// Fills the introspection description of KEPRshUIScalarSoftHardRange.
-KEP_EXPORT HRESULT fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder(
-    KEPSYPMetaClassBuilder& builder);
+KEP_EXPORT HRESULT
+fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder(KEPSYPMetaClassBuilder& builder);
