@@ -66,8 +66,7 @@ TEST_F(ImmPaths, PathsMayLeaveOutIntermediateLayouts) {
     EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), c.path, error), c.expected) << c.path << error;
     if (c.expected != tree.root.Get()) {
       // The path the tree reports for a widget leads back to it.
-      EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), KEPVidPathOf(tree.root.Get(), c.expected),
-                                 error),
+      EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), KEPVidPathOf(tree.root.Get(), c.expected), error),
                 c.expected);
     }
   }
@@ -85,8 +84,9 @@ TEST_F(ImmPaths, AnUnresolvedPathSaysWhichSegmentAndWhatIsThere) {
       {"ParameterGroup0/Nope/scalarSlider",
        "widget path \"ParameterGroup0/Nope/scalarSlider\": segment 2 \"Nope\" names no widget "
        "below KEPVidCtlExpander \"ParameterGroup0\" (available: ParameterGroup0Layout)"},
-      {"Missing", "segment 1 \"Missing\" names no widget below the root (available: "
-                  "ParameterGroup0)"},
+      {"Missing",
+       "segment 1 \"Missing\" names no widget below the root (available: "
+       "ParameterGroup0)"},
       {"ParameterGroup0//scalarSlider", "segment 2 is empty"},
       {"/ParameterGroup0", "segment 1 is empty"},
       {"ParameterGroup0/", "segment 2 is empty"},
@@ -104,29 +104,28 @@ TEST_F(ImmPaths, AnUnresolvedPathSaysWhichSegmentAndWhatIsThere) {
 TEST_F(ImmPaths, InjectionByPathActsAsAPersonAndNamesThePathWhenRefused) {
   EditorTree tree;
   int changed = 0;
-  tree.slider->AddHandler(KEPVidEvent::ValueChanged, [&](KEPVidWidget*, KEPVidEvent) { ++changed; });
+  tree.slider->AddHandler(KEPVidEvent::ValueChanged,
+                          [&](KEPVidWidget*, KEPVidEvent) { ++changed; });
   std::string error;
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set,
-                         "75", error),
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set, "75",
+                         error),
             S_OK);
   EXPECT_EQ(tree.slider->GetValue(), 75);
   EXPECT_EQ(changed, 1);
 
   tree.group->SetSensitivity(false);
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set,
-                         "10", error),
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set, "10",
+                         error),
             E_INVALIDARG);
-  EXPECT_EQ(error.rfind("ParameterWidget0/scalarSlider: KEPVidCtlSlider \"scalarSlider\": ", 0),
-            0u)
+  EXPECT_EQ(error.rfind("ParameterWidget0/scalarSlider: KEPVidCtlSlider \"scalarSlider\": ", 0), 0u)
       << error;
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "nowhere", KEPVidAction::Press, "", error),
-            E_INVALIDARG);
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "nowhere", KEPVidAction::Press, "", error), E_INVALIDARG);
   EXPECT_NE(error.find("segment 1 \"nowhere\""), std::string::npos);
   EXPECT_EQ(tree.slider->GetValue(), 75);
 }
 
 TEST_F(ImmPaths, ActionWordsReadBothWays) {
-  const char* words[] = {"set",    "type",  "press",  "toggle", "select", "expand",
+  const char* words[] = {"set",      "type",  "press",  "toggle", "select", "expand",
                          "collapse", "color", "choose", "open",   "close"};
   for (int i = 0; i < 11; ++i) {
     KEPVidAction action = KEPVidAction::Set;
