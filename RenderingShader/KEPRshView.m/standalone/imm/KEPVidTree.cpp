@@ -373,7 +373,8 @@ class PropertyClasses {
     if (!meta->IsAKindOf(KEPVidCtl::ClassName())) return false;
     for (const auto& [klass, has] : known_)
       if (klass == meta) return has;
-    const bool has = KEPSYPRegistry::FindFor(widget) != nullptr;
+    const bool has = KEPSYPRegistry::FindFor(widget) != nullptr ||
+                     KEPSYPRegistry::FindAdapter(widget) != nullptr;
     known_.emplace_back(meta, has);
     return has;
   }

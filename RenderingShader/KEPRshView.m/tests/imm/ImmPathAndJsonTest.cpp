@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "KEPParmDictionary.h"
+#include "KEPSYPMetaClass.h"
 #include "KEPTestSupport.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlEditor.h"
@@ -15,9 +17,22 @@
 #include "KEPVidTree.h"
 #include "KEP_var.h"
 
+namespace immjson {
+
+// A control whose class registers introspected properties of every kind.
+class Swatch : public KEPVidCtl {
+  KEP_DECLARE_CLASS
+ public:
+  using KEPVidCtl::KEPVidCtl;
+};
+KEP_IMPLEMENT_CLASS(Swatch, KEPVidCtl, "Test")
+
+}  // namespace immjson
+
 namespace {
 
 using Root = KEP_var<KEPVidWidget>;
+using immjson::Swatch;
 
 // The shape the editor builds for one group with one scalar row.
 struct EditorTree {
@@ -195,6 +210,42 @@ TEST_F(ImmPaths, JsonTextIsTheSameDocumentAndSurvivesBadInput) {
   EXPECT_TRUE(scalar["children"][0]["tooltipDelay"].is_null());
   EXPECT_EQ(scalar["children"][0]["tooltip"], "quote \" backslash \\ tab \t end");
   EXPECT_EQ(KEPVidToJsonText(nullptr), "null");
+}
+
+TEST_F(ImmPaths, JsonListsTheIntrospectedPropertiesOfAControl) {
+  static const KEPSYPPropertyEntry kProperties[] = {
+      {"On", "bool", [](KEPBaseUnknown*) -> KEPSYPValue { return true; }, nullptr},
+      {"Count", "int", [](KEPBaseUnknown*) -> KEPSYPValue { return 3; }, nullptr},
+      {"Ratio", "double", [](KEPBaseUnknown*) -> KEPSYPValue { return NAN; }, nullptr},
+      {"Title", "string", [](KEPBaseUnknown*) -> KEPSYPValue { return KEPString("ok"); }, nullptr},
+      {"Point", "KEPMathPoint2D",
+       [](KEPBaseUnknown*) -> KEPSYPValue {
+         return KEPMathPoint2D{0.5, -1.0};
+       },
+       nullptr},
+      {"Unit", "KEPICkeUnit",
+       [](KEPBaseUnknown*) -> KEPSYPValue {
+         KEPICkeUnit* unit = KEPParmDictionary::FindUnit(u"cm");
+         unit->AddRef();
+         return KEPSYPBoxInterface(unit);
+       },
+       nullptr},
+      {"Nothing", "KEPICkeUnit", [](KEPBaseUnknown*) -> KEPSYPValue { return {}; }, nullptr},
+  };
+  KEPSYPRegistry::RegisterBuilder("Swatch", [](KEPSYPMetaClassBuilder& builder) -> HRESULT {
+    builder.SetClass("Swatch", nullptr, nullptr);
+    return builder.AddProperties(kProperties, 7);
+  });
+  Root root = Root::Adopt(new KEPVidLayGrid(nullptr, "root"));
+  new Swatch(root.Get(), "swatch");
+  new KEPVidCtlLabel(root.Get(), "label");
+  const nlohmann::json json = KEPVidToJson(root.Get());
+  EXPECT_EQ(json["children"][0]["properties"],
+            nlohmann::json::parse(R"({"On":true,"Count":3,"Ratio":null,"Title":"ok",
+              "Point":{"x":0.5,"y":-1.0},"Unit":"cm","Nothing":null})"));
+  EXPECT_FALSE(json["children"][1].contains("properties")) << "a class without a metaclass";
+  EXPECT_EQ(nlohmann::json::parse(KEPVidToJsonText(root.Get())), json);
+  KEPSYPRegistry::Clear();
 }
 
 TEST_F(ImmPaths, TextShowsOneWidgetALine) {
