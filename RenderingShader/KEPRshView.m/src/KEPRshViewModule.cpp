@@ -3,10 +3,12 @@
 // Each subsystem registers its own extensions.
 void KEPRshRegisterMetadata();
 void KEPRshRegisterHardware();
+void KEPRshRegisterImmersiveEditor();
 
 extern "C" void KEPRshViewRegister() {
   KEPRshRegisterMetadata();
   KEPRshRegisterHardware();
+  KEPRshRegisterImmersiveEditor();
 }
 
 bool KEPRshIsPhysicalShaderType(std::string_view typeName) {
