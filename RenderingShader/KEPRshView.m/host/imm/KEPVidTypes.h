@@ -7,6 +7,7 @@
 #pragma GCC visibility push(default)
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,17 +45,17 @@ struct KEPVidGridCell {
 /// Notifications. A control raises its notification whenever its state changes, whether a person
 /// or code changed it (as common toolkits do); setting the state it already has raises nothing.
 enum class KEPVidEvent : int {
-  ValueChanged,   ///< slider, spin boxes: the value moved
-  EditModify,     ///< editor: its value or text changed
-  Pressed,        ///< button
-  Toggled,        ///< check box
-  Selected,       ///< combo: the selection changed
-  ColorChanged,   ///< colour picker
-  ImageChanged,   ///< image-document selector: image, groups or resolution changed
-  Expanded,       ///< expander opened
-  Collapsed,      ///< expander closed
-  PopupOpened,    ///< popup shown
-  PopupClosed,    ///< popup hidden
+  ValueChanged,  ///< slider, spin boxes: the value moved
+  EditModify,    ///< editor: its value or text changed
+  Pressed,       ///< button
+  Toggled,       ///< check box
+  Selected,      ///< combo: the selection changed
+  ColorChanged,  ///< colour picker
+  ImageChanged,  ///< image-document selector: image, groups or resolution changed
+  Expanded,      ///< expander opened
+  Collapsed,     ///< expander closed
+  PopupOpened,   ///< popup shown
+  PopupClosed,   ///< popup hidden
 };
 
 class KEPVidWidget;
@@ -88,6 +89,11 @@ class KEPVidStateWriter {
   virtual void Text(std::string_view key, std::string_view value) = 0;
   virtual void TextList(std::string_view key, const std::vector<std::string>& values) = 0;
   virtual void DoubleList(std::string_view key, const std::vector<double>& values) = 0;
+  /// Integers (colour channels, offsets, option switches); a writer that does not override it
+  /// receives them as a list of doubles.
+  virtual void IntList(std::string_view key, std::span<const int> values) {
+    DoubleList(key, std::vector<double>(values.begin(), values.end()));
+  }
 
  protected:
   ~KEPVidStateWriter() = default;
