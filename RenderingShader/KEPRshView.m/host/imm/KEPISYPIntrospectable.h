@@ -11,6 +11,7 @@
 // Host types have one identity in every library that uses them (see KEP_EXPORT).
 #pragma GCC visibility push(default)
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -57,13 +58,19 @@ class KEPSYPIntrospectableAdapter : public KEPISYPIntrospectable {
   KEPBaseUnknown* GetObject() const { return object_; }
 
   /// Tells every listener that property `name` changed (the object announces it; nothing is
-  /// read here). Listeners added or removed by a listener take effect from the next dispatch.
+  /// read here). Listeners added or removed by a listener take effect from the next dispatch,
+  /// except that a listener removed during a dispatch is not called by it any more (its owner
+  /// may be gone). The object is kept alive while its listeners run.
   void DispatchModifyProperty(std::string_view name);
   /// Adds a listener; returns a token for RemoveListener.
   int AddListener(KEPSYPListener listener);
   void RemoveListener(int token);
-  /// Number of DispatchModifyProperty calls so far, and the names in order (tests, diagnostics).
+  /// The names of the last kDispatchedKept DispatchModifyProperty calls, oldest first (tests,
+  /// diagnostics): a long-lived control announces without end, so older names are dropped.
   const std::vector<std::string>& GetDispatched() const { return dispatched_; }
+  static constexpr std::size_t kDispatchedKept = 256;
+  /// Number of DispatchModifyProperty calls so far, dropped names included.
+  std::size_t GetDispatchCount() const { return dispatchCount_; }
 
  private:
   KEPBaseUnknown* object_;
@@ -74,6 +81,9 @@ class KEPSYPIntrospectableAdapter : public KEPISYPIntrospectable {
   std::vector<Listener> listeners_;
   std::vector<std::string> dispatched_;
   int nextToken_ = 1;
+  std::size_t dispatchCount_ = 0;
+  int dispatching_ = 0;           ///< nesting depth of DispatchModifyProperty
+  bool listenerRemoved_ = false;  ///< a listener was emptied during a dispatch: compact after it
 };
 
 #pragma GCC visibility pop
