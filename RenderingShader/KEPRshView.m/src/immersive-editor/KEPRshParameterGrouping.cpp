@@ -68,8 +68,8 @@ bool KEPRshParameterGrouping::IsTextureNodeId(std::string_view id) {
 
 bool KEPRshParameterGrouping::IsPlacementParameter(std::string_view name) {
   static constexpr std::string_view kPlacement[] = {
-      "type",     "offset_u", "offset_v", "scale_u", "scale_v", "repeat_u", "repeat_v",
-      "flip_u",   "flip_v",   "angle",    "invert",  "alpha",   "bump",     "group_names"};
+      "type",   "offset_u", "offset_v", "scale_u", "scale_v", "repeat_u", "repeat_v",
+      "flip_u", "flip_v",   "angle",    "invert",  "alpha",   "bump",     "group_names"};
   return std::find(std::begin(kPlacement), std::end(kPlacement), name) != std::end(kPlacement);
 }
 
@@ -131,8 +131,8 @@ void KEPRshParameterGrouping::ReadGroups(const KEPTrace& trace) {
     group.key = "Group" + std::to_string(i);
     // A missing name leaves it empty; a missing or unreadable order keeps the largest value.
     KEPRbaConfiguration::GetHierarchicalValue(configurationId_, group.key + ".Name", group.name);
-    if (SUCCEEDED(
-            KEPRbaConfiguration::GetHierarchicalValue(configurationId_, group.key + ".Order", text)))
+    if (SUCCEEDED(KEPRbaConfiguration::GetHierarchicalValue(configurationId_, group.key + ".Order",
+                                                            text)))
       ReadUnsigned64(text, group.order);
   }
   if (sortingEnabled_ && groups_.size() >= 2) SortGroups(groups_);

@@ -14,7 +14,7 @@ Level gLevel = Level::Unread;
 bool KEPRshParameterOrdering::LevelSortsParameters() {
   if (gLevel == Level::Unread)
     gLevel = KEPRecord::GetSoftwareLevel("LayoutParameterSortingLevel") == 1 ? Level::Sorts
-                                                                              : Level::Keeps;
+                                                                             : Level::Keeps;
   return gLevel == Level::Sorts;
 }
 
@@ -28,14 +28,14 @@ void KEPRshParameterOrdering::Sort(std::vector<KEPRshLayoutParameter*>& paramete
 
 int KEPRshParameterOrdering::CompareBySortingOrder(KEPRshLayoutParameter* lhs,
                                                    KEPRshLayoutParameter* rhs) {
-  KEP_ASSERT_FATAL(
-      lhs && lhs->Behaviour(),
-      "( parameter_lhs != NULL_var ) && \"lhs from parameter list is not a KEPIRshParameterImmLayout\"",
-      KEPRshShaderImmLayoutSource);
-  KEP_ASSERT_FATAL(
-      rhs && rhs->Behaviour(),
-      "( parameter_rhs != NULL_var ) && \"rhs from parameter list is not a KEPIRshParameterImmLayout\"",
-      KEPRshShaderImmLayoutSource);
+  KEP_ASSERT_FATAL(lhs && lhs->Behaviour(),
+                   "( parameter_lhs != NULL_var ) && \"lhs from parameter list is not a "
+                   "KEPIRshParameterImmLayout\"",
+                   KEPRshShaderImmLayoutSource);
+  KEP_ASSERT_FATAL(rhs && rhs->Behaviour(),
+                   "( parameter_rhs != NULL_var ) && \"rhs from parameter list is not a "
+                   "KEPIRshParameterImmLayout\"",
+                   KEPRshShaderImmLayoutSource);
   const KEPString* lhsOrder = lhs->SortingOrder();
   const KEPString* rhsOrder = rhs->SortingOrder();
   if (!lhsOrder) return rhsOrder ? -1 : CompareByName(lhs, rhs);
@@ -47,8 +47,7 @@ int KEPRshParameterOrdering::CompareBySortingOrder(KEPRshLayoutParameter* lhs,
   return CompareByName(lhs, rhs);
 }
 
-int KEPRshParameterOrdering::CompareByName(KEPRshLayoutParameter* lhs,
-                                           KEPRshLayoutParameter* rhs) {
+int KEPRshParameterOrdering::CompareByName(KEPRshLayoutParameter* lhs, KEPRshLayoutParameter* rhs) {
   KEP_ASSERT_FATAL(
       lhs && lhs->Parameter(),
       "( parameter_lhs != NULL_var ) && \"lhs from parameter list is not a KEPIRshParameter\"",

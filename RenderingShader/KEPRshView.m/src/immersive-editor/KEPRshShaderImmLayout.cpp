@@ -198,8 +198,8 @@ int KEPRshShaderImmLayout::AddParameterRow(KEPVidLayGrid* grid, int gridRow,
   return gridRow + 2;
 }
 
-void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow,
-                                          const KEPString& number, KEPIRshParameter* parameter) {
+void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow, const KEPString& number,
+                                          KEPIRshParameter* parameter) {
   ConnectionRow row;
   row.parameter = parameter;
   row.connector = new KEPVidCtlButton(grid, "ParameterConnection" + number);
@@ -209,8 +209,8 @@ void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow,
   row.connectedShaderWidget->SetGridCell(
       {gridRow + 1, 0, 1, 3, KEPVidAttach_Left | KEPVidAttach_Right});
   row.connectedShaderWidget->SetLayoutWhenInvisible(false);
-  row.connectedShaderLayout = new KEPVidLayGrid(row.connectedShaderWidget,
-                                                "ParameterConnectedShader" + number + "Layout");
+  row.connectedShaderLayout =
+      new KEPVidLayGrid(row.connectedShaderWidget, "ParameterConnectedShader" + number + "Layout");
   ShowConnectionState(row);
 }
 

@@ -22,7 +22,7 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 # What a host needs: the entry point, an adapter factory per registered behaviour and material
-# interface (20 so far), the module's shared rule, and the exported class's life cycle.
+# interface (21 so far), the module's shared rule, and the exported class's life cycle.
 foreach(required IN ITEMS "KEPRshViewRegister"
                           "KEPRshIsPhysicalShaderType(std::basic_string_view"
                           "KEPRshShaderHardwareExt::KEPRshShaderHardwareExt(KEPRshShaderHardwareExt const&)"
@@ -31,13 +31,14 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "CreateTIEKEPIHardwareMaterialKEPRshShaderHardwareDefault"
                           "CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink"
                           "CreateTIEKEPIRshParameterImmLayoutKEPRshParameterScalarImmLayout"
-                          "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog")
+                          "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog"
+                          "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout")
   string(FIND "${output}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
   endif()
 endforeach()
-if(factories LESS 20)
-  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 20 registered")
+if(factories LESS 21)
+  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 21 registered")
 endif()
 message(STATUS "${count} exported symbols, all of them the module's own")
