@@ -57,9 +57,7 @@ class ListedShader : public KEPBaseUnknown, public KEPIRshShader {
     return S_OK;
   }
   HRESULT GetParameter(const KEPString&, KEPIRshParameter*&) override { return E_FAIL; }
-  HRESULT GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>&) override {
-    return E_FAIL;
-  }
+  HRESULT GetPointingComponents(std::vector<KEP_var<KEPIRshParameter>>&) override { return E_FAIL; }
 
  private:
   KEPString configurationId_;
@@ -105,10 +103,9 @@ TEST_F(AssertionDeathTest, EveryListEntryMustBeANamedParameter) {
     KEPHostConfiguration::SetValue("listed", "GroupCount", count);
     named->AddRef();
     const KEP_var<ListedShader> withNull = Listed("listed", {named, nullptr});
-    EXPECT_DEATH(
-        Edit(withNull.Get()),
-        Fatal("( parameter != NULL_var ) && \"parameter from parameter list is not a "
-              "KEPIRshParameter\""));
+    EXPECT_DEATH(Edit(withNull.Get()),
+                 Fatal("( parameter != NULL_var ) && \"parameter from parameter list is not a "
+                       "KEPIRshParameter\""));
     named->AddRef();
     const KEP_var<ListedShader> withNameless = Listed("listed", {named, new NamelessParameter()});
     EXPECT_DEATH(Edit(withNameless.Get()),
@@ -152,8 +149,9 @@ TEST_F(AssertionDeathTest, ATextureNodeMustBeASpecObjectWithAShaderForFather) {
   EXPECT_DEATH(Edit(unspecified.Get()),
                Fatal("( spec != NULL_var ) && \"KEPIRshShader is not a spec feature\""));
 
-  const std::string fatherless = "( father_shader != NULL_var ) && \"KEPIRshShader's father is "
-                                 "not a spec feature\"";
+  const std::string fatherless =
+      "( father_shader != NULL_var ) && \"KEPIRshShader's father is "
+      "not a spec feature\"";
   // A node of the document: its father is the document, no shader.
   TheWorld().Add(Type("kep_phen_scalar").Param("scale_u", Scalar(1)));
   KEPHostShaderNode* inDocument = TheWorld().Node("kep_phen_scalar");

@@ -112,15 +112,14 @@ TEST_F(ExpansionTest, OpeningOrClosingAGroupStoresTheStateAndCommitsAtOnce) {
 }
 
 TEST_F(ExpansionTest, GroupsOfOneConfigurationShareAStateByDisplayName) {
-  KEPRshShaderImmLayout* editor =
-      Edit(Node("mat", {"a", "b", "c"},
-                {{"GroupCount", "3"},
-                 {"Group0.Name", "Coat"},
-                 {"Group1.Name", "Coat"},
-                 {"Group2.Name", "Flakes"},
-                 {"a.Group", "Group0"},
-                 {"b.Group", "Group1"},
-                 {"c.Group", "Group2"}}));
+  KEPRshShaderImmLayout* editor = Edit(Node("mat", {"a", "b", "c"},
+                                            {{"GroupCount", "3"},
+                                             {"Group0.Name", "Coat"},
+                                             {"Group1.Name", "Coat"},
+                                             {"Group2.Name", "Flakes"},
+                                             {"a.Group", "Group0"},
+                                             {"b.Group", "Group1"},
+                                             {"c.Group", "Group2"}}));
   User(Group(editor, 1), KEPVidAction::Expand);
   EXPECT_EQ(Preferences().Keys(), (std::vector<KEPString>{"mat.Coat.Collapsed"}));
   Root()->DeleteChildren();

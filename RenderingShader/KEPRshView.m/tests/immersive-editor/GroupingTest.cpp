@@ -25,18 +25,19 @@ class GroupingTest : public EditorTest {
   }
 };
 
-const Keys kThreeGroups = {{"GroupCount", "3"},    {"Group0.Order", "9"},   {"Group1.Order", "5"},
-                           {"Group0.Name", "Nine"}, {"Group1.Name", "Five"}, {"Group2.Name", "Last"},
-                           {"a.Group", "Group0"},  {"b.Group", "Group1"},  {"c.Group", "Group2"}};
+const Keys kThreeGroups = {
+    {"GroupCount", "3"},     {"Group0.Order", "9"},   {"Group1.Order", "5"},
+    {"Group0.Name", "Nine"}, {"Group1.Name", "Five"}, {"Group2.Name", "Last"},
+    {"a.Group", "Group0"},   {"b.Group", "Group1"},   {"c.Group", "Group2"}};
 
 TEST_F(GroupingTest, GroupsFollowTheirOrderOnlyWhenSortingIsEnabled) {
   const std::vector<std::string> sorted = {"ParameterGroup1", "ParameterGroup0", "ParameterGroup2"};
   const std::vector<std::string> configured = {"ParameterGroup0", "ParameterGroup1",
                                                "ParameterGroup2"};
   const std::pair<std::optional<std::string>, std::vector<std::string>> rows[] = {
-      {"yes", sorted},         {"TRUE", sorted},   {"1", sorted},     {"Yes", sorted},
-      {"no", configured},      {"0", configured},  {"on", configured}, {"yes ", configured},
-      {std::nullopt, configured}};
+      {"yes", sorted},    {"TRUE", sorted},     {"1", sorted},
+      {"Yes", sorted},    {"no", configured},   {"0", configured},
+      {"on", configured}, {"yes ", configured}, {std::nullopt, configured}};
   int n = 0;
   for (const auto& [status, expected] : rows) {
     Keys config = kThreeGroups;
@@ -50,23 +51,22 @@ TEST_F(GroupingTest, EqualOrUnreadableGroupOrdersKeepConfigurationOrder) {
   // Up to 32 groups are sorted by insertion: equal orders stay as configured; an order that does
   // not read as a number counts as missing (last); "%llu" reads " 3x" as 3 and "-1" as the
   // largest value.
-  KEPRshShaderImmLayout* editor =
-      Edit(Node("t", {"a", "b", "c", "d", "e"},
-                {{"GlobalShaderSortingOrder.Status", "yes"},
-                 {"GroupCount", "5"},
-                 {"Group0.Order", "abc"},
-                 {"Group1.Order", "7"},
-                 {"Group2.Order", " 3x"},
-                 {"Group3.Order", "7"},
-                 {"Group4.Order", "-1"},
-                 {"a.Group", "Group0"},
-                 {"b.Group", "Group1"},
-                 {"c.Group", "Group2"},
-                 {"d.Group", "Group3"},
-                 {"e.Group", "Group4"}}));
-  EXPECT_EQ(Layout(editor), (std::vector<std::string>{"ParameterGroup2", "ParameterGroup1",
-                                                      "ParameterGroup3", "ParameterGroup0",
-                                                      "ParameterGroup4"}));
+  KEPRshShaderImmLayout* editor = Edit(Node("t", {"a", "b", "c", "d", "e"},
+                                            {{"GlobalShaderSortingOrder.Status", "yes"},
+                                             {"GroupCount", "5"},
+                                             {"Group0.Order", "abc"},
+                                             {"Group1.Order", "7"},
+                                             {"Group2.Order", " 3x"},
+                                             {"Group3.Order", "7"},
+                                             {"Group4.Order", "-1"},
+                                             {"a.Group", "Group0"},
+                                             {"b.Group", "Group1"},
+                                             {"c.Group", "Group2"},
+                                             {"d.Group", "Group3"},
+                                             {"e.Group", "Group4"}}));
+  EXPECT_EQ(Layout(editor),
+            (std::vector<std::string>{"ParameterGroup2", "ParameterGroup1", "ParameterGroup3",
+                                      "ParameterGroup0", "ParameterGroup4"}));
 }
 
 TEST_F(GroupingTest, ManyGroupsAreSortedByOrder) {
@@ -108,9 +108,8 @@ TEST_F(GroupingTest, ParametersFollowTheirSortingOrders) {
   int n = 0;
   for (const Case& c : cases) {
     std::vector<std::string> parameters = {"none"};
-    Keys config = {{"GlobalShaderSortingOrder.Status", "yes"},
-                   {"GroupCount", "1"},
-                   {"none.Group", "Group0"}};
+    Keys config = {
+        {"GlobalShaderSortingOrder.Status", "yes"}, {"GroupCount", "1"}, {"none.Group", "Group0"}};
     for (const auto& [name, order] : c.orders) {
       parameters.insert(parameters.begin(), name);  // node order: reversed, then "none" last
       config.emplace_back(name + ".Group", "Group0");
@@ -137,16 +136,16 @@ TEST_F(GroupingTest, ParametersWithoutOrderGoByNameAndEqualOrdersEitherWay) {
   KEPRshShaderImmLayout* editor = Edit(Node("t", {"zeta", "alpha", "x", "y", "w"}, config));
   EXPECT_EQ(Labels(At(editor, "ParameterGroup0/ParameterGroup0Layout")),
             (std::vector<std::string>{"alpha", "zeta"}));
-  const std::vector<std::string> equal = Labels(At(editor, "ParameterGroup1/ParameterGroup1Layout"));
+  const std::vector<std::string> equal =
+      Labels(At(editor, "ParameterGroup1/ParameterGroup1Layout"));
   ASSERT_EQ(equal.size(), 3u);
   EXPECT_EQ(equal[0], "w");
   EXPECT_TRUE((equal[1] == "x" && equal[2] == "y") || (equal[1] == "y" && equal[2] == "x"));
 }
 
 TEST_F(GroupingTest, NodeOrderWhereverSortingDoesNotApply) {
-  const Keys ordered = {{"GroupCount", "1"},           {"c.Group", "Group0"},
-                        {"b.Group", "Group0"},         {"c.SortingOrder", "2"},
-                        {"b.SortingOrder", "1"},       {"z.SortingOrder", "2"},
+  const Keys ordered = {{"GroupCount", "1"},     {"c.Group", "Group0"},   {"b.Group", "Group0"},
+                        {"c.SortingOrder", "2"}, {"b.SortingOrder", "1"}, {"z.SortingOrder", "2"},
                         {"y.SortingOrder", "1"}};
   // Sorting disabled: the group keeps node order.
   EXPECT_EQ(Rows(Node("off", {"c", "b"}, ordered), "ParameterGroup0/ParameterGroup0Layout"),
@@ -168,10 +167,9 @@ TEST_F(GroupingTest, TheRecordersLevelDecidesWhetherGroupsAreSorted) {
                        {"b.Group", "Group0"},
                        {"a.Group", "Group0"},
                        {"c.Group", "Group1"}};
-  const std::string record =
-      (std::filesystem::temp_directory_path() / ("keprsh-editor-record-" +
-                                                 std::to_string(::getpid()) + ".json"))
-          .string();
+  const std::string record = (std::filesystem::temp_directory_path() /
+                              ("keprsh-editor-record-" + std::to_string(::getpid()) + ".json"))
+                                 .string();
   struct Case {
     const char* what;
     const char* replayed;  // record file to replay; null: capture instead
@@ -179,7 +177,8 @@ TEST_F(GroupingTest, TheRecordersLevelDecidesWhetherGroupsAreSorted) {
   };
   const Case cases[] = {
       {"a replay without the level reads 0", R"({"softwareLevels": {}})", {"b", "a"}},
-      {"a replay of level 1 sorts", R"({"softwareLevels": {"LayoutParameterSortingLevel": 1}})",
+      {"a replay of level 1 sorts",
+       R"({"softwareLevels": {"LayoutParameterSortingLevel": 1}})",
        {"a", "b"}},
       {"a capture sorts and records level 1", nullptr, {"a", "b"}},
   };
@@ -206,17 +205,14 @@ TEST_F(GroupingTest, TheRecordersLevelDecidesWhetherGroupsAreSorted) {
 }
 
 TEST_F(GroupingTest, HiddenParametersAndGroups) {
-  const Keys config = {{"GroupCount", "3"},
-                       {"a.Group", "Group0"},  // all of Group0 hidden: no expander
-                       {"a.Widget", "None"},
-                       {"b.Group", "Group0"},
-                       {"b.Widget", "NONE"},
-                       {"c.Group", "Group1"},  // Group1 shown without its hidden one
-                       {"d.Group", "Group1"},
-                       {"d.Widget", "none"},
-                       {"e.Group", "Group7"},  // a group that is not configured: nowhere
-                       {"f.Widget", "nonE"},   // of no group, hidden
-                       {"g.Widget", "none "}}; // not the word none: shown
+  const Keys config = {
+      {"GroupCount", "3"},   {"a.Group", "Group0"},  // all of Group0 hidden: no expander
+      {"a.Widget", "None"},  {"b.Group", "Group0"},
+      {"b.Widget", "NONE"},  {"c.Group", "Group1"},  // Group1 shown without its hidden one
+      {"d.Group", "Group1"}, {"d.Widget", "none"},
+      {"e.Group", "Group7"},   // a group that is not configured: nowhere
+      {"f.Widget", "nonE"},    // of no group, hidden
+      {"g.Widget", "none "}};  // not the word none: shown
   KEPRshShaderImmLayout* editor = Edit(Node("t", {"a", "b", "c", "d", "e", "f", "g"}, config));
   EXPECT_EQ(Layout(editor),
             (std::vector<std::string>{"ParameterGroup1", "ParameterNoGroupLayout"}));
@@ -240,8 +236,9 @@ TEST_F(GroupingTest, PlacementParametersOfATextureUnderAPhysicalMaterialAreLeftO
     const char* father;
     std::vector<std::string> expected;
   };
-  const Case cases[] = {{"MPM_paint", {"gamma", "scale"}},
-                        {"mia_phen_material", {"scale_u", "angle", "group_names", "gamma", "scale"}}};
+  const Case cases[] = {
+      {"MPM_paint", {"gamma", "scale"}},
+      {"mia_phen_material", {"scale_u", "angle", "group_names", "gamma", "scale"}}};
   for (const Case& c : cases) {
     KEPHostShaderNode* father = TheWorld().Node(c.father);
     const auto node = KEP_var<KEPHostShaderNode>::Adopt(
@@ -282,8 +279,9 @@ TEST_F(GroupingTest, GroupCountReadsAsAnUnsigned64BitNumber) {
     const auto elapsed = std::chrono::steady_clock::now() - start;
     EXPECT_EQ(Layout(editor), c.expected) << c.count;
     EXPECT_EQ(editor->GetGroups().size(), c.records) << c.count;
-    const std::string warning = "Too many groups { configuration = " + type + ", GroupCount = " +
-                                (c.capped ? c.capped : "") + ", groups read = 4096 }";
+    const std::string warning = "Too many groups { configuration = " + type +
+                                ", GroupCount = " + (c.capped ? c.capped : "") +
+                                ", groups read = 4096 }";
     EXPECT_EQ(capture.Contains(warning), c.capped != nullptr) << c.count;
     // A huge count costs a bounded number of records, not gigabytes or minutes.
     EXPECT_LT(elapsed, std::chrono::seconds(5)) << c.count;
@@ -291,12 +289,11 @@ TEST_F(GroupingTest, GroupCountReadsAsAnUnsigned64BitNumber) {
 }
 
 TEST_F(GroupingTest, GroupRecordsHoldKeyNameAndOrder) {
-  KEPRshShaderImmLayout* editor =
-      Edit(Node("t", {"a"},
-                {{"GroupCount", "2"},
-                 {"Group0.Name", "Base coat \xC3\xA9"},
-                 {"Group0.Order", "18446744073709551615"},
-                 {"Group1.Order", "3"}}));
+  KEPRshShaderImmLayout* editor = Edit(Node("t", {"a"},
+                                            {{"GroupCount", "2"},
+                                             {"Group0.Name", "Base coat \xC3\xA9"},
+                                             {"Group0.Order", "18446744073709551615"},
+                                             {"Group1.Order", "3"}}));
   const std::vector<KEPRshGroupRecord>& groups = editor->GetGroups();
   ASSERT_EQ(groups.size(), 2u);
   EXPECT_EQ(groups[0].key, "Group0");

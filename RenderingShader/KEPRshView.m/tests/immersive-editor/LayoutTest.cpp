@@ -91,10 +91,11 @@ TEST_F(LayoutTest, ANodeWithNothingToShowMakesAnEmptyEditor) {
 }
 
 TEST_F(LayoutTest, AFailedWidgetLeavesItsRowWithoutAWidget) {
-  KEPRshShaderImmLayout* editor = Edit(
-      Node("t", {"a", "broken", "c"},
-           {{"GroupCount", "1"}, {"a.Group", "Group0"}, {"broken.Group", "Group0"},
-            {"c.Group", "Group0"}}));
+  KEPRshShaderImmLayout* editor = Edit(Node("t", {"a", "broken", "c"},
+                                            {{"GroupCount", "1"},
+                                             {"a.Group", "Group0"},
+                                             {"broken.Group", "Group0"},
+                                             {"c.Group", "Group0"}}));
   const KEPVidWidget* grid = At(editor, "ParameterGroup0/ParameterGroup0Layout");
   EXPECT_EQ(Labels(grid), (std::vector<std::string>{"a", "broken", "c"}));
   EXPECT_NE(Child(grid, "ParameterWidget0"), nullptr);
@@ -117,15 +118,13 @@ TEST_F(LayoutTest, WidgetsAreWhateverTheBehavioursBuild) {
 TEST_F(LayoutTest, ARestrictedEditorDisablesTheRatioTweakerOfScaleUAndTheTypeWidget) {
   for (const bool restricted : {false, true}) {
     KEPRshShaderImmLayout* editor =
-        Edit(Node(restricted ? "restricted" : "free", {"scale_u", "type", "scale_v"}),
-             restricted);
+        Edit(Node(restricted ? "restricted" : "free", {"scale_u", "type", "scale_v"}), restricted);
     EXPECT_EQ(editor->IsRestricted(), restricted);
     const KEPVidWidget* grid = At(editor, "ParameterNoGroupLayout");
-    const std::tuple<const char*, bool, bool> rows[] = {
-        // widget, its tweaker
-        {"ParameterWidget0", true, !restricted},
-        {"ParameterWidget1", !restricted, true},
-        {"ParameterWidget2", true, true}};
+    const std::tuple<const char*, bool, bool> rows[] = {// widget, its tweaker
+                                                        {"ParameterWidget0", true, !restricted},
+                                                        {"ParameterWidget1", !restricted, true},
+                                                        {"ParameterWidget2", true, true}};
     for (const auto& [name, widgetSensitive, tweakerSensitive] : rows) {
       const KEPVidWidget* widget = Child(grid, name);
       ASSERT_NE(widget, nullptr);
@@ -171,9 +170,9 @@ TEST_F(LayoutTest, ConnectableParametersOfMaterialLikeNodesGetAConnectionColumn)
 
 TEST_F(LayoutTest, TheConnectionButtonFollowsTheParametersConnection) {
   TheWorld().Add(Type("kep_phen_texture").Param("gamma", Scalar(1)));
-  KEPHostShaderNode* node = Node("mia_phen_material", {"plain", "linked", "after"},
-                                 {{"plain.ConnectableState", "Yes"},
-                                  {"linked.ConnectableState", "Yes"}});
+  KEPHostShaderNode* node =
+      Node("mia_phen_material", {"plain", "linked", "after"},
+           {{"plain.ConnectableState", "Yes"}, {"linked.ConnectableState", "Yes"}});
   KEPHostShaderNode* texture = TheWorld().Node("kep_phen_texture", "tiles");
   texture->SetAlias(KEPUnicodeString::FromUTF8("Floor tiles"));
   ASSERT_EQ(TheWorld().Param(node, "linked")->SetConnectedShader(texture), S_OK);

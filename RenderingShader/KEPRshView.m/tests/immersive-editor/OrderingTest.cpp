@@ -45,9 +45,8 @@ TEST(QuickSortTest, AnInconsistentComparatorKeepsEveryElementAndFinishes) {
     std::vector<int*> pointers;
     for (int& value : values) pointers.push_back(&value);
     // Answers at random, even about an element against itself.
-    KEPRshQuickSort(pointers, [&random](const int*, const int*) {
-      return static_cast<int>(random() % 3) - 1;
-    });
+    KEPRshQuickSort(
+        pointers, [&random](const int*, const int*) { return static_cast<int>(random() % 3) - 1; });
     std::vector<int> seen;
     for (const int* pointer : pointers) seen.push_back(*pointer);
     std::sort(seen.begin(), seen.end());
@@ -58,7 +57,7 @@ TEST(QuickSortTest, AnInconsistentComparatorKeepsEveryElementAndFinishes) {
 TEST(ParameterOrderingTest, NamesCompareByteWiseAndAMissingNameFirst) {
   const KEPString a = "a", b = "b", upper = "B", accented = "\xC3\xA9", empty;
   const std::tuple<const KEPString*, const KEPString*, int> cases[] = {
-      {&a, &b, -1},       {&b, &a, 1},         {&a, &a, 0},        {&upper, &a, -1},
+      {&a, &b, -1},       {&b, &a, 1},           {&a, &a, 0},          {&upper, &a, -1},
       {&accented, &b, 1},  // bytes compare unsigned: 0xC3 after 'b'
       {&empty, &a, -1},   {nullptr, &empty, -1}, {&empty, nullptr, 1}, {nullptr, nullptr, 0}};
   for (const auto& [lhs, rhs, expected] : cases)
