@@ -150,8 +150,8 @@ void KEPRshParameterGrouping::ReadParameters(KEPIRshShader* shader) {
     entries.push_back(KEP_var<KEPIRshParameter>::Adopt((*list)[i]));
 
   parameters_.reserve(entries.size());
-  for (const KEP_var<KEPIRshParameter>& entry : entries) {
-    KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(entry);
+  for (KEP_var<KEPIRshParameter>& parameter : entries) {
+    // The list is typed: an entry is a parameter unless it is null.
     KEP_ASSERT_FATAL(
         parameter != NULL_var,
         "( parameter != NULL_var ) && \"parameter from parameter list is not a KEPIRshParameter\"",
