@@ -3,11 +3,13 @@
 // Each subsystem registers its own extensions.
 void KEPRshRegisterMetadata();
 void KEPRshRegisterHardware();
+void KEPRshRegisterControls();
 void KEPRshRegisterImmersiveEditor();
 
 extern "C" void KEPRshViewRegister() {
   KEPRshRegisterMetadata();
   KEPRshRegisterHardware();
+  KEPRshRegisterControls();
   KEPRshRegisterImmersiveEditor();
 }
 

@@ -105,7 +105,7 @@ TEST(RshviewParams, TextShowsTheFirstMaterialsMetadata) {
   EXPECT_NE(scale.find("  soft range      10 .. 500\n"), std::string::npos) << scale;
   EXPECT_NE(scale.find("  hard range      0.001 .. 100000\n"), std::string::npos) << scale;
   EXPECT_NE(scale.find("  unit            mm, symbol mm, factor 1\n"), std::string::npos) << scale;
-  EXPECT_NE(scale.find("  magnitude       LENGTH\n"), std::string::npos) << scale;
+  EXPECT_NE(scale.find("  magnitude       length\n"), std::string::npos) << scale;
   EXPECT_NE(scale.find("  group           Group3 \"Mapping\"\n"), std::string::npos) << scale;
 
   const std::string slot = Block(run.out, "default_slot_diffuse_texture");
@@ -150,7 +150,7 @@ TEST(RshviewParams, JsonOfANodeAndOfAllNodes) {
   const auto thickness = find("cutout_thickness");
   EXPECT_EQ(thickness["unit"]["name"], "cm");
   EXPECT_EQ(thickness["unit"]["factor"], 10.0);
-  EXPECT_EQ(find("_uv_angle")["magnitude"]["name"], "ANGLE");
+  EXPECT_EQ(find("_uv_angle")["magnitude"]["name"], "angle");
   EXPECT_EQ(find("anisotropy_direction")["labels"], nlohmann::json({"X", "Y", "Z"}));
   EXPECT_EQ(find("refl_gloss")["connectable"], "No");
   EXPECT_EQ(find("diffuse")["connectable"], "Yes");

@@ -12,8 +12,7 @@
 class KEPVidCtlImageCombo : public KEPVidCtl {
   KEP_DECLARE_CLASS
  public:
-  explicit KEPVidCtlImageCombo(KEPVidWidget* father = nullptr,
-                               const KEPString& name = KEPString());
+  explicit KEPVidCtlImageCombo(KEPVidWidget* father = nullptr, const KEPString& name = KEPString());
   /// Appends an entry; returns its index.
   int AddItem(const KEPUnicodeString& label, const KEPString& image = KEPString());
   /// Removes every entry; the selection becomes -1 (raising Selected if it was not).

@@ -21,6 +21,11 @@ class KEPRshParameterScalarImmLayout : public KEPRshParameterImmLayout {
   HRESULT GetSoftRange(double& min, double& max) override;
   HRESULT GetSecondaryParameterName(KEPString& name) override;
   HRESULT GetHardRange(double& min, double& max) override;
+  /// Builds the control of the configured kind: "ratio" the ratio control over this parameter and
+  /// the sibling named by ".SecondaryParameter", "dynamic-slider" the soft and hard range control
+  /// (both styled from "KEPRshUI.sypstyle"), any other kind the scalar widget. Traces the kind and
+  /// the outcome on the layout's trace channel.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
 
  protected:
   KEPRshParameterScalarImmLayout() = default;

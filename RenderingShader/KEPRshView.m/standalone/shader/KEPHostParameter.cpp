@@ -208,6 +208,17 @@ HRESULT KEPHostParameter::GetConnectedShader(KEPIRshShader*& shader) {
   return S_OK;
 }
 
+void KEPHostParameter::DetachFather() {
+  KEPRdgRenderLock lock;
+  if (auto* old = dynamic_cast<KEPHostShaderNode*>(connected_.Get())) {
+    old->RemovePointing(this);
+    connected_.Reset();
+    KEPRshParameterServices::NoteConnectionChange();
+    Wrote();
+  }
+  father_ = nullptr;
+}
+
 HRESULT KEPHostParameter::SetConnectedShader(KEPIRshShader* shader) {
   auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
   if (shader && !node) return E_INVALIDARG;

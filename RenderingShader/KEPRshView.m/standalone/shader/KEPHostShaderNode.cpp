@@ -27,11 +27,7 @@ KEPHostShaderNode::~KEPHostShaderNode() {
   KEPRdgRenderLock lock;
   // Parameters connected to this node lose their connection now.
   if (!pointing_.empty()) KEPRshParameterServices::NoteConnectionChange();
-  for (auto& parameter : parameters_) {
-    KEPIRshShader* none = nullptr;
-    parameter->SetConnectedShader(none);
-    parameter->DetachFather();
-  }
+  for (auto& parameter : parameters_) parameter->DetachFather();
 }
 
 HRESULT KEPHostShaderNode::GetId(KEPString& id) {

@@ -54,8 +54,9 @@ class KEPHostParameter : public KEPBaseUnknown,
   /// Replaces the whole value (type included); for loaders and tests.
   void SetValue(KEPHostValue value) { value_ = std::move(value); }
   KEPHostShaderNode* Father() const { return father_; }
-  /// Called by the father when it goes away.
-  void DetachFather() { father_ = nullptr; }
+  /// Called by the father when it goes away: the parameter lets go of its connection without
+  /// announcing it (the observers would meet a node in the middle of its destruction).
+  void DetachFather();
   /// Number of value writes so far; lets a viewer tell that something changed.
   unsigned long long WriteCount() const { return writes_; }
 

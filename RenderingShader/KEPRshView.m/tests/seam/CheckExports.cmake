@@ -1,5 +1,6 @@
-# The module's shared library exports its entry point, its interface adapter factories and the
-# classes marked for export, and nothing else. Variables: LIBRARY, NM.
+# The module's shared library exports its entry point, its interface adapter factories, its
+# introspection factories and the classes marked for export, and nothing else.
+# Variables: LIBRARY, NM.
 execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} RESULT_VARIABLE result
                 OUTPUT_VARIABLE output ERROR_VARIABLE error)
 if(NOT result EQUAL 0)
@@ -13,7 +14,7 @@ foreach(line IN LISTS lines)
     continue()
   endif()
   string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" symbol "${line}")
-  if(NOT symbol MATCHES "^(KEPRshViewRegister$|CreateTIE|KEPRsh|vtable for KEPRsh|vtable for KEPI|typeinfo (name )?for KEP)")
+  if(NOT symbol MATCHES "^(KEPRshViewRegister$|CreateTIE|CreateBOA|fctCreate|KEPRsh|vtable for KEPRsh|vtable for KEPI|typeinfo (name )?for KEP)")
     message(FATAL_ERROR "${LIBRARY} exports ${symbol}")
   endif()
   math(EXPR count "${count} + 1")
@@ -22,7 +23,8 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 # What a host needs: the entry point, an adapter factory per registered behaviour and material
-# interface (21 so far), the module's shared rule, and the exported class's life cycle.
+# interface (21 so far), the module's shared rule, the exported class's life cycle, and the
+# introspectable controls' metaclass builders and adapter.
 foreach(required IN ITEMS "KEPRshViewRegister"
                           "KEPRshIsPhysicalShaderType(std::basic_string_view"
                           "KEPRshShaderHardwareExt::KEPRshShaderHardwareExt(KEPRshShaderHardwareExt const&)"
@@ -32,7 +34,10 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink"
                           "CreateTIEKEPIRshParameterImmLayoutKEPRshParameterScalarImmLayout"
                           "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog"
-                          "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout")
+                          "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout"
+                          "fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder"
+                          "fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder"
+                          "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro")
   string(FIND "${output}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
