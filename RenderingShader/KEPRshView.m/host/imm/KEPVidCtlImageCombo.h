@@ -18,8 +18,12 @@ class KEPVidCtlImageCombo : public KEPVidCtl {
   /// Removes every entry; the selection becomes -1 (raising Selected if it was not).
   void ClearItems();
   int GetItemCount() const { return static_cast<int>(items_.size()); }
-  const KEPUnicodeString& GetItemLabel(int index) const { return items_[index].label; }
-  const KEPString& GetItemImage(int index) const { return items_[index].image; }
+  const KEPUnicodeString& GetItemLabel(int index) const {
+    return items_[static_cast<std::size_t>(index)].label;
+  }
+  const KEPString& GetItemImage(int index) const {
+    return items_[static_cast<std::size_t>(index)].image;
+  }
   /// Selects entry `index`; an index outside the entries selects nothing (-1).
   void SetSelect(int index);
   int GetSelect() const { return selected_; }

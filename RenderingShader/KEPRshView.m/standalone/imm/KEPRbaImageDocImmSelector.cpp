@@ -115,8 +115,8 @@ HRESULT KEPRbaImageDocImmSelector::InjectUserEvent(KEPVidAction action, std::str
     if (key == "groups") which = 1;
     if (key == "dpi") which = 2;
     if (which < 0) {
-      return KEPVidRefuse(
-          this, KEPVidQuote(key) + " is not a choice (image=PATH groups=a,b dpi=N)", error);
+      return KEPVidRefuse(this, KEPVidQuote(key) + " is not a choice (image=PATH groups=a,b dpi=N)",
+                          error);
     }
     if (seen[which]) return KEPVidRefuse(this, KEPVidQuote(key) + " is given twice", error);
     seen[which] = true;

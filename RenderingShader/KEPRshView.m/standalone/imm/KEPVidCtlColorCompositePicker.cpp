@@ -72,8 +72,7 @@ HRESULT KEPVidCtlColorCompositePicker::InjectUserEvent(KEPVidAction action,
     const std::size_t blank = rest.find_first_of(" \t");
     const std::string_view word = rest.substr(0, blank);
     if (count == 4) {
-      return KEPVidRefuse(this, KEPVidQuote(argument) + " has more than four components",
-                          error);
+      return KEPVidRefuse(this, KEPVidQuote(argument) + " has more than four components", error);
     }
     double value = 0.0;
     std::string problem;

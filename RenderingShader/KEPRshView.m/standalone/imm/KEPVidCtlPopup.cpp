@@ -63,8 +63,7 @@ HRESULT KEPVidCtlPopup::InjectUserEvent(KEPVidAction action, std::string_view ar
     return KEPVidRefuseAction(this, action, error);
   // A closed popup is hidden by nature: a person opens it through its anchor, so only its
   // ancestors' visibility counts for opening.
-  if (!KEPVidCheckReachable(this, action, error, action == KEPVidAction::Open))
-    return E_INVALIDARG;
+  if (!KEPVidCheckReachable(this, action, error, action == KEPVidAction::Open)) return E_INVALIDARG;
   if (FAILED(KEPVidCheckNoArgument(this, action, argument, error))) return E_INVALIDARG;
   if (action == KEPVidAction::Open)
     Open();

@@ -55,8 +55,8 @@ void AppendUtf16(std::string& out, const std::u16string& text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t c = text[i];
     if (c >= 0xD800 && c <= 0xDFFF) {
-      const bool paired = c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 &&
-                          text[i + 1] <= 0xDFFF;
+      const bool paired =
+          c <= 0xDBFF && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
       if (paired) {
         c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00u);
       } else {
@@ -93,13 +93,27 @@ void AppendEscaped(std::string& out, std::string_view text) {
     out.append(text.substr(start, i - start));
     start = i + 1;
     switch (byte) {
-      case '"': out += "\\\""; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      case '\t': out += "\\t"; break;
-      case '\b': out += "\\b"; break;
-      case '\f': out += "\\f"; break;
+      case '"':
+        out += "\\\"";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      case '\b':
+        out += "\\b";
+        break;
+      case '\f':
+        out += "\\f";
+        break;
       default:
         out += "\\u00";
         out += kHex[byte >> 4];
@@ -394,7 +408,8 @@ void WriteValue(Sink& sink, const KEPSYPValue& value) {
           // An interface: a unit or magnitude by its name, anything else by its class.
           KEPIUnknown* object = v.Get();
           if (!object) return sink.Null();
-          if (auto* unit = dynamic_cast<KEPICkeUnit*>(object)) return sink.String16(unit->Name().Str());
+          if (auto* unit = dynamic_cast<KEPICkeUnit*>(object))
+            return sink.String16(unit->Name().Str());
           if (auto* magnitude = dynamic_cast<KEPICkeMagnitude*>(object))
             return sink.String16(magnitude->Name().Str());
           if (auto* base = dynamic_cast<KEPBaseUnknown*>(object))
@@ -784,9 +799,9 @@ HRESULT KEPVidInject(KEPVidWidget* root, std::string_view path, KEPVidAction act
 
 bool KEPVidParseAction(std::string_view word, KEPVidAction& action) {
   static constexpr KEPVidAction kActions[] = {
-      KEPVidAction::Set,      KEPVidAction::Type,   KEPVidAction::Press, KEPVidAction::Toggle,
-      KEPVidAction::Select,   KEPVidAction::Expand, KEPVidAction::Collapse,
-      KEPVidAction::Color,    KEPVidAction::Choose, KEPVidAction::Open,  KEPVidAction::Close};
+      KEPVidAction::Set,    KEPVidAction::Type,   KEPVidAction::Press,    KEPVidAction::Toggle,
+      KEPVidAction::Select, KEPVidAction::Expand, KEPVidAction::Collapse, KEPVidAction::Color,
+      KEPVidAction::Choose, KEPVidAction::Open,   KEPVidAction::Close};
   const std::string lower = KEPToLower(KEPTrimBlanks(word));
   for (const KEPVidAction candidate : kActions) {
     if (lower == KEPVidActionWord(candidate)) {

@@ -19,17 +19,28 @@ std::string_view WithoutPlus(std::string_view text) {
 
 const char* KEPVidActionWord(KEPVidAction action) {
   switch (action) {
-    case KEPVidAction::Set: return "set";
-    case KEPVidAction::Type: return "type";
-    case KEPVidAction::Press: return "press";
-    case KEPVidAction::Toggle: return "toggle";
-    case KEPVidAction::Select: return "select";
-    case KEPVidAction::Expand: return "expand";
-    case KEPVidAction::Collapse: return "collapse";
-    case KEPVidAction::Color: return "color";
-    case KEPVidAction::Choose: return "choose";
-    case KEPVidAction::Open: return "open";
-    case KEPVidAction::Close: return "close";
+    case KEPVidAction::Set:
+      return "set";
+    case KEPVidAction::Type:
+      return "type";
+    case KEPVidAction::Press:
+      return "press";
+    case KEPVidAction::Toggle:
+      return "toggle";
+    case KEPVidAction::Select:
+      return "select";
+    case KEPVidAction::Expand:
+      return "expand";
+    case KEPVidAction::Collapse:
+      return "collapse";
+    case KEPVidAction::Color:
+      return "color";
+    case KEPVidAction::Choose:
+      return "choose";
+    case KEPVidAction::Open:
+      return "open";
+    case KEPVidAction::Close:
+      return "close";
   }
   return "unknown action";
 }

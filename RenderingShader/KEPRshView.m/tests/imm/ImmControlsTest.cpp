@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "KEPRbaImageDocImmSelector.h"
 #include "KEPTestSupport.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlCheckBox.h"
@@ -19,7 +20,6 @@
 #include "KEPVidCtlSlider.h"
 #include "KEPVidCtlSpinBox.h"
 #include "KEPVidLayGrid.h"
-#include "KEPRbaImageDocImmSelector.h"
 #include "KEP_var.h"
 
 namespace {
@@ -59,8 +59,8 @@ TEST_F(ImmControls, SliderKeepsItsValueInsideItsRange) {
   struct Case {
     int minimum, maximum, set, expected;
   } cases[] = {
-      {0, 100, 150, 100}, {0, 100, -5, 0},  {0, 100, 100, 100},
-      {-10, 10, -11, -10}, {10, 5, 7, 10}, {10, 5, 3, 10},  // an empty range holds its minimum
+      {0, 100, 150, 100},  {0, 100, -5, 0}, {0, 100, 100, 100},
+      {-10, 10, -11, -10}, {10, 5, 7, 10},  {10, 5, 3, 10},  // an empty range holds its minimum
   };
   for (const Case& c : cases) {
     slider->SetRange(c.minimum, c.maximum);
@@ -240,9 +240,9 @@ TEST_F(ImmControls, ColourPickerReadsChannelsInZeroToOne) {
     const char* argument;
     const char* problem;
   } bad[] = {
-      {"1 2 0", "\"2\" is outside 0..1"},      {"1 0", "is not a colour"},
-      {"1 0 0 1 1", "more than four"},         {"red green blue", "\"red\" is not a number"},
-      {"0 0 nan", "is not a finite number"},   {"", "is not a colour"},
+      {"1 2 0", "\"2\" is outside 0..1"},    {"1 0", "is not a colour"},
+      {"1 0 0 1 1", "more than four"},       {"red green blue", "\"red\" is not a number"},
+      {"0 0 nan", "is not a finite number"}, {"", "is not a colour"},
   };
   for (const Bad& b : bad) {
     std::string error;
@@ -261,9 +261,9 @@ TEST_F(ImmControls, ImageSelectorTakesOneChoiceAsOneChange) {
   EXPECT_EQ(selector->GetResolution(), 72.0);
   int modified = 0;
   Count(selector, KEPVidEvent::EditModify, &modified);
-  EXPECT_EQ(Inject(selector, KEPVidAction::Choose,
-                   "image=\"my wood.png\" groups=bark,,rings dpi=150"),
-            S_OK);
+  EXPECT_EQ(
+      Inject(selector, KEPVidAction::Choose, "image=\"my wood.png\" groups=bark,,rings dpi=150"),
+      S_OK);
   EXPECT_EQ(modified, 1);
   EXPECT_EQ(selector->GetImage(), "my wood.png");
   EXPECT_EQ(selector->GetLayerGroups(), (std::vector<KEPString>{"bark", "rings"}));
@@ -275,8 +275,8 @@ TEST_F(ImmControls, ImageSelectorTakesOneChoiceAsOneChange) {
     const char* argument;
     const char* problem;
   } bad[] = {
-      {"image=a.png dpi=0", "not positive"},  {"size=3", "\"size\" is not a choice"},
-      {"dpi=2 dpi=3", "given twice"},         {"image=\"open", "not closed"},
+      {"image=a.png dpi=0", "not positive"},   {"size=3", "\"size\" is not a choice"},
+      {"dpi=2 dpi=3", "given twice"},          {"image=\"open", "not closed"},
       {"groups", "not of the form key=value"}, {"  ", "nothing to choose"},
   };
   for (const Bad& b : bad) {

@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "KEPParmDictionary.h"
+#include "KEPSYPMetaClass.h"
 #include "KEPTestSupport.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlEditor.h"
@@ -15,9 +17,22 @@
 #include "KEPVidTree.h"
 #include "KEP_var.h"
 
+namespace immjson {
+
+// A control whose class registers introspected properties of every kind.
+class Swatch : public KEPVidCtl {
+  KEP_DECLARE_CLASS
+ public:
+  using KEPVidCtl::KEPVidCtl;
+};
+KEP_IMPLEMENT_CLASS(Swatch, KEPVidCtl, "Test")
+
+}  // namespace immjson
+
 namespace {
 
 using Root = KEP_var<KEPVidWidget>;
+using immjson::Swatch;
 
 // The shape the editor builds for one group with one scalar row.
 struct EditorTree {
@@ -66,8 +81,7 @@ TEST_F(ImmPaths, PathsMayLeaveOutIntermediateLayouts) {
     EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), c.path, error), c.expected) << c.path << error;
     if (c.expected != tree.root.Get()) {
       // The path the tree reports for a widget leads back to it.
-      EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), KEPVidPathOf(tree.root.Get(), c.expected),
-                                 error),
+      EXPECT_EQ(KEPVidFindByPath(tree.root.Get(), KEPVidPathOf(tree.root.Get(), c.expected), error),
                 c.expected);
     }
   }
@@ -85,8 +99,9 @@ TEST_F(ImmPaths, AnUnresolvedPathSaysWhichSegmentAndWhatIsThere) {
       {"ParameterGroup0/Nope/scalarSlider",
        "widget path \"ParameterGroup0/Nope/scalarSlider\": segment 2 \"Nope\" names no widget "
        "below KEPVidCtlExpander \"ParameterGroup0\" (available: ParameterGroup0Layout)"},
-      {"Missing", "segment 1 \"Missing\" names no widget below the root (available: "
-                  "ParameterGroup0)"},
+      {"Missing",
+       "segment 1 \"Missing\" names no widget below the root (available: "
+       "ParameterGroup0)"},
       {"ParameterGroup0//scalarSlider", "segment 2 is empty"},
       {"/ParameterGroup0", "segment 1 is empty"},
       {"ParameterGroup0/", "segment 2 is empty"},
@@ -104,29 +119,28 @@ TEST_F(ImmPaths, AnUnresolvedPathSaysWhichSegmentAndWhatIsThere) {
 TEST_F(ImmPaths, InjectionByPathActsAsAPersonAndNamesThePathWhenRefused) {
   EditorTree tree;
   int changed = 0;
-  tree.slider->AddHandler(KEPVidEvent::ValueChanged, [&](KEPVidWidget*, KEPVidEvent) { ++changed; });
+  tree.slider->AddHandler(KEPVidEvent::ValueChanged,
+                          [&](KEPVidWidget*, KEPVidEvent) { ++changed; });
   std::string error;
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set,
-                         "75", error),
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set, "75",
+                         error),
             S_OK);
   EXPECT_EQ(tree.slider->GetValue(), 75);
   EXPECT_EQ(changed, 1);
 
   tree.group->SetSensitivity(false);
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set,
-                         "10", error),
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "ParameterWidget0/scalarSlider", KEPVidAction::Set, "10",
+                         error),
             E_INVALIDARG);
-  EXPECT_EQ(error.rfind("ParameterWidget0/scalarSlider: KEPVidCtlSlider \"scalarSlider\": ", 0),
-            0u)
+  EXPECT_EQ(error.rfind("ParameterWidget0/scalarSlider: KEPVidCtlSlider \"scalarSlider\": ", 0), 0u)
       << error;
-  EXPECT_EQ(KEPVidInject(tree.root.Get(), "nowhere", KEPVidAction::Press, "", error),
-            E_INVALIDARG);
+  EXPECT_EQ(KEPVidInject(tree.root.Get(), "nowhere", KEPVidAction::Press, "", error), E_INVALIDARG);
   EXPECT_NE(error.find("segment 1 \"nowhere\""), std::string::npos);
   EXPECT_EQ(tree.slider->GetValue(), 75);
 }
 
 TEST_F(ImmPaths, ActionWordsReadBothWays) {
-  const char* words[] = {"set",    "type",  "press",  "toggle", "select", "expand",
+  const char* words[] = {"set",      "type",  "press",  "toggle", "select", "expand",
                          "collapse", "color", "choose", "open",   "close"};
   for (int i = 0; i < 11; ++i) {
     KEPVidAction action = KEPVidAction::Set;
@@ -196,6 +210,42 @@ TEST_F(ImmPaths, JsonTextIsTheSameDocumentAndSurvivesBadInput) {
   EXPECT_TRUE(scalar["children"][0]["tooltipDelay"].is_null());
   EXPECT_EQ(scalar["children"][0]["tooltip"], "quote \" backslash \\ tab \t end");
   EXPECT_EQ(KEPVidToJsonText(nullptr), "null");
+}
+
+TEST_F(ImmPaths, JsonListsTheIntrospectedPropertiesOfAControl) {
+  static const KEPSYPPropertyEntry kProperties[] = {
+      {"On", "bool", [](KEPBaseUnknown*) -> KEPSYPValue { return true; }, nullptr},
+      {"Count", "int", [](KEPBaseUnknown*) -> KEPSYPValue { return 3; }, nullptr},
+      {"Ratio", "double", [](KEPBaseUnknown*) -> KEPSYPValue { return NAN; }, nullptr},
+      {"Title", "string", [](KEPBaseUnknown*) -> KEPSYPValue { return KEPString("ok"); }, nullptr},
+      {"Point", "KEPMathPoint2D",
+       [](KEPBaseUnknown*) -> KEPSYPValue {
+         return KEPMathPoint2D{0.5, -1.0};
+       },
+       nullptr},
+      {"Unit", "KEPICkeUnit",
+       [](KEPBaseUnknown*) -> KEPSYPValue {
+         KEPICkeUnit* unit = KEPParmDictionary::FindUnit(u"cm");
+         unit->AddRef();
+         return KEPSYPBoxInterface(unit);
+       },
+       nullptr},
+      {"Nothing", "KEPICkeUnit", [](KEPBaseUnknown*) -> KEPSYPValue { return {}; }, nullptr},
+  };
+  KEPSYPRegistry::RegisterBuilder("Swatch", [](KEPSYPMetaClassBuilder& builder) -> HRESULT {
+    builder.SetClass("Swatch", nullptr, nullptr);
+    return builder.AddProperties(kProperties, 7);
+  });
+  Root root = Root::Adopt(new KEPVidLayGrid(nullptr, "root"));
+  new Swatch(root.Get(), "swatch");
+  new KEPVidCtlLabel(root.Get(), "label");
+  const nlohmann::json json = KEPVidToJson(root.Get());
+  EXPECT_EQ(json["children"][0]["properties"],
+            nlohmann::json::parse(R"({"On":true,"Count":3,"Ratio":null,"Title":"ok",
+              "Point":{"x":0.5,"y":-1.0},"Unit":"cm","Nothing":null})"));
+  EXPECT_FALSE(json["children"][1].contains("properties")) << "a class without a metaclass";
+  EXPECT_EQ(nlohmann::json::parse(KEPVidToJsonText(root.Get())), json);
+  KEPSYPRegistry::Clear();
 }
 
 TEST_F(ImmPaths, TextShowsOneWidgetALine) {

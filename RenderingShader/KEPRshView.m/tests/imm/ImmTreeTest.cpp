@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "KEPRbaImageDocImmSelector.h"
 #include "KEPTestSupport.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlCheckBox.h"
@@ -15,7 +16,6 @@
 #include "KEPVidCtlSlider.h"
 #include "KEPVidCtlSpinBox.h"
 #include "KEPVidLayGrid.h"
-#include "KEPRbaImageDocImmSelector.h"
 #include "KEP_var.h"
 
 namespace {
@@ -148,9 +148,8 @@ TEST_F(ImmTree, HandlersRunInOrderForTheirEventOnly) {
     calls.push_back(1);
   });
   slider->AddHandler(KEPVidEvent::Pressed, [&](KEPVidWidget*, KEPVidEvent) { calls.push_back(9); });
-  slider->AddHandler(KEPVidEvent::ValueChanged, [&](KEPVidWidget*, KEPVidEvent) {
-    calls.push_back(2);
-  });
+  slider->AddHandler(KEPVidEvent::ValueChanged,
+                     [&](KEPVidWidget*, KEPVidEvent) { calls.push_back(2); });
   EXPECT_EQ(slider->AddHandler(KEPVidEvent::ValueChanged, KEPVidHandler()), 0);
   slider->SetValue(5);
   EXPECT_EQ(calls, (std::vector<int>{1, 2}));
@@ -212,7 +211,8 @@ T* As(KEPVidWidget* w) {
 }
 
 const ChangeCase kChanges[] = {
-    {"slider", KEPVidEvent::ValueChanged, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlSlider(f, "w"); },
+    {"slider", KEPVidEvent::ValueChanged,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlSlider(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlSlider>(w)->SetValue(7); }},
     {"slider range", KEPVidEvent::ValueChanged,
      [](KEPVidWidget* f) -> KEPVidWidget* {
@@ -221,16 +221,20 @@ const ChangeCase kChanges[] = {
        return s;
      },
      [](KEPVidWidget* w) { As<KEPVidCtlSlider>(w)->SetRange(0, 10); }},
-    {"spin box", KEPVidEvent::ValueChanged, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlSpinBox(f, "w"); },
+    {"spin box", KEPVidEvent::ValueChanged,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlSpinBox(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlSpinBox>(w)->SetValue(3); }},
     {"double spin box", KEPVidEvent::ValueChanged,
      [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlDoubleSpinBox(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlDoubleSpinBox>(w)->SetValue(0.25); }},
-    {"editor value", KEPVidEvent::EditModify, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlEditor(f, "w"); },
+    {"editor value", KEPVidEvent::EditModify,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlEditor(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlEditor>(w)->SetValue(2.5); }},
-    {"editor text", KEPVidEvent::EditModify, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlEditor(f, "w"); },
+    {"editor text", KEPVidEvent::EditModify,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlEditor(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlEditor>(w)->SetText(u"hello"); }},
-    {"check box", KEPVidEvent::Toggled, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlCheckBox(f, "w"); },
+    {"check box", KEPVidEvent::Toggled,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlCheckBox(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlCheckBox>(w)->SetChecked(true); }},
     {"combo", KEPVidEvent::Selected,
      [](KEPVidWidget* f) -> KEPVidWidget* {
@@ -250,8 +254,11 @@ const ChangeCase kChanges[] = {
      [](KEPVidWidget* w) { As<KEPVidCtlImageCombo>(w)->ClearItems(); }},
     {"colour picker", KEPVidEvent::ColorChanged,
      [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlColorCompositePicker(f, "w"); },
-     [](KEPVidWidget* w) { As<KEPVidCtlColorCompositePicker>(w)->SetColor({1, 2, 3, 255}); }},
-    {"expander open", KEPVidEvent::Expanded, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlExpander(f, "w"); },
+     [](KEPVidWidget* w) {
+       As<KEPVidCtlColorCompositePicker>(w)->SetColor({1, 2, 3, 255});
+     }},
+    {"expander open", KEPVidEvent::Expanded,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlExpander(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlExpander>(w)->SetExpanded(true); }},
     {"expander close", KEPVidEvent::Collapsed,
      [](KEPVidWidget* f) -> KEPVidWidget* {
@@ -260,7 +267,8 @@ const ChangeCase kChanges[] = {
        return e;
      },
      [](KEPVidWidget* w) { As<KEPVidCtlExpander>(w)->SetExpanded(false); }},
-    {"popup open", KEPVidEvent::PopupOpened, [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlPopup(f, "w"); },
+    {"popup open", KEPVidEvent::PopupOpened,
+     [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPVidCtlPopup(f, "w"); },
      [](KEPVidWidget* w) { As<KEPVidCtlPopup>(w)->Open(); }},
     {"popup close", KEPVidEvent::PopupClosed,
      [](KEPVidWidget* f) -> KEPVidWidget* {
@@ -274,7 +282,9 @@ const ChangeCase kChanges[] = {
      [](KEPVidWidget* w) { As<KEPRbaImageDocImmSelector>(w)->SetImage("wood.png"); }},
     {"selector groups", KEPVidEvent::EditModify,
      [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPRbaImageDocImmSelector(f, "w"); },
-     [](KEPVidWidget* w) { As<KEPRbaImageDocImmSelector>(w)->SetLayerGroups({"a", "b"}); }},
+     [](KEPVidWidget* w) {
+       As<KEPRbaImageDocImmSelector>(w)->SetLayerGroups({"a", "b"});
+     }},
     {"selector dpi", KEPVidEvent::EditModify,
      [](KEPVidWidget* f) -> KEPVidWidget* { return new KEPRbaImageDocImmSelector(f, "w"); },
      [](KEPVidWidget* w) { As<KEPRbaImageDocImmSelector>(w)->SetResolution(300.0); }},
@@ -290,7 +300,8 @@ TEST_F(ImmTree, EveryChangeByCodeRaisesOnceAndTheSameStateRaisesNothing) {
     widget->AddHandler(c.event, [&](KEPVidWidget*, KEPVidEvent) { ++raised; });
     for (int e = 0; e <= static_cast<int>(KEPVidEvent::PopupClosed); ++e) {
       if (static_cast<KEPVidEvent>(e) != c.event)
-        widget->AddHandler(static_cast<KEPVidEvent>(e), [&](KEPVidWidget*, KEPVidEvent) { ++others; });
+        widget->AddHandler(static_cast<KEPVidEvent>(e),
+                           [&](KEPVidWidget*, KEPVidEvent) { ++others; });
     }
     c.change(widget);
     EXPECT_EQ(raised, 1);
