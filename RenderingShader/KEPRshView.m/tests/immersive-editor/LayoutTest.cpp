@@ -135,6 +135,30 @@ TEST_F(LayoutTest, ARestrictedEditorDisablesTheRatioTweakerOfScaleUAndTheTypeWid
   }
 }
 
+TEST_F(LayoutTest, TheRestrictionReachesTheTweakerOfTheModulesRatioWidget) {
+  KEPRshViewRegister();  // the module's scalar widgets
+  const Keys config = {{"scale_u.Widget", "ratio"},
+                       {"scale_u.SecondaryParameter", "scale_v"},
+                       {"scale_u.Min", "0"},
+                       {"scale_u.Max", "10"},
+                       {"scale_v.Min", "0"},
+                       {"scale_v.Max", "10"},
+                       {"type.Widget", "slider"},
+                       {"type.Min", "0"},
+                       {"type.Max", "3"}};
+  for (const bool restricted : {false, true}) {
+    KEPRshShaderImmLayout* editor =
+        Edit(Node(restricted ? "restricted" : "free", {"scale_u", "scale_v", "type"}, config),
+             restricted);
+    const KEPVidWidget* grid = At(editor, "ParameterNoGroupLayout");
+    const KEPVidWidget* tweaker = At(Child(grid, "ParameterWidget0"), "WidgetRatio/ValueTweaker");
+    ASSERT_NE(tweaker, nullptr);
+    EXPECT_EQ(tweaker->IsSensitive(), !restricted);
+    EXPECT_TRUE(Child(grid, "ParameterWidget0")->IsSensitive());
+    EXPECT_EQ(Child(grid, "ParameterWidget2")->IsSensitive(), !restricted);
+  }
+}
+
 TEST_F(LayoutTest, ConnectableParametersOfMaterialLikeNodesGetAConnectionColumn) {
   TheWorld().Connectable("KEPRmaColor", {{"kep_phen_texture", "Texture"}});
   struct Case {
