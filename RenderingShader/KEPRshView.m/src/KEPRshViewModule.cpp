@@ -4,11 +4,13 @@
 void KEPRshRegisterMetadata();
 void KEPRshRegisterHardware();
 void KEPRshRegisterControls();
+void KEPRshRegisterImmersiveEditor();
 
 extern "C" void KEPRshViewRegister() {
   KEPRshRegisterMetadata();
   KEPRshRegisterHardware();
   KEPRshRegisterControls();
+  KEPRshRegisterImmersiveEditor();
 }
 
 bool KEPRshIsPhysicalShaderType(std::string_view typeName) {

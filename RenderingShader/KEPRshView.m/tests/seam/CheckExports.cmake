@@ -23,7 +23,7 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 # What a host needs: the entry point, an adapter factory per registered behaviour and material
-# interface (20 so far), the module's shared rule, the exported class's life cycle, and the
+# interface (21 so far), the module's shared rule, the exported class's life cycle, and the
 # introspectable controls' metaclass builders and adapter.
 foreach(required IN ITEMS "KEPRshViewRegister"
                           "KEPRshIsPhysicalShaderType(std::basic_string_view"
@@ -34,6 +34,7 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "CreateTIEKEPIRshShaderLinkKEPRshShaderHardwareLink"
                           "CreateTIEKEPIRshParameterImmLayoutKEPRshParameterScalarImmLayout"
                           "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog"
+                          "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout"
                           "fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder"
                           "fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder"
                           "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro")
@@ -42,7 +43,7 @@ foreach(required IN ITEMS "KEPRshViewRegister"
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
   endif()
 endforeach()
-if(factories LESS 20)
-  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 20 registered")
+if(factories LESS 21)
+  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 21 registered")
 endif()
 message(STATUS "${count} exported symbols, all of them the module's own")
