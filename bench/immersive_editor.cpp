@@ -102,7 +102,7 @@ void BM_SerialiseEditor(benchmark::State& state) {
   }
   KEP_var<KEPVidLayGrid> root;
   KEPVidWidget* editor = scene.Build(root);
-  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJson(editor));
+  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJsonText(editor));
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_SerialiseEditor)

@@ -28,28 +28,34 @@ const char* const kRshviewDumpHelp =
 int RunDumpCommand(RshviewContext& context) {
   std::vector<KEPHostShaderNode*> nodes;
   if (const int code = RshviewSelectNodes(context, "dump", nodes)) return code;
-  nlohmann::ordered_json all = nlohmann::ordered_json::array();
-  for (KEPHostShaderNode* node : nodes) {
+  const bool json = context.options.format == "json";
+  const bool list = context.options.node == "all";
+  // The widget tree is written as JSON text directly: building a document first costs many
+  // times more for a large editor.
+  std::string text;
+  if (json && list) text += "{\"nodes\": [";
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    KEPHostShaderNode* node = nodes[i];
     RshviewEditor editor;
     std::string message;
     if (!editor.Build(node, context.options.restricted, message)) {
       context.err << "rshview dump: " << message << "\n";
       return 1;
     }
-    if (context.options.format == "json") {
-      all.push_back({{"node", node->Id()},
-                     {"type", node->TypeName()},
-                     {"editor", KEPVidToJson(editor.Editor())}});
+    if (json) {
+      const nlohmann::json id = node->Id(), type = node->TypeName();
+      const auto quoted = [](const nlohmann::json& value) {
+        return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+      };
+      text += (i ? ",\n" : "") + std::string("{\"node\": ") + quoted(id) +
+              ", \"type\": " + quoted(type) + ", \"editor\": " + KEPVidToJsonText(editor.Editor()) +
+              "}";
     } else {
-      if (nodes.size() > 1) context.out << "# node " << node->Id() << "\n";
-      context.out << KEPVidToText(editor.Editor());
+      if (list) text += "# node " + node->Id() + "\n";
+      text += KEPVidToText(editor.Editor());
     }
   }
-  if (context.options.format == "json") {
-    const auto& json = nodes.size() == 1 && context.options.node != "all"
-                           ? all.front()
-                           : nlohmann::ordered_json{{"nodes", all}};
-    context.out << json.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
-  }
+  if (json && list) text += "]}";
+  context.out << text << (json ? "\n" : "");
   return 0;
 }
