@@ -21,8 +21,8 @@ struct KEPMathPoint2D {
 
 /// A property value. Empty (std::monostate) means "no value": an unreadable property, or an
 /// interface property whose getter answered none.
-using KEPSYPValue =
-    std::variant<std::monostate, bool, int, double, KEPString, KEPMathPoint2D, KEP_var<KEPIUnknown>>;
+using KEPSYPValue = std::variant<std::monostate, bool, int, double, KEPString, KEPMathPoint2D,
+                                 KEP_var<KEPIUnknown>>;
 
 /// Boxes an interface pointer that the caller owns a reference of (adopted, null gives empty).
 inline KEPSYPValue KEPSYPBoxInterface(KEPIUnknown* adopted) {
