@@ -3,7 +3,7 @@
 # sanitizers) and runs each for a while, one after the other; prints the executions and any crash,
 # leak or sanitizer report per target, and fails when there was one.
 #   scripts/fuzz.sh [SECONDS-PER-TARGET] [TARGET...]    default 60 s and every target
-# Targets: json_reader configuration library document. Each runs on its seeds
+# Targets: json_reader configuration library document style_sheet. Each runs on its seeds
 # (build/fuzz/fuzz/seeds/TARGET) and its growing corpus (build/fuzz/corpus/TARGET); crash inputs
 # go to build/fuzz/artifacts/TARGET/ (replay one: build/fuzz/bin/fuzz_TARGET FILE).
 set -euo pipefail
@@ -12,7 +12,7 @@ cd "$(dirname "$0")/.."
 seconds=${1:-60}
 [ $# -gt 0 ] && shift
 targets=("$@")
-[ ${#targets[@]} -eq 0 ] && targets=(json_reader configuration library document)
+[ ${#targets[@]} -eq 0 ] && targets=(json_reader configuration library document style_sheet)
 [[ "$seconds" =~ ^[0-9]+$ ]] || { echo "seconds must be a number: $seconds" >&2; exit 2; }
 
 echo "=== fuzz: configure and build"

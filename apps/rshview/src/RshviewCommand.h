@@ -18,6 +18,9 @@ struct RshviewOptions {
   std::string format = "text";         ///< "text" or "json"
   bool trace = false;                  ///< print the module's traces to standard error
   bool sticker = false;                ///< material: sticker mode
+  bool restricted = false;             ///< dump, drive: the restricted immersive editor
+  std::string save;                    ///< drive: write the document here afterwards
+  std::string units;                   ///< dump, drive: display units for this run
   std::vector<std::string> arguments;  ///< what is left after the options
 };
 

@@ -6,6 +6,12 @@ const std::vector<RshviewCommand>& RshviewCommands() {
        &RunParamsCommand, false},
       {"material", "the viewer's material answers for a node", kRshviewMaterialHelp,
        &RunMaterialCommand, false},
+      {"dump", "the immersive editor's widget tree of a node", kRshviewDumpHelp, &RunDumpCommand,
+       false},
+      {"drive", "play a script of user events on a node's editor, printing each write",
+       kRshviewDriveHelp, &RunDriveCommand, false},
+      {"units", "the display units of lengths and angles, shown or chosen for good",
+       kRshviewUnitsHelp, &RunUnitsCommand, true},
       {"lint", "every error and warning of a library's files, with a hint", kRshviewLintHelp,
        &RunLintCommand, true},
   };

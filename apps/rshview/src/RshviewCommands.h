@@ -14,3 +14,15 @@ extern const char* const kRshviewMaterialHelp;
 /// `rshview lint`: every error and warning of a library's files.
 int RunLintCommand(RshviewContext& context);
 extern const char* const kRshviewLintHelp;
+
+/// `rshview dump`: the immersive editor's widget tree of a node.
+int RunDumpCommand(RshviewContext& context);
+extern const char* const kRshviewDumpHelp;
+
+/// `rshview drive`: a script of user events on a node's immersive editor.
+int RunDriveCommand(RshviewContext& context);
+extern const char* const kRshviewDriveHelp;
+
+/// `rshview units`: the display units, shown or chosen for good.
+int RunUnitsCommand(RshviewContext& context);
+extern const char* const kRshviewUnitsHelp;

@@ -17,6 +17,7 @@
 #include "KEPShaderLibraryLoader.h"
 #include "KEPTrace.h"
 #include "RshviewCommand.h"
+#include "RshviewUnits.h"
 
 #ifndef RSHVIEW_VERSION
 #define RSHVIEW_VERSION "0.1.0"
@@ -36,6 +37,8 @@ const char* const kGlobalOptions =
     "  --node ID            node to work on; default: the document's first material\n"
     "  --format text|json   output format; default: text\n"
     "  --trace              print the module's traces to standard error\n"
+    "  --units LIST         display units for this run, e.g. length=cm,angle=deg (dump, drive);\n"
+    "                       'rshview units' chooses them for good\n"
     "  -h, --help           help (of the command when given after it)\n"
     "\n"
     "The bundled samples are looked up in $RSHVIEW_SAMPLES, else in share/KEPRshView/samples\n"
@@ -120,6 +123,10 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
       sticker = true;
       continue;
     }
+    if (arg == "--restricted") {
+      parsed.options.restricted = true;
+      continue;
+    }
     if (arg.starts_with('-') && arg.size() > 1) {
       std::string name = arg;
       std::string value;
@@ -138,6 +145,10 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
         target = &parsed.options.node;
       else if (name == "--format")
         target = &parsed.options.format;
+      else if (name == "--save")
+        target = &parsed.options.save;
+      else if (name == "--units")
+        target = &parsed.options.units;
       else
         return UsageError(err, "unknown option '" + name + "'");
       if (!inlineValue) {
@@ -164,6 +175,14 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
   if (sticker && parsed.command && std::string(parsed.command->name) != "material")
     return UsageError(err, "--sticker applies to the material command only");
   parsed.options.sticker = sticker;
+  const std::string command = parsed.command ? parsed.command->name : "";
+  const bool editor = command == "dump" || command == "drive";
+  if (parsed.options.restricted && parsed.command && !editor)
+    return UsageError(err, "--restricted applies to the dump and drive commands only");
+  if (!parsed.options.units.empty() && parsed.command && !editor)
+    return UsageError(err, "--units applies to the dump and drive commands only");
+  if (!parsed.options.save.empty() && parsed.command && command != "drive")
+    return UsageError(err, "--save applies to the drive command only");
   return 0;
 }
 
@@ -228,6 +247,12 @@ int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& 
   KEPHostContext host;
   TraceGuard trace(parsed.options.trace, err);
   RshviewContext context{parsed.options, nullptr, {}, out, err, {}};
+  // The display units the person chose for good, then those of this run.
+  RshviewApplyStoredUnits(err);
+  if (!parsed.options.units.empty()) {
+    std::string message;
+    if (!RshviewApplyUnits(parsed.options.units, message)) return UsageError(err, message);
+  }
   if (!parsed.command->loadsFiles)
     if (const int code = Load(context)) return code;
   const int code = parsed.command->run(context);

@@ -41,7 +41,7 @@ class KEPSYPIntrospectableAdapter : public KEPISYPIntrospectable {
  public:
   /// The adapter of `object` (borrowed; the adapter does not keep it alive).
   explicit KEPSYPIntrospectableAdapter(KEPBaseUnknown* object);
-  virtual ~KEPSYPIntrospectableAdapter();
+  ~KEPSYPIntrospectableAdapter() override;
 
   // --- KEPIUnknown: the object's own count and interfaces.
   HRESULT QueryInterface(const KEPIID& iid, void** out) override;

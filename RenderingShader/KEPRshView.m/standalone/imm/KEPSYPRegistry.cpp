@@ -113,9 +113,7 @@ const KEPSYPMetaClass* KEPSYPRegistry::Find(std::string_view className) {
     case BuildState::Built:
       return it->second.metaclass.get();
     case BuildState::Failed:
-      return nullptr;
-    case BuildState::Building:
-      // The builder asked for its own class.
+    case BuildState::Building:  // the builder asked for its own class
       return nullptr;
     case BuildState::NotBuilt:
       break;

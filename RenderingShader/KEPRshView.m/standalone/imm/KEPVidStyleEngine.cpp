@@ -1,7 +1,9 @@
 #include "KEPVidStyleEngine.h"
 
 #include <filesystem>
+#include <map>
 
+#include "KEPHostContext.h"
 #include "KEPMsgCatalog.h"
 #include "KEPTrace.h"
 #include "KEPVidStyleSheet.h"
@@ -14,6 +16,24 @@ constexpr const char* kSource = "RenderingShader/KEPRshView.m/standalone/imm/KEP
 const KEPTrace& Trace() {
   static const KEPTrace trace("KEPVidStyle");
   return trace;
+}
+
+/// Where each sheet name leads in this host session (the resources directory may differ in the
+/// next one): every styled row of an editor asks for the same sheet.
+struct SheetPaths {
+  std::map<std::string, std::string, std::less<>> byName;
+};
+
+const std::string& PathOf(const std::string& sheet) {
+  auto& paths = KEPHostContext::State<SheetPaths>().byName;
+  auto it = paths.find(sheet);
+  if (it == paths.end()) {
+    std::string path = std::filesystem::path(sheet).is_absolute()
+                           ? sheet
+                           : KEPMsgCatalog::ResourcesDirectory() + "/" + sheet;
+    it = paths.emplace(sheet, std::move(path)).first;
+  }
+  return it->second;
 }
 
 }  // namespace
@@ -29,9 +49,7 @@ HRESULT KEPVidStyleEngine::Apply(KEPVidCtl& control, const std::string& sheet,
                   styleClass.c_str());
     return E_FAIL;
   }
-  const std::string path = std::filesystem::path(sheet).is_absolute()
-                               ? sheet
-                               : KEPMsgCatalog::ResourcesDirectory() + "/" + sheet;
+  const std::string& path = PathOf(sheet);
   KEPLoadResult result;
   bool firstRead = false;
   const auto parsed = KEPVidStyleSheet::Load(path, result, &firstRead);

@@ -278,7 +278,7 @@ class KEPVidStyleSheetParser {
     }
     const bool prefix = !quoted[1] && name.ends_with('*');
     if (prefix) name.pop_back();
-    const std::string written = tokens[1];
+    const std::string& written = tokens[1];
     if (!prefix && name.empty()) {
       Error(line, written, "a class needs a name");
       return Skip(line, written);

@@ -109,8 +109,10 @@ void KEPVidWidget::Raise(KEPVidEvent event) {
   // Handlers may remove handlers or add new ones while this runs: the walk goes by token, calls
   // only handlers that existed when it began and are still there, and calls a copy so that a
   // handler that removes itself is not destroyed while it runs. The widget holds itself alive
-  // in case a handler releases the last reference of its owner.
-  AddRef();
+  // in case a handler releases the last reference of its owner (not while it is being
+  // destroyed: a destructor that raises must not bring the count back to life).
+  const bool hold = GetRefCount() > 0;
+  if (hold) AddRef();
   const int last = nextToken_ - 1;
   int done = 0;
   for (;;) {
@@ -122,7 +124,7 @@ void KEPVidWidget::Raise(KEPVidEvent event) {
     const KEPVidHandler call = it->function;
     call(this, event);
   }
-  Release();
+  if (hold) Release();
 }
 
 void KEPVidWidget::DescribeState(KEPVidStateWriter& /*writer*/) const {

@@ -1,0 +1,215 @@
+// `rshview drive`: a script of user events played on a node's immersive editor, with every
+// parameter write it causes.
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <sstream>
+
+#include "KEPHostShaderNode.h"
+#include "KEPHostValueJson.h"
+#include "KEPRshModelEvents.h"
+#include "KEPShaderDocumentWriter.h"
+#include "KEPVidTree.h"
+#include "RshviewCommands.h"
+#include "RshviewEditor.h"
+
+const char* const kRshviewDriveHelp =
+    "Usage: rshview drive [--library DIR] [--doc FILE] [--node ID] [--restricted]\n"
+    "                     [--units length=UNIT,angle=UNIT] [--save FILE] [--format text|json]\n"
+    "                     [--trace] SCRIPT\n"
+    "\n"
+    "Opens the immersive editor of a node and plays SCRIPT on it, as a person would: one event\n"
+    "a line, 'ACTION PATH [ARGUMENT]', blank lines and lines starting with # ignored. SCRIPT '-'\n"
+    "reads standard input. PATH is a widget's path as 'rshview dump' shows it, from the editor\n"
+    "down (layouts in between may be left out). Actions:\n"
+    "  set PATH NUMBER        move a slider or spin box\n"
+    "  type PATH TEXT         type TEXT into an editor and confirm it\n"
+    "  press PATH             press a button\n"
+    "  toggle PATH [on|off]   tick or untick a check box (flip it without argument)\n"
+    "  select PATH ENTRY      choose a combo entry by index or label\n"
+    "  expand PATH            open a group;  collapse PATH  close it\n"
+    "  color PATH R G B [A]   choose a colour in a picker (0..1)\n"
+    "  choose PATH image=FILE groups=a,b dpi=N   choose an image, its layers, its resolution\n"
+    "  open PATH / close PATH show or hide a popup\n"
+    "\n"
+    "Prints each parameter write with the line that caused it: node.parameter: old -> new.\n"
+    "An event the widget refuses, or a path that does not resolve, stops the script with an\n"
+    "error naming the line (exit 1); nothing is saved then.\n"
+    "\n"
+    "  --save FILE     afterwards, write the document to FILE (atomically)\n"
+    "  --restricted    the restricted editor\n"
+    "  --units LIST    display units for this run (see 'rshview units')\n"
+    "  --trace         print the module's traces to standard error as the events run\n"
+    "\n"
+    "JSON: {\"node\", \"events\": [{line, action, path, argument, writes: [{node, parameter,\n"
+    "old, new}]}], \"saved\"}.\n";
+
+namespace {
+using Json = nlohmann::ordered_json;
+
+/// The text form of every parameter of the document, to tell old values from new ones.
+class ValueLog {
+ public:
+  explicit ValueLog(const KEPHostShaderDocument& document, std::string baseDir)
+      : baseDir_(std::move(baseDir)) {
+    for (const auto& node : document.Nodes())
+      for (const auto& parameter : node->Parameters()) values_[parameter.Get()] = Text(*parameter);
+  }
+  /// The write of `parameter`: {node, parameter, old, new}; the log keeps the new value.
+  Json Write(KEPIRshParameter* parameter) {
+    auto* host = dynamic_cast<KEPHostParameter*>(parameter);
+    Json write{{"node", nullptr}, {"parameter", nullptr}, {"old", nullptr}, {"new", nullptr}};
+    if (!host) return write;
+    KEPString name;
+    host->GetName(name);
+    write["node"] = host->Father() ? host->Father()->Id() : "";
+    write["parameter"] = name;
+    std::string now = Text(*host);
+    auto found = values_.find(host);
+    if (found != values_.end()) write["old"] = Json::parse(found->second, nullptr, false);
+    write["new"] = Json::parse(now, nullptr, false);
+    values_[host] = std::move(now);
+    return write;
+  }
+
+ private:
+  std::string Text(const KEPHostParameter& parameter) const {
+    return KEPHostValueJson::Write(parameter.Value(), baseDir_);
+  }
+  std::string baseDir_;
+  std::map<const KEPHostParameter*, std::string> values_;
+};
+
+std::string Compact(const Json& value) {
+  return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+struct Event {
+  int line;
+  std::string action;
+  std::string path;
+  std::string argument;
+};
+
+/// Splits "ACTION PATH [ARGUMENT...]"; false for a line without a path.
+bool ParseLine(const std::string& text, Event& event) {
+  std::istringstream in(text);
+  if (!(in >> event.action >> event.path)) return false;
+  std::string rest;
+  std::getline(in, rest);
+  event.argument = std::string(KEPTrimBlanks(rest));
+  return true;
+}
+
+}  // namespace
+
+int RunDriveCommand(RshviewContext& context) {
+  RshviewOptions& options = context.options;
+  if (options.arguments.size() != 1) {
+    context.err << "rshview drive: "
+                << (options.arguments.empty() ? "no SCRIPT given" : "one SCRIPT only")
+                << "\nTry 'rshview drive --help'.\n";
+    return 2;
+  }
+  const std::string script = options.arguments.front();
+  options.arguments.clear();
+  std::vector<KEPHostShaderNode*> nodes;
+  if (const int code = RshviewSelectNodes(context, "drive", nodes)) return code;
+  if (nodes.size() != 1) {
+    context.err << "rshview drive: drive one node at a time (--node ID)\n";
+    return 2;
+  }
+  KEPHostShaderNode* node = nodes.front();
+
+  std::ifstream file;
+  if (script != "-") {
+    file.open(script);
+    if (!file) {
+      context.err << "rshview drive: cannot read " << script << "\n";
+      return 1;
+    }
+  }
+  std::istream& in = script == "-" ? std::cin : file;
+  const std::string scriptName = script == "-" ? "<stdin>" : script;
+
+  RshviewEditor editor;
+  std::string message;
+  if (!editor.Build(node, options.restricted, message)) {
+    context.err << "rshview drive: " << message << "\n";
+    return 1;
+  }
+
+  ValueLog log(*context.document, std::filesystem::path(options.doc).parent_path().string());
+  std::vector<Json> writes;
+  const int observer = KEPRshModelEvents::AddParameterObserver(
+      [&](KEPIRshParameter* parameter, KEPRshParameterChangeKind) {
+        writes.push_back(log.Write(parameter));
+      });
+  struct Unobserve {
+    int token;
+    ~Unobserve() { KEPRshModelEvents::RemoveObserver(token); }
+  } unobserve{observer};
+
+  const bool json = options.format == "json";
+  Json events = Json::array();
+  std::string text;
+  int number = 0;
+  while (std::getline(in, text)) {
+    ++number;
+    const std::string_view line = KEPTrimBlanks(text);
+    if (line.empty() || line.front() == '#') continue;
+    Event event{number, {}, {}, {}};
+    const std::string where = scriptName + ":" + std::to_string(number) + ": ";
+    if (!ParseLine(std::string(line), event)) {
+      context.err << "rshview drive: " << where << "expected 'ACTION PATH [ARGUMENT]', got '"
+                  << line << "'\n";
+      return 1;
+    }
+    KEPVidAction action;
+    if (!KEPVidParseAction(event.action, action)) {
+      context.err << "rshview drive: " << where << "unknown action '" << event.action
+                  << "' (set, type, press, toggle, select, expand, collapse, color, choose, "
+                     "open, close)\n";
+      return 1;
+    }
+    writes.clear();
+    std::string error;
+    if (FAILED(KEPVidInject(editor.Editor(), event.path, action, event.argument, error))) {
+      context.err << "rshview drive: " << where << error << "\n";
+      return 1;
+    }
+    if (json) {
+      events.push_back({{"line", number},
+                        {"action", event.action},
+                        {"path", event.path},
+                        {"argument", event.argument},
+                        {"writes", writes}});
+    } else {
+      for (const Json& write : writes)
+        context.out << number << ": " << write["node"].get<std::string>() << "."
+                    << write["parameter"].get<std::string>() << ": " << Compact(write["old"])
+                    << " -> " << Compact(write["new"]) << "\n";
+    }
+  }
+  if (in.bad()) {
+    context.err << "rshview drive: cannot read " << scriptName << "\n";
+    return 1;
+  }
+
+  if (!options.save.empty()) {
+    const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*context.document, options.save);
+    for (const std::string& error : saved.Errors()) context.err << error << "\n";
+    if (!saved.Ok()) return 1;
+    if (!json) context.out << "saved " << options.save << "\n";
+  }
+  if (json) {
+    const Json result{{"node", node->Id()},
+                      {"events", events},
+                      {"saved", options.save.empty() ? Json(nullptr) : Json(options.save)}};
+    context.out << result.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+  }
+  return 0;
+}
