@@ -3,7 +3,6 @@
 // texture under a physical material, and what "GroupCount" reads as.
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -186,7 +185,9 @@ TEST_F(GroupingTest, TheRecordersLevelDecidesWhetherGroupsAreSorted) {
   for (const Case& c : cases) {
     Reset();  // a new session: the level is read again
     if (c.replayed) {
-      std::ofstream(record, std::ios::binary).write(c.replayed, std::strlen(c.replayed));
+      std::ofstream file(record, std::ios::binary);
+      file << c.replayed;
+      file.close();
       ASSERT_EQ(KEPHostRecorder::StartReplay(record), S_OK) << c.what;
     } else {
       ASSERT_EQ(KEPHostRecorder::StartCapture(record), S_OK);
