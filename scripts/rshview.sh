@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Builds rshview (optimised) when needed and runs it with the given arguments.
+#   scripts/rshview.sh dump              the editor of the bundled sample's first material
 #   scripts/rshview.sh params            the bundled sample's parameters
 #   scripts/rshview.sh material --node all
 set -euo pipefail

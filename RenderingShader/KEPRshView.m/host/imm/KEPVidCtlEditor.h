@@ -22,7 +22,8 @@ class KEPVidCtlEditor : public KEPVidCtl {
 
   void SetDataType(int type) { dataType_ = type; }
   int GetDataType() const { return dataType_; }
-  /// Sets the number and shows it as text ("%g" with up to 15 significant digits).
+  /// Sets the number and shows it as the shortest text that reads back as it (as a float when it
+  /// is exactly one: 0.8f shows "0.8").
   void SetValue(double value);
   double GetValue() const { return value_; }
   /// Sets the text; a numeric data type also reads it into the value when it can.

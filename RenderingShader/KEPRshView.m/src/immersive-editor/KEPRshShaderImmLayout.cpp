@@ -46,6 +46,13 @@ KEPUnicodeString DisplayName(KEPIUnknown* object, const KEPString& name) {
   return KEPUnicodeString::FromUTF8(name);
 }
 
+/// The shaders whose editors are being built, outermost first: a connection back to one of them
+/// (a cycle in the document) is labelled but not built again.
+std::vector<KEPIRshShader*>& ShadersInBuild() {
+  static std::vector<KEPIRshShader*> shaders;
+  return shaders;
+}
+
 bool AnyVisible(const std::vector<KEPRshLayoutParameter*>& parameters) {
   return std::any_of(parameters.begin(), parameters.end(),
                      [](KEPRshLayoutParameter* parameter) { return parameter->IsVisible(); });
@@ -57,12 +64,14 @@ KEPRshShaderImmLayout::KEPRshShaderImmLayout(KEPIRshShader* shader, KEPVidWidget
                                              const KEPString& name, bool restricted)
     : KEPVidLayGrid(parent, name), shader_(shader), trace_("KEPRmaUI"), restricted_(restricted) {
   SetParameterColumns(this);
+  ShadersInBuild().push_back(shader);
   try {
     Build();
   } catch (const std::exception& e) {  // no memory for a widget: the editor stays as far as built
-    trace_.Error(__FILE__, __LINE__, "Editor left incomplete { editor = %s, reason = %s }",
-                 name.c_str(), e.what());
+    trace_.Error(KEPRshShaderImmLayoutSource, __LINE__,
+                 "Editor left incomplete { editor = %s, reason = %s }", name.c_str(), e.what());
   }
+  ShadersInBuild().pop_back();
 }
 
 KEPRshShaderImmLayout::~KEPRshShaderImmLayout() = default;
@@ -132,7 +141,8 @@ KEPVidCtlExpander* KEPRshShaderImmLayout::CreateGroupExpander(const KEPRshGroupR
   const KEPString name = "ParameterGroup" + std::to_string(group.number);
   auto* expander = new (std::nothrow) KEPVidCtlExpander(this, name);
   if (!expander) {
-    trace_.Error(__FILE__, __LINE__, "Group not shown { group = %s, result = %s }", name.c_str(),
+    trace_.Error(KEPRshShaderImmLayoutSource, __LINE__,
+                 "Group not shown { group = %s, result = %s }", name.c_str(),
                  KEPResultName(E_OUTOFMEMORY));
     return nullptr;
   }
@@ -194,14 +204,15 @@ int KEPRshShaderImmLayout::AddParameterRow(KEPVidLayGrid* grid, int gridRow,
   if (FAILED(behaviour->GetConnectableState(connectable)) ||
       !KEPRshParameterGrouping::IsYes(connectable))
     return gridRow + 1;
-  AddConnection(grid, gridRow, number, parameter.Parameter());
+  AddConnection(grid, gridRow, number, parameter.Parameter(), widget);
   return gridRow + 2;
 }
 
 void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow, const KEPString& number,
-                                          KEPIRshParameter* parameter) {
+                                          KEPIRshParameter* parameter, KEPVidWidget* widget) {
   ConnectionRow row;
   row.parameter = parameter;
+  row.widget = widget;
   row.connector = new KEPVidCtlButton(grid, "ParameterConnection" + number);
   row.connector->SetGridCell({gridRow, 2, 1, 1, KEPVidAttach_None});
   // Below the row: the sub-shader's own editor goes into the expander's layout.
@@ -225,9 +236,17 @@ void KEPRshShaderImmLayout::ShowConnectionState(const ConnectionRow& row) {
   if (connected && FAILED(connected->GetId(connectedId))) connectedId.clear();
   row.connectedShaderWidget->SetLabel(connected ? DisplayName(connected.Get(), connectedId)
                                                 : KEPUnicodeString::FromUTF8(kNoShaderConnected));
-  // The row shows the sub-shader's editor only once a connection handler has built it there.
+  row.connectedShaderLayout->DeleteChildren();
+  // A connected sub-shader drives the parameter: its own editor shows below the row, and the
+  // row's value widget waits until it is disconnected.
+  if (row.widget) row.widget->SetSensitivity(!connected);
   row.connectedShaderWidget->SetExpanded(false);
-  row.connectedShaderWidget->SetVisibility(false);
+  row.connectedShaderWidget->SetVisibility(static_cast<bool>(connected));
+  if (!connected) return;
+  std::vector<KEPIRshShader*>& inBuild = ShadersInBuild();
+  if (std::find(inBuild.begin(), inBuild.end(), connected.Get()) != inBuild.end()) return;
+  new KEPRshShaderImmLayout(connected.Get(), row.connectedShaderLayout, "ConnectedShaderEditor",
+                            restricted_);
 }
 
 void KEPRshShaderImmLayout::OnGroupToggled(KEPVidWidget* sender, bool collapsed) const {

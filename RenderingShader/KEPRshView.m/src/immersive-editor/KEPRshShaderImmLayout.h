@@ -57,6 +57,7 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
     KEPVidCtlButton* connector = nullptr;                ///< "ParameterConnection" + n
     KEPVidCtlExpander* connectedShaderWidget = nullptr;  ///< "ParameterConnectedShader" + n
     KEPVidLayGrid* connectedShaderLayout = nullptr;      ///< inside it, for the sub-shader's editor
+    KEPVidWidget* widget = nullptr;                      ///< the row's value widget, or null
   };
 
   void Build();
@@ -70,9 +71,10 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
   int AddParameterRow(KEPVidLayGrid* grid, int gridRow, KEPRshLayoutParameter& parameter,
                       bool materialLike);
   void AddConnection(KEPVidLayGrid* grid, int gridRow, const KEPString& number,
-                     KEPIRshParameter* parameter);
-  /// Sets the button and the connected-shader row as the parameter's connection requires.
-  static void ShowConnectionState(const ConnectionRow& row);
+                     KEPIRshParameter* parameter, KEPVidWidget* widget);
+  /// Sets the button, the value widget and the connected-shader row as the parameter's
+  /// connection requires: a connected sub-shader's own editor shows in the row below.
+  void ShowConnectionState(const ConnectionRow& row);
   /// Writes 1 (collapsed) or 0 (expanded) under the preference key of the sender's group and
   /// commits the repository.
   void OnGroupToggled(KEPVidWidget* sender, bool collapsed) const;

@@ -1,5 +1,6 @@
 #include "KEPVidCtlEditor.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -19,6 +20,20 @@ bool ReadForType(int dataType, std::string_view text, double& value, std::string
   return KEPVidReadDouble(text, value, problem);
 }
 
+// The shortest text that reads back as `value`; a value that is exactly a single-precision float
+// (what parameters store) is written as that float's shortest text, so 0.8f shows as "0.8", not
+// as the digits of its double widening.
+std::string Shown(double value) {
+  char shown[64];
+  std::to_chars_result written{};
+  const auto narrow = static_cast<float>(value);
+  if (std::isfinite(value) && static_cast<double>(narrow) == value)
+    written = std::to_chars(shown, shown + sizeof shown, narrow);
+  else
+    written = std::to_chars(shown, shown + sizeof shown, value);
+  return std::string(shown, written.ptr);
+}
+
 bool IsNumeric(int dataType) {
   return dataType == KEPVidEditor_Integer || dataType == KEPVidEditor_Double;
 }
@@ -30,9 +45,7 @@ KEPVidCtlEditor::KEPVidCtlEditor(KEPVidWidget* father, const KEPString& name)
 KEPVidCtlEditor::~KEPVidCtlEditor() = default;
 
 void KEPVidCtlEditor::SetValue(double value) {
-  char shown[64];
-  std::snprintf(shown, sizeof shown, "%.15g", value);
-  const KEPUnicodeString text = KEPUnicodeString::FromUTF8(shown);
+  const KEPUnicodeString text = KEPUnicodeString::FromUTF8(Shown(value));
   if (KEPVidSameDouble(value, value_) && text == text_) return;
   value_ = value;
   text_ = text;

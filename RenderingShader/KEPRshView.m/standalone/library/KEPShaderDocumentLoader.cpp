@@ -17,6 +17,7 @@ struct NodeEntry {
   const KEPJsonValue* alias = nullptr;
   const KEPJsonValue* values = nullptr;
   const KEPJsonValue* connections = nullptr;
+  std::string container;  ///< id of the node whose subShaders list holds this one
   bool material = false;
 };
 
@@ -71,23 +72,24 @@ class Reader {
     return materials;
   }
 
-  void Collect(const KEPJsonValue& list, bool material) {
+  void Collect(const KEPJsonValue& list, bool material, const std::string& container = {}) {
     for (const KEPJsonValue& item : list.items) {
       if (nodes_.size() >= KEPShaderDocumentLoader::kMaxNodes) {
         Error(item, "", "more than 100000 nodes");
         return;
       }
-      Node(item, material);
+      Node(item, material, container);
     }
   }
 
-  void Node(const KEPJsonValue& json, bool material) {
+  void Node(const KEPJsonValue& json, bool material, const std::string& container) {
     if (!json.IsObject())
       return Error(json, material ? "materials" : "subShaders",
                    "a node must be an object {id, type, ...}");
     NodeEntry entry;
     entry.json = &json;
     entry.material = material;
+    entry.container = container;
     const KEPJsonValue* subShaders = nullptr;
     for (const auto& [key, member] : json.members) {
       if (key == "id") {
@@ -136,7 +138,7 @@ class Reader {
       else
         nodes_.push_back(entry);
     }
-    if (subShaders) Collect(*subShaders, false);
+    if (subShaders) Collect(*subShaders, false, entry.id);
   }
 
   void Build(KEPHostShaderDocument& document, const KEPHostShaderLibrary& library) {
@@ -156,6 +158,13 @@ class Reader {
       if (entry.alias) node->SetAlias(KEPUnicodeString::FromUTF8(entry.alias->text));
       if (entry.values) Values(entry, *node);
       if (entry.material) document.materials.push_back(entry.id);
+    }
+    // A sub-shader's father is the shader that holds it, as in the host's model of a material.
+    for (const NodeEntry& entry : nodes_) {
+      if (entry.container.empty()) continue;
+      KEPHostShaderNode* node = document.FindNode(entry.id);
+      KEPHostShaderNode* container = document.FindNode(entry.container);
+      if (node && container) node->SetFather(container);
     }
   }
 

@@ -100,7 +100,7 @@ class KEPHostShaderNode : public KEPBaseUnknown,
   // KEPIRshShaderResources (offered only when the type has resources)
   HRESULT GetResourceValue(const KEPString& parameterName, const KEPString& key,
                            KEPUnicodeString& value) override;
-  // KEPISpecObject: the document that owns the node, when there is one
+  // KEPISpecObject: the shader that holds this sub-shader, else the document that owns the node
   HRESULT GetFather(KEPBaseUnknown*& father) override;
   // KEPIAlias: the identifier unless an alias was given
   HRESULT GetAlias(KEPUnicodeString& alias) override;
@@ -117,6 +117,9 @@ class KEPHostShaderNode : public KEPBaseUnknown,
   void SetResource(const std::string& parameterName, const std::string& key,
                    const std::string& value);
   void DetachFather() { father_ = nullptr; }
+  /// Makes `father` (the document, or the shader that holds this sub-shader) this node's father.
+  /// Not counted: the document detaches every node before any goes away.
+  void SetFather(KEPBaseUnknown* father) { father_ = father; }
 
   // Bookkeeping of connections, kept by KEPHostParameter.
   void AddPointing(KEPHostParameter* parameter);

@@ -126,7 +126,13 @@ TEST_F(ImmControls, EditorShowsValuesAndReadsTextByDataType) {
   struct Shown {
     double value;
     const char16_t* text;
-  } shown[] = {{0.1, u"0.1"}, {1.0 / 3.0, u"0.333333333333333"}, {1e20, u"1e+20"}, {-2, u"-2"}};
+  } shown[] = {{0.1, u"0.1"},
+               {1.0 / 3.0, u"0.3333333333333333"},
+               {1e20, u"1e+20"},
+               {-2, u"-2"},
+               // A float parameter's value reads as the float it is, not as its double widening.
+               {static_cast<double>(0.8f), u"0.8"},
+               {static_cast<double>(0.65f), u"0.65"}};
   for (const Shown& s : shown) {
     editor->SetValue(s.value);
     EXPECT_EQ(editor->GetText(), KEPUnicodeString(s.text)) << s.value;

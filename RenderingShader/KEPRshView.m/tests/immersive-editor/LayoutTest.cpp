@@ -199,6 +199,7 @@ TEST_F(LayoutTest, TheConnectionButtonFollowsTheParametersConnection) {
            {{"plain.ConnectableState", "Yes"}, {"linked.ConnectableState", "Yes"}});
   KEPHostShaderNode* texture = TheWorld().Node("kep_phen_texture", "tiles");
   texture->SetAlias(KEPUnicodeString::FromUTF8("Floor tiles"));
+  texture->SetFather(node);  // a sub-shader of the material, as a loaded document makes it
   ASSERT_EQ(TheWorld().Param(node, "linked")->SetConnectedShader(texture), S_OK);
 
   const KEPVidWidget* grid = At(Edit(node), "ParameterNoGroupLayout");
@@ -221,12 +222,23 @@ TEST_F(LayoutTest, TheConnectionButtonFollowsTheParametersConnection) {
     EXPECT_FALSE(button->GetHelpText().IsEmpty());
     EXPECT_EQ(button->GetGridCell().row, c.row);
     EXPECT_EQ(button->GetGridCell().column, 2);
-    // The connected shader's place below the row, hidden and giving up its space.
+    // The connected shader's place below the row: hidden and giving up its space while nothing
+    // is connected; the sub-shader's own editor once something is, with the row's value widget
+    // disabled.
     const auto* connected =
         dynamic_cast<const KEPVidCtlExpander*>(Child(grid, "ParameterConnectedShader" + number));
     ASSERT_NE(connected, nullptr) << c.n;
     EXPECT_EQ(connected->GetLabel().ToUTF8(), c.connectedLabel);
-    EXPECT_FALSE(connected->IsVisible());
+    const bool isConnected = c.n == 1;
+    EXPECT_EQ(connected->IsVisible(), isConnected);
+    const KEPVidWidget* subEditor = connected->FindNamedChild("ConnectedShaderEditor");
+    EXPECT_EQ(subEditor != nullptr, isConnected);
+    if (subEditor) {
+      EXPECT_NE(subEditor->FindNamedChild("ParameterLabel0"), nullptr);
+    }
+    if (const KEPVidWidget* widget = grid->FindNamedChild("ParameterWidget" + number)) {
+      EXPECT_EQ(widget->IsSensitive(), !isConnected);
+    }
     EXPECT_FALSE(connected->GetLayoutWhenInvisible());
     EXPECT_EQ(connected->GetGridCell().row, c.row + 1);
     EXPECT_EQ(connected->GetGridCell().columnSpan, 3);
