@@ -108,14 +108,13 @@ TEST(RshviewDrive, AScriptWritesParametersAndTheSavedDocumentKeepsThem) {
   EXPECT_NE(scratch.Read("preferences.json").find("MPM_car_paint.Base coat.Collapsed"),
             std::string::npos);
 
-  const Outcome reloaded = Rshview({"params", "--doc", saved, "--node", "red_paint", "--format",
-                                    "json", "--library",
-                                    std::string(RSHVIEW_TEST_SAMPLES) + "/library"});
+  const Outcome reloaded =
+      Rshview({"params", "--doc", saved, "--node", "red_paint", "--format", "json", "--library",
+               std::string(RSHVIEW_TEST_SAMPLES) + "/library"});
   ASSERT_EQ(reloaded.code, 0) << reloaded.err;
   EXPECT_NE(reloaded.out.find("0.35"), std::string::npos);
 
-  const Outcome json =
-      Rshview({"drive", "--node", "red_paint", script, "--format", "json"});
+  const Outcome json = Rshview({"drive", "--node", "red_paint", script, "--format", "json"});
   ASSERT_EQ(json.code, 0) << json.err;
   const Json events = Json::parse(json.out)["events"];
   ASSERT_EQ(events.size(), 4u);

@@ -27,9 +27,11 @@ std::map<KEPString, Configuration>& Store() {
 /// A parent cycle ends the walk instead of looping; so does a parent that does not exist.
 template <class Visit>
 void WalkParents(const KEPString& id, Visit visit) {
-  std::set<KEPString> seen;
+  // A chain without a cycle visits each configuration at most once, so a walk longer than the
+  // store is in a cycle. Counting keeps the readers free of allocation (they run per widget).
+  std::size_t left = Store().size();
   const KEPString* current = &id;
-  while (seen.insert(*current).second) {
+  while (left-- > 0) {
     auto it = Store().find(*current);
     if (it == Store().end() || !visit(it->second) || it->second.parent.empty()) return;
     current = &it->second.parent;

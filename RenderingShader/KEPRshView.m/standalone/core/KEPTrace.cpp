@@ -75,6 +75,7 @@ std::string KEPTraceSink::Format(const KEPTraceEntry& entry) {
 }
 
 void KEPTrace::Info(const char* format, ...) const {
+  if (!Sink()) return;  // nobody listens: not even the text is made
   va_list args;
   va_start(args, format);
   EmitChannel(name_, KEPTraceLevel::Info, VFormat(format, args));
@@ -82,6 +83,7 @@ void KEPTrace::Info(const char* format, ...) const {
 }
 
 void KEPTrace::Warning(const char* format, ...) const {
+  if (!Sink()) return;  // nobody listens: not even the text is made
   va_list args;
   va_start(args, format);
   EmitChannel(name_, KEPTraceLevel::Warning, VFormat(format, args));
@@ -89,6 +91,7 @@ void KEPTrace::Warning(const char* format, ...) const {
 }
 
 void KEPTrace::Error(const char* file, int line, const char* format, ...) const {
+  if (!Sink()) return;  // nobody listens: not even the text is made
   va_list args;
   va_start(args, format);
   EmitChannel(name_, KEPTraceLevel::Error, VFormat(format, args), file, line);
@@ -106,7 +109,7 @@ bool KEPModuleTrace::IsEnabled(int level) {
 }
 
 void KEPModuleTrace::Trace(int level, const char* format, ...) {
-  if (!IsEnabled(level)) return;
+  if (!IsEnabled(level) || !Sink()) return;
   va_list args;
   va_start(args, format);
   KEPTraceEntry entry{"module", KEPTraceLevel::Module, level, VFormat(format, args), "", 0};

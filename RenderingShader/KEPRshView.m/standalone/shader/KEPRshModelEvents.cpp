@@ -20,12 +20,15 @@ struct ModelEventsState {
   std::vector<Entry> entries;
   int nextToken = 1;
   int dispatching = 0;
-  bool removed = false;
+  std::size_t removed = 0;  ///< emptied entries still in the list
 
+  // Entries stay in token order (tokens grow, compaction keeps the order), so a removal finds
+  // its entry by binary search; the list is compacted once half of it is empty, so that closing
+  // an editor of many widgets costs each widget a logarithm, not a pass over every observer.
   void Compact() {
-    if (dispatching > 0 || !removed) return;
+    if (dispatching > 0 || removed * 2 <= entries.size()) return;
     std::erase_if(entries, [](const Entry& e) { return !e.parameter && !e.shader; });
-    removed = false;
+    removed = 0;
   }
 };
 
@@ -71,13 +74,14 @@ int KEPRshModelEvents::AddShaderModifyObserver(KEPRshShaderModifyObserver observ
 
 void KEPRshModelEvents::RemoveObserver(int token) {
   ModelEventsState& state = State();
-  for (ModelEventsState::Entry& entry : state.entries) {
-    if (entry.token != token) continue;
-    entry.parameter = nullptr;
-    entry.shader = nullptr;
-    state.removed = true;
-    break;
-  }
+  auto entry = std::lower_bound(
+      state.entries.begin(), state.entries.end(), token,
+      [](const ModelEventsState::Entry& e, int wanted) { return e.token < wanted; });
+  if (entry == state.entries.end() || entry->token != token) return;
+  if (!entry->parameter && !entry->shader) return;
+  entry->parameter = nullptr;
+  entry->shader = nullptr;
+  ++state.removed;
   state.Compact();
 }
 
