@@ -85,7 +85,7 @@ bool RshviewApplyUnits(const std::string& list, std::string& message) {
     }
     KEPICkeUnit* unit = UnitOf(magnitude, unitName, message);
     if (!unit) {
-      message = "--units: " + message;
+      message.insert(0, "--units: ");
       return false;
     }
     choices.emplace_back(magnitude, unit);

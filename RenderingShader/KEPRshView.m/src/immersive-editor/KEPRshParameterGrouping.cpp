@@ -96,17 +96,17 @@ void KEPRshParameterGrouping::ReadFlags(KEPIRshShader* shader) {
 
   // Only a texture, scalar or bump node asks for its father: the material it textures.
   if (!IsTextureNodeId(configurationId_)) return;
-  const KEP_var<KEPISpecObject> spec = KEPQueryVar<KEPISpecObject>(shader);
-  KEP_ASSERT_FATAL(spec != NULL_var,
+  const KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(shader);
+  KEP_ASSERT_FATAL(specObject != NULL_var,
                    "( spec != NULL_var ) && \"KEPIRshShader is not a spec feature\"",
                    KEPRshShaderImmLayoutSource);
   KEPBaseUnknown* fatherObject = nullptr;
-  if (FAILED(spec->GetFather(fatherObject))) fatherObject = nullptr;
+  if (FAILED(specObject->GetFather(fatherObject))) fatherObject = nullptr;
   const auto father = KEP_var<KEPBaseUnknown>::Adopt(fatherObject);
   const KEP_var<KEPIRshShader> father_shader = KEPQueryVar<KEPIRshShader>(father);
   KEP_ASSERT_FATAL(father_shader != NULL_var,
-                   "( father_shader != NULL_var ) && \"KEPIRshShader's father is not a spec "
-                   "feature\"",
+                   "( father_shader != NULL_var ) && "
+                   "\"KEPIRshShader's father is not a spec feature\"",
                    KEPRshShaderImmLayoutSource);
   KEPString fatherId;
   textureLike_ =

@@ -30,7 +30,7 @@ class KEPRshParameterGrouping {
   static constexpr std::size_t kInsertionSortLimit = 32;
 
   /// Reads everything of `shader` (which may be null: nothing then) that the grouping needs.
-  /// Fatal assertions: a texture-like candidate that is no spec object or whose father is no
+  /// Fatal assertions: a texture-like candidate that is not a KEPISpecObject or whose father is no
   /// shader; a list entry that is no parameter or has no name.
   KEPRshParameterGrouping(KEPIRshShader* shader, const KEPTrace& trace);
   KEPRshParameterGrouping(const KEPRshParameterGrouping&) = delete;

@@ -257,9 +257,9 @@ void KEPRshParameterScalarImmWidget::BuildSliderPair(KEPIRshParameter* parameter
 bool KEPRshParameterScalarImmWidget::AppliesScaleRatio(KEPIRshParameter* parameter) const {
   KEPString name;
   if (!parameter || FAILED(parameter->GetName(name)) || name != "scale_v") return false;
-  const KEP_var<KEPISpecObject> spec = KEPQueryVar<KEPISpecObject>(parameter);
+  const KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(parameter);
   KEPBaseUnknown* father = nullptr;
-  if (!spec || FAILED(spec->GetFather(father)) || !father) return false;
+  if (!specObject || FAILED(specObject->GetFather(father)) || !father) return false;
   const KEP_var<KEPBaseUnknown> owner = KEP_var<KEPBaseUnknown>::Adopt(father);
   const KEP_var<KEPIRshShader> shader = KEPQueryVar<KEPIRshShader>(owner);
   KEPString type;

@@ -1,6 +1,6 @@
 // The editor stops the process, with the assertion's text and the editor's source path, when the
 // node breaks what it relies on: list entries that are no named parameters, a grouped parameter
-// without an immersive behaviour in a sorted group, a texture node that is no spec object or
+// without an immersive behaviour in a sorted group, a texture node that is not a KEPISpecObject or
 // whose father is no shader.
 #include <string>
 #include <vector>
@@ -27,8 +27,8 @@ std::string Fatal(const std::string& condition) {
                    " (RenderingShader/KEPRshView.m/src/KEPRshShaderImmLayout:");
 }
 
-/// A shader that is no spec object, with the parameter list it is given (null entries included);
-/// it takes over a reference of each entry.
+/// A shader that is not a KEPISpecObject, with the parameter list it is given (null entries
+/// included); it takes over a reference of each entry.
 class ListedShader : public KEPBaseUnknown, public KEPIRshShader {
  public:
   ListedShader(std::string configurationId, const std::vector<KEPIRshParameter*>& entries)
@@ -150,8 +150,8 @@ TEST_F(AssertionDeathTest, ATextureNodeMustBeASpecObjectWithAShaderForFather) {
                Fatal("( spec != NULL_var ) && \"KEPIRshShader is not a spec feature\""));
 
   const std::string fatherless =
-      "( father_shader != NULL_var ) && \"KEPIRshShader's father is "
-      "not a spec feature\"";
+      "( father_shader != NULL_var ) && "
+      "\"KEPIRshShader's father is not a spec feature\"";
   // A node of the document: its father is the document, no shader.
   TheWorld().Add(Type("kep_phen_scalar").Param("scale_u", Scalar(1)));
   KEPHostShaderNode* inDocument = TheWorld().Node("kep_phen_scalar");
