@@ -12,18 +12,11 @@ KEPVidCtlPopup::KEPVidCtlPopup(KEPVidWidget* father, const KEPString& name)
 KEPVidCtlPopup::~KEPVidCtlPopup() = default;
 
 void KEPVidCtlPopup::SetOption(int index, bool on) {
-  if (index < 0) return;
-  const auto at = static_cast<std::size_t>(index);
-  if (at >= options_.size()) {
-    if (!on) return;
-    options_.resize(at + 1, false);
-  }
-  options_[at] = on;
+  KEPVidSetOption(options_, index, on);
 }
 
 bool KEPVidCtlPopup::GetOption(int index) const {
-  return index >= 0 && static_cast<std::size_t>(index) < options_.size() &&
-         options_[static_cast<std::size_t>(index)];
+  return KEPVidGetOption(options_, index);
 }
 
 void KEPVidCtlPopup::SetAnchor(KEPVidWidget* anchor) {

@@ -4,15 +4,6 @@
 
 KEP_IMPLEMENT_CLASS(KEPVidCtlSpinBox, KEPVidCtl, "System")
 
-namespace {
-// `value` brought inside [minimum, maximum]; an empty range (minimum > maximum) gives minimum.
-int Clamp(int value, int minimum, int maximum) {
-  if (value > maximum) value = maximum;
-  if (value < minimum) value = minimum;
-  return value;
-}
-}  // namespace
-
 KEPVidCtlSpinBox::KEPVidCtlSpinBox(KEPVidWidget* father, const KEPString& name)
     : KEPVidCtl(father, name) {}
 
@@ -25,7 +16,7 @@ void KEPVidCtlSpinBox::SetRange(int minimum, int maximum) {
 }
 
 void KEPVidCtlSpinBox::SetValue(int value) {
-  value = Clamp(value, minimum_, maximum_);
+  value = KEPVidClampInt(value, minimum_, maximum_);
   if (value == value_) return;
   value_ = value;
   Raise(KEPVidEvent::ValueChanged);

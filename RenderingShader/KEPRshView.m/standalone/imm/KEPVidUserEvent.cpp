@@ -149,3 +149,24 @@ bool KEPVidReadDouble(std::string_view text, double& out, std::string& problem) 
 bool KEPVidSameDouble(double a, double b) {
   return a == b || (std::isnan(a) && std::isnan(b));
 }
+
+int KEPVidClampInt(int value, int minimum, int maximum) {
+  if (value > maximum) value = maximum;
+  if (value < minimum) value = minimum;
+  return value;
+}
+
+void KEPVidSetOption(std::vector<bool>& options, int index, bool on) {
+  if (index < 0) return;
+  const auto at = static_cast<std::size_t>(index);
+  if (at >= options.size()) {
+    if (!on) return;
+    options.resize(at + 1, false);
+  }
+  options[at] = on;
+}
+
+bool KEPVidGetOption(const std::vector<bool>& options, int index) {
+  return index >= 0 && static_cast<std::size_t>(index) < options.size() &&
+         options[static_cast<std::size_t>(index)];
+}

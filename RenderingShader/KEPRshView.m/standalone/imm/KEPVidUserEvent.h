@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "KEPTypes.h"
 #include "KEPVidTypes.h"
@@ -43,3 +44,10 @@ bool KEPVidSameDouble(double a, double b);
 
 /// `text` in double quotes, for messages (at most 60 bytes of it).
 std::string KEPVidQuote(std::string_view text);
+
+/// `value` brought inside [minimum, maximum]; an empty range (minimum > maximum) gives minimum.
+int KEPVidClampInt(int value, int minimum, int maximum);
+
+/// Boolean option `index` of a list that grows as options are switched on (off beyond its end).
+void KEPVidSetOption(std::vector<bool>& options, int index, bool on);
+bool KEPVidGetOption(const std::vector<bool>& options, int index);
