@@ -1,8 +1,11 @@
-// The immersive editor of a node with many scalar parameters in 32 groups: building it, and
-// serialising its widget tree to JSON (what `rshview dump` and the browser ask for).
+// The immersive editor of a node with many parameters in 32 groups: building it, and serialising
+// its widget tree to JSON (what `rshview dump` and the browser ask for).
 //
-// Each parameter is a slider row (label, widget grid, slider, editor, hidden button), with a
-// range, a step and a group; a tenth are lengths shown in centimetres, so the unit path runs too.
+// Two nodes: "scalars", where each parameter is a slider row (label, widget grid, slider, editor,
+// hidden button) with a range, a step and a group, a tenth of them lengths shown in centimetres so
+// the unit path runs too; and "mixed", where the parameters take every type in turn (scalar
+// slider, integer combo and spin box, boolean, colour, grey-level colour, vector sliders in a
+// length unit and vector spin boxes, texture, sub-shader slot).
 #include <benchmark/benchmark.h>
 
 #include <nlohmann/json.hpp>
@@ -22,11 +25,65 @@ namespace {
 
 constexpr int kGroups = 32;
 
-/// A host session with one node of `count` scalar parameters spread over 32 groups.
+enum class Mix { Scalars, Mixed };
+
+/// Configures parameter `name` of kind `slot` (0..9) of the mixed node and returns its value.
+KEPHostValue MixedParameter(const std::string& id, const std::string& name, int slot) {
+  const auto set = [&](const char* key, const std::string& value) {
+    KEPHostConfiguration::SetValue(id, name + key, value);
+  };
+  switch (slot) {
+    case 0:
+      set(".Min", "0");
+      set(".Max", "10");
+      set(".Step", "0.01");
+      set(".Widget", "slider");
+      return KEPHostValue::Scalar(0.5f);
+    case 1:
+      set(".Min", "0");
+      set(".Max", "2");
+      set(".Widget", "combo");
+      set(".Enum0", "Draft");
+      set(".Enum1", "Medium");
+      set(".Enum2", "High");
+      set(".ComboConfiguration", "0:Draft;1:Medium;2:High");
+      return KEPHostValue::Integer(1);
+    case 2:
+      set(".Min", "1");
+      set(".Max", "64");
+      set(".Widget", "spinner");
+      return KEPHostValue::Integer(8);
+    case 3:
+      return KEPHostValue::Boolean(true);
+    case 4:
+      set(".Widget", "color");
+      return KEPHostValue::Color(0.8f, 0.4f, 0.2f);
+    case 5:
+      set(".Widget", "scalar-spinner");
+      set(".Min", "0");
+      set(".Max", "1");
+      set(".Step", "0.01");
+      return KEPHostValue::Color(0.5f, 0.5f, 0.5f);
+    case 6:
+      set(".Widget", "sliderx3");
+      set(".Min", "-1000");
+      set(".Max", "1000");
+      set(".Unit", "cm");
+      return KEPHostValue::Vector({10.0f, 20.0f, 30.0f});
+    case 7:
+      return KEPHostValue::Vector({1.0f, 0.0f, 0.0f});
+    case 8:
+      return KEPHostValue::Texture(nullptr);
+    default:
+      return KEPHostValue::Void();
+  }
+}
+
+/// A host session with one node of `count` parameters spread over 32 groups.
 struct Scene {
-  explicit Scene(int count) {
+  explicit Scene(int count, Mix mix = Mix::Scalars) {
     KEPRshViewRegister();
-    const std::string id = "bench_scalars";
+    const std::string id = mix == Mix::Scalars ? "bench_scalars" : "bench_mixed";
     KEPHostConfiguration::SetValue(id, "GroupCount", std::to_string(kGroups));
     KEPHostConfiguration::SetValue(id, "GlobalShaderSortingOrder.Status", "yes");
     for (int g = 0; g < kGroups; ++g) {
@@ -39,13 +96,17 @@ struct Scene {
     type.name = id;
     for (int i = 0; i < count; ++i) {
       const std::string name = "p" + std::to_string(i);
-      type.parameters.push_back({name, KEPHostValue::Scalar(0.5f), {}});
       KEPHostConfiguration::SetValue(id, name + ".Group", "Group" + std::to_string(i % kGroups));
+      KEPHostConfiguration::SetValue(id, name + ".SortingOrder", std::to_string(count - i));
+      if (mix == Mix::Mixed) {
+        type.parameters.push_back({name, MixedParameter(id, name, i % 10), {}});
+        continue;
+      }
+      type.parameters.push_back({name, KEPHostValue::Scalar(0.5f), {}});
       KEPHostConfiguration::SetValue(id, name + ".Min", "0");
       KEPHostConfiguration::SetValue(id, name + ".Max", "10");
       KEPHostConfiguration::SetValue(id, name + ".Step", "0.01");
       KEPHostConfiguration::SetValue(id, name + ".Widget", "slider");
-      KEPHostConfiguration::SetValue(id, name + ".SortingOrder", std::to_string(count - i));
       if (i % 10 == 0) {
         KEPHostConfiguration::SetValue(id, name + ".Unit", "mm");
         KEPHostConfiguration::SetValue(id, name + ".Magnitude", "length");
@@ -127,6 +188,34 @@ void BM_TearDownEditor(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_TearDownEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void BM_BuildMixedEditor(benchmark::State& state) {
+  Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
+  if (!scene.layout) {
+    state.SkipWithError("no immersive editor registered");
+    return;
+  }
+  for (auto _ : state) {
+    KEP_var<KEPVidLayGrid> root;
+    benchmark::DoNotOptimize(scene.Build(root));
+    state.PauseTiming();
+    root.Reset();
+    state.ResumeTiming();
+  }
+}
+BENCHMARK(BM_BuildMixedEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+void BM_SerialiseMixedEditor(benchmark::State& state) {
+  Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
+  if (!scene.layout) {
+    state.SkipWithError("no immersive editor registered");
+    return;
+  }
+  KEP_var<KEPVidLayGrid> root;
+  KEPVidWidget* editor = scene.Build(root);
+  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJsonText(editor));
+}
+BENCHMARK(BM_SerialiseMixedEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -7,11 +7,23 @@
 #include <cstdio>
 #include <map>
 #include <set>
+#include <string_view>
+#include <unordered_map>
 
 namespace {
 struct Configuration {
+  Configuration() = default;
+  // The index points into `values`: a copy would point into the original.
+  Configuration(const Configuration&) = delete;
+  Configuration& operator=(const Configuration&) = delete;
+  Configuration(Configuration&&) = default;
+  Configuration& operator=(Configuration&&) = default;
+
   KEPString parent;
   std::map<KEPString, KEPString> values;  // ordered: the keys of a prefix are one run
+  // The same entries hashed, for the readers' exact look-ups (several per widget): views of the
+  // ordered map's keys, which stay where they are for as long as the entry exists.
+  std::unordered_map<std::string_view, const KEPString*> index;
   std::vector<KEPString> order;
 };
 
@@ -41,8 +53,8 @@ void WalkParents(const KEPString& id, Visit visit) {
 const KEPString* Lookup(const KEPString& id, const KEPString& key) {
   const KEPString* found = nullptr;
   WalkParents(id, [&](const Configuration& c) {
-    auto value = c.values.find(key);
-    if (value != c.values.end()) found = &value->second;
+    auto value = c.index.find(std::string_view(key));
+    if (value != c.index.end()) found = value->second;
     return !found;
   });
   return found;
@@ -96,7 +108,10 @@ HRESULT KEPRbaConfiguration::GetHierarchicalKeys(const KEPString& id, const KEPS
 void KEPHostConfiguration::SetValue(const KEPString& id, const KEPString& key,
                                     const KEPString& value) {
   Configuration& c = Store()[id];
-  if (c.values.insert_or_assign(key, value).second) c.order.push_back(key);
+  const auto [entry, inserted] = c.values.insert_or_assign(key, value);
+  if (!inserted) return;
+  c.order.push_back(key);
+  c.index.emplace(std::string_view(entry->first), &entry->second);
 }
 
 void KEPHostConfiguration::SetParent(const KEPString& id, const KEPString& parentId) {
