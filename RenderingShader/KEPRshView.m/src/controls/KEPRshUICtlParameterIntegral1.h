@@ -10,12 +10,12 @@
 // adapter registered for it.
 #pragma once
 
+#include "KEPIRshParameter.h"
 #include "KEPSYPMetaClass.h"
 #include "KEPString.h"
 #include "KEPVidCtl.h"
 #include "KEP_var.h"
 
-class KEPIRshParameter;
 class KEPSYPIntrospectableAdapter;
 
 class KEPRshUICtlParameterIntegral1 : public KEPVidCtl {

@@ -1,6 +1,8 @@
 #include "KEPVidStyleValues.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "KEPIRshParameter.h"
@@ -40,8 +42,9 @@ KEPSYPValue ParameterValue(KEPIRshParameter& parameter) {
 }
 
 /// One end of a parameter's range, or its step, from its immersive layout: integers for an
-/// integer parameter, doubles otherwise. Empty when the layout has no range; a range without a
-/// step answers a step of 1.
+/// integer parameter, doubles otherwise; a range without a step answers a step of 1. An integer
+/// without a configured range spans -100000 to 100000 (what its immersive spin box offers, and
+/// wider than any switch or count a shader takes); another type answers no value.
 KEPSYPValue ParameterRange(KEPIRshParameter& parameter, std::string_view step) {
   const KEP_var<KEPIRshParameterImmLayout> layout =
       KEPQueryVar<KEPIRshParameterImmLayout>(&parameter);
@@ -49,8 +52,10 @@ KEPSYPValue ParameterRange(KEPIRshParameter& parameter, std::string_view step) {
   if (!layout || FAILED(parameter.GetTypeName(type))) return std::monostate{};
   const int which = step == "Minimum" ? 0 : (step == "Maximum" ? 1 : 2);
   if (type == "KEPRmaInteger") {
-    int range[3] = {0, 0, 1};
-    if (FAILED(layout->GetTypedRange(range[0], range[1], range[2]))) return std::monostate{};
+    int range[3] = {-100000, 100000, 1};
+    int read[3] = {0, 0, 1};
+    if (SUCCEEDED(layout->GetTypedRange(read[0], read[1], read[2])))
+      std::copy(std::begin(read), std::end(read), std::begin(range));
     return range[which];
   }
   float range[3] = {0.0f, 0.0f, 1.0f};
