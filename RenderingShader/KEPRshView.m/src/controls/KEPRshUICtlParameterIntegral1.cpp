@@ -96,9 +96,8 @@ bool KEPRshUICtlParameterIntegral1::ReadAndStyle(KEPIRshParameter* parameter) {
       readValue = KEPRbaConfiguration::GetHierarchicalValue(
           configuration, name + ".ComboConfiguration", comboConfiguration_);
     if (FAILED(readValue)) {
-      KEPAssertReport(
-          "SUCCEEDED( result_read_value ) && \"Could not find combo configuration\"",
-          SourcePath(), __LINE__);
+      KEPAssertReport("SUCCEEDED( result_read_value ) && \"Could not find combo configuration\"",
+                      SourcePath(), __LINE__);
       return false;
     }
   }
@@ -107,8 +106,7 @@ bool KEPRshUICtlParameterIntegral1::ReadAndStyle(KEPIRshParameter* parameter) {
   return true;
 }
 
-HRESULT fctCreateKEPRshUICtlParameterIntegral1SYPMetaClassBuilder(
-    KEPSYPMetaClassBuilder& builder) {
+HRESULT fctCreateKEPRshUICtlParameterIntegral1SYPMetaClassBuilder(KEPSYPMetaClassBuilder& builder) {
   static const KEPSYPPropertyEntry kProperties[] = {
       {"Parameter", "KEPIRshParameter", &GetParameterProperty, nullptr},
       {"ComboConfiguration", "KEPString", &GetComboConfigurationProperty, nullptr},

@@ -162,8 +162,8 @@ void KEPRshParameterIntegerImmWidget::BuildCombo(KEPIRshParameter* parameter) {
   // Lines step by one from the minimum; only their count follows the step. A step that is no
   // positive number counts as 1.
   const long long span = static_cast<long long>(maximum) - minimum;
-  const long long count = std::clamp<long long>(span / (step > 0 ? step : 1) + 1, 0,
-                                                kMaxComboLines);
+  const long long count =
+      std::clamp<long long>(span / (step > 0 ? step : 1) + 1, 0, kMaxComboLines);
   comboFirst_ = minimum;
   const KEP_var<KEPIRshParameterImmLayout> layout =
       KEPQueryVar<KEPIRshParameterImmLayout>(parameter);
@@ -288,11 +288,10 @@ void KEPRshParameterIntegerImmWidget::ApplyDpiRule(KEPIRshParameter* parameter) 
   const auto shader =
       KEP_var<KEPIRshShader>::Adopt(KEPRshParameterServices::FindShaderParent(parameter));
   const bool editable = KEPRshParameterServices::IsSVGMapPresent(shader.Get());
-  for (KEPVidWidget* control : {static_cast<KEPVidWidget*>(slider_),
-                                static_cast<KEPVidWidget*>(spinner_),
-                                static_cast<KEPVidWidget*>(check_),
-                                static_cast<KEPVidWidget*>(combo_),
-                                static_cast<KEPVidWidget*>(editor_)})
+  for (KEPVidWidget* control :
+       {static_cast<KEPVidWidget*>(slider_), static_cast<KEPVidWidget*>(spinner_),
+        static_cast<KEPVidWidget*>(check_), static_cast<KEPVidWidget*>(combo_),
+        static_cast<KEPVidWidget*>(editor_)})
     if (control) control->SetSensitivity(editable);
 }
 

@@ -67,15 +67,15 @@ class KEPRshParameterIntegerImmWidget : public KEPRshParameterImmWidget {
   /// writes `value` into the parameter.
   void Write(KEPIRshParameter* parameter, int value);
 
-  KEPVidLayGrid* grid_ = nullptr;            ///< "IntegerLayout" (borrowed: this widget owns it)
-  KEPVidCtlSlider* slider_ = nullptr;        ///< "integerSlider" (borrowed: the grid owns it)
-  KEPVidCtlSpinBox* spinner_ = nullptr;      ///< "integerSpinner"
-  KEPVidCtlCheckBox* check_ = nullptr;       ///< "integerCheck" (this widget owns it)
-  KEPVidCtlImageCombo* combo_ = nullptr;     ///< "integerCombo"
-  KEPVidCtlEditor* editor_ = nullptr;        ///< "integerEditor"
+  KEPVidLayGrid* grid_ = nullptr;         ///< "IntegerLayout" (borrowed: this widget owns it)
+  KEPVidCtlSlider* slider_ = nullptr;     ///< "integerSlider" (borrowed: the grid owns it)
+  KEPVidCtlSpinBox* spinner_ = nullptr;   ///< "integerSpinner"
+  KEPVidCtlCheckBox* check_ = nullptr;    ///< "integerCheck" (this widget owns it)
+  KEPVidCtlImageCombo* combo_ = nullptr;  ///< "integerCombo"
+  KEPVidCtlEditor* editor_ = nullptr;     ///< "integerEditor"
   int comboFirst_ = 0;
   bool wholeUnit_ = false;
-  bool active_ = true;  ///< false while the widget itself writes or updates its own controls
+  bool active_ = true;     ///< false while the widget itself writes or updates its own controls
   bool typeRule_ = false;  ///< the parameter is named "type"
   KEPString kind_;
   int observer_ = 0;  ///< token of the model observer, 0 when none

@@ -80,7 +80,7 @@ HRESULT KEPRshParameterIntegerImmLayout::BuildWidget(KEPVidWidget* parent, const
   }
   if (!parent) return E_FAIL;
   const KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(this);
-  widget = new (std::nothrow)
-      KEPRshParameterIntegerImmWidget(parameter.Get(), parent, name ? name : "");
+  widget =
+      new (std::nothrow) KEPRshParameterIntegerImmWidget(parameter.Get(), parent, name ? name : "");
   return S_OK;
 }

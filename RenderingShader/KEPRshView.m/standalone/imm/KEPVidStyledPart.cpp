@@ -360,8 +360,8 @@ void KEPVidStyledPart::ShowItems(KEPVidCtlImageCombo& combo, std::string items,
         "Combo entry left out { parameter = %s, part = %s, items = %s, entry = \"%s\", "
         "reason = %s }",
         parameter.c_str(), definition_.name.c_str(),
-        binding && !binding->path.empty() ? binding->path.front().c_str() : "",
-        fault.entry.c_str(), fault.reason.c_str());
+        binding && !binding->path.empty() ? binding->path.front().c_str() : "", fault.entry.c_str(),
+        fault.reason.c_str());
 }
 
 std::optional<KEPSYPValue> KEPVidStyledPart::PersonValue() const {

@@ -35,7 +35,8 @@ KEPHostShaderNode* KEPHostShaderDocument::FindNode(const std::string& id) const 
 KEPIRenderingMaterial* KEPHostShaderDocument::GetRenderingMaterial(const std::string& rootId) {
   if (!FindNode(rootId)) return nullptr;
   auto& material = materials_[rootId];
-  if (!material) material = KEP_var<KEPHostRenderingMaterial>::Adopt(new KEPHostRenderingMaterial(rootId));
+  if (!material)
+    material = KEP_var<KEPHostRenderingMaterial>::Adopt(new KEPHostRenderingMaterial(rootId));
   KEPIRenderingMaterial* answer = material.Get();
   answer->AddRef();
   return answer;

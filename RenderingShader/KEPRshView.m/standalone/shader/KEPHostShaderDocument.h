@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "KEPBaseUnknown.h"
-#include "KEPHostShaderLibrary.h"
 #include "KEPHostRenderingMaterial.h"
+#include "KEPHostShaderLibrary.h"
 #include "KEPHostShaderNode.h"
 #include "KEPIRshShaderSupport.h"
 

@@ -97,10 +97,9 @@ TEST_F(Integral1Test, ComboNamesReadTheirConfigurationAndEveryNameStyles) {
     std::string configuration;  // what the control publishes
     std::string styleClass;
   };
-  for (const Row& row : {Row{"combo", "0:Off;1:On", "combo"},
-                         Row{"comboMaterial", "0:Off;1:On", "comboMaterial"},
-                         Row{"slider", "", "slider"}, Row{"Combo", "", "Combo"},
-                         Row{std::nullopt, "", "spinner"}}) {
+  for (const Row& row :
+       {Row{"combo", "0:Off;1:On", "combo"}, Row{"comboMaterial", "0:Off;1:On", "comboMaterial"},
+        Row{"slider", "", "slider"}, Row{"Combo", "", "Combo"}, Row{std::nullopt, "", "spinner"}}) {
     SCOPED_TRACE(row.styleClass);
     Keys config = {{".ComboConfiguration", "0:Off;1:On"}};
     if (row.widget) config.emplace_back(".Widget", *row.widget);
@@ -149,13 +148,14 @@ TEST_F(Integral1Test, SettingNoneReleasesAndStillAnnounces) {
 }
 
 TEST_F(Integral1Test, DescriptionNamesNoBaseAndTwoReadOnlyProperties) {
-  const auto control = KEP_var<KEPRshUICtlParameterIntegral1>::Adopt(new KEPRshUICtlParameterIntegral1());
+  const auto control =
+      KEP_var<KEPRshUICtlParameterIntegral1>::Adopt(new KEPRshUICtlParameterIntegral1());
   const KEPSYPMetaClass* meta = control->GetIntrospectionAdapter()->GetSYPMetaClass();
   ASSERT_NE(meta, nullptr);
   EXPECT_EQ(meta->GetName(), "KEPRshUICtlParameterIntegral1");
   EXPECT_EQ(meta->GetBaseName(), "");
-  for (const auto& [name, type] : {std::pair("Parameter", "KEPIRshParameter"),
-                                   std::pair("ComboConfiguration", "KEPString")}) {
+  for (const auto& [name, type] :
+       {std::pair("Parameter", "KEPIRshParameter"), std::pair("ComboConfiguration", "KEPString")}) {
     const KEPSYPProperty* property = meta->FindProperty(name);
     ASSERT_NE(property, nullptr) << name;
     EXPECT_EQ(property->type, type);
@@ -171,8 +171,8 @@ TEST_F(Integral1Test, DescriptionNamesNoBaseAndTwoReadOnlyProperties) {
 // --- The bundled sheet over the control
 
 TEST_F(Integral1Test, ComboShowsConfiguredEntriesAndWritesTheirValues) {
-  KEPHostParameter* p = Param(4, {{".Widget", "combo"},
-                                  {".ComboConfiguration", " 1:Draft ; 4:Fine=fine.png;Finest "}});
+  KEPHostParameter* p = Param(
+      4, {{".Widget", "combo"}, {".ComboConfiguration", " 1:Draft ; 4:Fine=fine.png;Finest "}});
   KEPRshUICtlParameterIntegral1* control = Control(p);
   auto* combo = PartOf<KEPVidCtlImageCombo>(control, "ValueCombo");
   ASSERT_NE(combo, nullptr);
@@ -191,8 +191,8 @@ TEST_F(Integral1Test, ComboShowsConfiguredEntriesAndWritesTheirValues) {
 
 TEST_F(Integral1Test, MalformedEntriesAreLeftOutAndNamed) {
   TraceCapture capture;
-  KEPRshUICtlParameterIntegral1* control =
-      Control(Param(0, {{".Widget", "combo"}, {".ComboConfiguration", "x:Bad;0:Off;1:;0:Again;On"}}));
+  KEPRshUICtlParameterIntegral1* control = Control(
+      Param(0, {{".Widget", "combo"}, {".ComboConfiguration", "x:Bad;0:Off;1:;0:Again;On"}}));
   auto* combo = PartOf<KEPVidCtlImageCombo>(control, "ValueCombo");
   ASSERT_EQ(combo->GetItemCount(), 2);
   EXPECT_EQ(combo->GetItemLabel(1).ToUTF8(), "On");
@@ -262,8 +262,8 @@ TEST_F(Integral1Test, CheckSliderAndSpinnerEditTheValueWithinTheRange) {
 
   // An unknown widget name and no widget at all both get a spin box; without a configured range
   // it spans -100000..100000.
-  for (const std::optional<std::string>& widget : {std::optional<std::string>("knob"),
-                                                   std::optional<std::string>()}) {
+  for (const std::optional<std::string>& widget :
+       {std::optional<std::string>("knob"), std::optional<std::string>()}) {
     Keys config;
     if (widget) config.emplace_back(".Widget", *widget);
     KEPHostParameter* n = Param(150, config);

@@ -10,9 +10,9 @@
 #include "ImmWidgetTestSupport.h"
 #include "KEPHostContext.h"
 #include "KEPHostRecorder.h"
-#include "KEPRecord.h"
 #include "KEPHostRenderingMaterial.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRecord.h"
 #include "KEPRshParameterIntegerImmLayout.h"
 #include "KEPRshParameterIntegerImmWidget.h"
 #include "KEPRshUICtlParameterIntegral1.h"
@@ -51,10 +51,10 @@ TEST_F(IntegerWidgetTest, ControlsFollowTheKind) {
     const char* kind;  // null: no ".Widget"
     const char* control;
   };
-  for (const Row& row : {Row{"combo", "integerCombo"}, Row{"COMBO", "integerCombo"},
-                         Row{"check", "integerCheck"}, Row{"slider", "integerSlider"},
-                         Row{"wheel", "integerSpinner"}, Row{"knob", "integerSpinner"},
-                         Row{nullptr, "integerSpinner"}}) {
+  for (const Row& row :
+       {Row{"combo", "integerCombo"}, Row{"COMBO", "integerCombo"}, Row{"check", "integerCheck"},
+        Row{"slider", "integerSlider"}, Row{"wheel", "integerSpinner"},
+        Row{"knob", "integerSpinner"}, Row{nullptr, "integerSpinner"}}) {
     SCOPED_TRACE(row.kind ? row.kind : "(none)");
     Keys config = {{".Min", "0"}, {".Max", "4"}};
     if (row.kind) config.emplace_back(".Widget", row.kind);
@@ -90,8 +90,8 @@ TEST_F(IntegerWidgetTest, SliderRegimes) {
                          Row{"-1", "1", 0, false, -1, 100, 2, 20, 20, 0},
                          Row{"2", "30", 20, true, 2, 30, 0, 2, 2, 20}}) {
     SCOPED_TRACE(std::string(row.min) + ".." + row.max);
-    const auto* w =
-        IntWidget(IntParam(row.value, {{".Widget", "slider"}, {".Min", row.min}, {".Max", row.max}}));
+    const auto* w = IntWidget(
+        IntParam(row.value, {{".Widget", "slider"}, {".Min", row.min}, {".Max", row.max}}));
     const auto* slider = Child<KEPVidCtlSlider>(w, "integerSlider");
     ASSERT_NE(slider, nullptr);
     EXPECT_EQ(w->IsWholeUnit(), row.whole);
@@ -168,10 +168,15 @@ TEST_F(IntegerWidgetTest, ComboTakesEnumerationValuesAndIndices) {
   // Enumerations of shader resources.
   KEPHostShaderNode* node = Node({{"q", Integer(20)}});
   node->SetResourcesOffered(true);
-  for (const auto& [key, text] : Keys{{"widget", "combo"}, {"min", "0"}, {"max", "1"},
-                                      {"enum0", "Ten"}, {"enum1", "Twenty"},
-                                      {"enumvalue0", "10"}, {"enumvalue1", "20"},
-                                      {"enumindex10", "0"}, {"enumindex20", "1"}})
+  for (const auto& [key, text] : Keys{{"widget", "combo"},
+                                      {"min", "0"},
+                                      {"max", "1"},
+                                      {"enum0", "Ten"},
+                                      {"enum1", "Twenty"},
+                                      {"enumvalue0", "10"},
+                                      {"enumvalue1", "20"},
+                                      {"enumindex10", "0"},
+                                      {"enumindex20", "1"}})
     node->SetResource("q", key, text);
   KEPHostParameter* q = ParamOf(node, "q");
   auto* resourceCombo = Child<KEPVidCtlImageCombo>(IntWidget(q), "integerCombo");
@@ -201,8 +206,8 @@ TEST_F(IntegerWidgetTest, CheckAndSpinBoxWrite) {
 }
 
 TEST_F(IntegerWidgetTest, DpiIsEditableOnlyWithAnSvgMap) {
-  for (const auto& [image, editable] : {std::pair("maps/plan.SVG", true),
-                                        std::pair("maps/plan.png", false)}) {
+  for (const auto& [image, editable] :
+       {std::pair("maps/plan.SVG", true), std::pair("maps/plan.png", false)}) {
     SCOPED_TRACE(image);
     KEPHostShaderNode* node =
         Node({{"dpi", Integer(300)}, {"map", Texture(image)}}, {{"dpi.Widget", "slider"}});
@@ -247,7 +252,8 @@ TEST_F(IntegerWidgetTest, EveryWriteHoldsTheRenderLock) {
                       })
         .get();
   };
-  const auto* slider = IntWidget(IntParam(0, {{".Widget", "slider"}, {".Min", "0"}, {".Max", "9"}}));
+  const auto* slider =
+      IntWidget(IntParam(0, {{".Widget", "slider"}, {".Min", "0"}, {".Max", "9"}}));
   const auto* combo = IntWidget(IntParam(0, {{".Widget", "combo"}, {".Min", "0"}, {".Max", "3"}}));
   const auto* check = IntWidget(IntParam(0, {{".Widget", "check"}}));
   const auto* spin = IntWidget(IntParam(0, {}));
@@ -373,7 +379,8 @@ TEST_F(IntegerBuilderTest, OtherLevelsBuildTheImmersiveWidget) {
 
 TEST_F(IntegerBuilderTest, BehaviourWithoutParameterFailsWithItsAssertion) {
   // A behaviour created on its own extends nothing.
-  const auto layout = KEP_var<KEPBaseUnknown>::Adopt(KEPRshParameterIntegerImmLayout::CreateItself());
+  const auto layout =
+      KEP_var<KEPBaseUnknown>::Adopt(KEPRshParameterIntegerImmLayout::CreateItself());
   auto* behaviour = dynamic_cast<KEPRshParameterIntegerImmLayout*>(layout.Get());
   TraceCapture capture;
   KEPVidWidget* widget = Root();
