@@ -132,7 +132,7 @@ TEST(RshviewParams, JsonOfANodeAndOfAllNodes) {
   const auto json = nlohmann::json::parse(run.out);
   EXPECT_EQ(json["id"], "floor");
   EXPECT_EQ(json["configuration"], "mia_phen_material");
-  ASSERT_EQ(json["parameters"].size(), 22u);
+  ASSERT_EQ(json["parameters"].size(), 25u);
   const auto& params = json["parameters"];
   auto find = [&](const std::string& name) {
     for (const auto& p : params)

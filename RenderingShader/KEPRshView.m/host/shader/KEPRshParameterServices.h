@@ -9,6 +9,7 @@
 #include "KEPString.h"
 #include "KEPTypes.h"
 
+class KEPIRenderingMaterial;
 class KEPIRshParameter;
 class KEPIRshShader;
 
@@ -25,6 +26,9 @@ class KEPRshParameterServices {
   static HRESULT RetrieveDpi(KEPIRshParameter* parameter, double& dpi);
   /// True when `shader` has a texture parameter whose image is a vector (SVG) map.
   static bool IsSVGMapPresent(KEPIRshShader* shader);
+  /// The rendering material that owns `shader` (through the root node above it, the shader itself
+  /// when it is one), with a reference for the caller; null when the node belongs to no material.
+  static KEPIRenderingMaterial* FindRenderingMaterial(KEPIRshShader* shader);
 
   /// A number that changes whenever a parameter of any shader is connected or disconnected, or a
   /// connected node goes away; what a client derived from connections holds while it is unchanged.

@@ -186,6 +186,12 @@ int KEPRshShaderImmLayout::AddParameterRow(KEPVidLayGrid* grid, int gridRow,
   KEPVidWidget* widget = nullptr;
   if (FAILED(behaviour->BuildWidget(grid, ("ParameterWidget" + number).c_str(), widget)))
     widget = nullptr;
+  if (widget && !widget->GetFather()) {
+    // A builder may hand back a free control (the integer one at its built-in level): the row
+    // names and holds it like any other.
+    widget->SetName("ParameterWidget" + number);
+    widget->SetFather(grid);
+  }
   if (widget) {
     widget->SetGridCell({gridRow, 1, 1, 1, KEPVidAttach_All});
     // A widget that hides itself gives its space to the others.

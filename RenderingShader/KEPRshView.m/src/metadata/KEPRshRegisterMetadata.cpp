@@ -1,8 +1,9 @@
 // Registration of the parameter behaviours as extensions of the feature types: for each feature
 // type, the immersive layout behaviour (KEPIRshParameterImmLayout) and the classic dialog
 // behaviour (KEPIRshParameterDialog). Registering again replaces the same entries, so the call is
-// idempotent.
+// idempotent. The integer builder's cached software level is forgotten on each host process reset.
 #include "KEPExtensionRegistry.h"
+#include "KEPProcessReset.h"
 #include "KEPRshParameterBooleanDialog.h"
 #include "KEPRshParameterBooleanImmLayout.h"
 #include "KEPRshParameterColorDialog.h"
@@ -50,4 +51,6 @@ void KEPRshRegisterMetadata() {
   KEPRSH_REGISTER_BEHAVIOUR(KEPIRshParameterDialog, KEPRshParameterTextureDialog);
   KEPRSH_REGISTER_BEHAVIOUR(KEPIRshParameterDialog, KEPRshParameterLightProfileDialog);
   KEPRSH_REGISTER_BEHAVIOUR(KEPIRshParameterDialog, KEPRshParameterShaderDialog);
+
+  KEPRegisterProcessResetHook(&KEPRshParameterIntegerImmLayout::ForgetProcessCache);
 }

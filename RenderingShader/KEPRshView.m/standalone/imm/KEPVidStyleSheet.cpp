@@ -41,7 +41,7 @@ constexpr std::array<KEPVidStyleSheet::TargetInfo, 33> kTargets{{
     {"column-weights", T::Weights, kGrid, 0, false, true},
     {"row-weights", T::Weights, kGrid, 0, false, true},
     {"spacing", T::Size, kGrid, 0, false, true},
-    {"value", T::Double, kNumeric, kNumeric, true, false},
+    {"value", T::Double, kNumeric | kCombo, kNumeric | kCombo, true, false},
     {"text", T::Text, kLabel | kEditor, kEditor, true, false},
     {"minimum", T::Double, kNumeric, 0, true, false},
     {"maximum", T::Double, kNumeric, 0, true, false},

@@ -53,6 +53,12 @@ std::string Path(const KEPVidStyleSetting& binding) {
   return path;
 }
 
+/// A binding to "<property>.Value", which writes the value of the parameter the property holds,
+/// not the property itself.
+bool WritesParameterValue(const KEPVidStyleSetting& binding) {
+  return binding.path.size() == 2 && binding.path[1] == "Value";
+}
+
 /// Raises the echo guard for its lifetime.
 class Refreshing {
  public:
@@ -137,7 +143,8 @@ void KEPVidStyledControl::Check(const KEPVidStylePart& definition) {
     const char* problem = nullptr;
     if (!property)
       problem = "the control has no such property";
-    else if (setting.mode == KEPVidStyleMode::TwoWay && !property->set)
+    else if (setting.mode == KEPVidStyleMode::TwoWay && !property->set &&
+             !WritesParameterValue(setting))
       problem = "the property is read-only: a person's change is not written";
     if (problem)
       Trace().Warning("%s:%d: key '%s': %s { control = %s, class = %s, part = %s, property = %s }",
@@ -230,8 +237,15 @@ HRESULT KEPVidStyledControl::Write(const KEPVidStyleSetting& binding, const KEPS
     if (std::holds_alternative<std::monostate>(written)) return E_INVALIDARG;
     return adapter->SetProperty(name, written);
   }
-  // One coordinate of a point: the other keeps what the property holds.
   const std::string& step = binding.path[1];
+  if (WritesParameterValue(binding) && property->type != "KEPMathPoint2D") {
+    // Into the parameter the property holds, through its setter: the parameter takes the render
+    // lock and announces the write, on which every part bound to it refreshes.
+    KEPSYPValue holder;
+    if (FAILED(adapter->GetProperty(name, holder))) return E_FAIL;
+    return KEPVidStyleValues::WriteParameterValue(holder, value);
+  }
+  // One coordinate of a point: the other keeps what the property holds.
   const auto coordinate = KEPVidStyleValues::ToDouble(value);
   if (binding.path.size() != 2 || property->type != "KEPMathPoint2D" || !coordinate ||
       (step != "x" && step != "y"))

@@ -55,6 +55,11 @@ KEPUnicodeString Unicode(const std::string& utf8) {
   return KEPUnicodeString::FromUTF8(utf8);
 }
 
+const KEPTrace& ItemsTrace() {
+  static const KEPTrace trace("KEPVidStyle");
+  return trace;
+}
+
 }  // namespace
 
 KEPVidStyledPart::KEPVidStyledPart(const KEPVidStylePart& definition, KEPVidWidget* father)
@@ -315,31 +320,48 @@ void KEPVidStyledPart::Refresh(KEPVidStyleValues& values) {
     case KEPVidPartKind::Combo: {
       auto& combo = static_cast<KEPVidCtlImageCombo&>(widget);
       if (has(Target::Items)) {
-        const std::string items = KEPVidStyleValues::ToText(Get(Target::Items, values));
-        if (items != items_ || combo.GetItemCount() == 0) {
-          items_ = items;
-          combo.ClearItems();
-          // "label=image;label;..."
-          for (std::size_t start = 0; start < items.size();) {
-            std::size_t end = items.find(';', start);
-            if (end == std::string::npos) end = items.size();
-            const std::string entry(
-                KEPTrimBlanks(std::string_view(items).substr(start, end - start)));
-            const std::size_t equals = entry.find('=');
-            if (!entry.empty())
-              combo.AddItem(
-                  Unicode(std::string(KEPTrimBlanks(entry.substr(0, equals)))),
-                  equals == std::string::npos
-                      ? KEPString()
-                      : KEPString(KEPTrimBlanks(std::string_view(entry).substr(equals + 1))));
-            start = end + 1;
-          }
-        }
+        std::string items = KEPVidStyleValues::ToText(Get(Target::Items, values));
+        if (!itemsRead_ || items != items_) ShowItems(combo, std::move(items), values);
       }
-      if (const auto selection = integer(number(Target::Selection))) combo.SetSelect(*selection);
+      if (has(Target::Value)) {
+        // The entry that carries the value; none shown for a value no entry carries.
+        if (const auto value = integer(number(Target::Value))) {
+          const auto at = std::find(comboValues_.begin(), comboValues_.end(), *value);
+          combo.SetSelect(at == comboValues_.end() ? -1
+                                                   : static_cast<int>(at - comboValues_.begin()));
+        }
+      } else if (const auto selection = integer(number(Target::Selection))) {
+        combo.SetSelect(*selection);
+      }
       break;
     }
   }
+}
+
+void KEPVidStyledPart::ShowItems(KEPVidCtlImageCombo& combo, std::string items,
+                                 KEPVidStyleValues& values) {
+  items_ = std::move(items);
+  itemsRead_ = true;
+  std::vector<KEPVidStyleValues::ComboFault> faults;
+  const auto entries = KEPVidStyleValues::ParseComboItems(items_, faults);
+  combo.ClearItems();
+  comboValues_.clear();
+  for (const auto& entry : entries) {
+    combo.AddItem(Unicode(entry.label), entry.image);
+    comboValues_.push_back(entry.value);
+  }
+  if (faults.empty()) return;
+  // Named by the parameter the control publishes, when it publishes one: the configuration key
+  // to mend is that parameter's.
+  const std::string parameter = KEPVidStyleValues::ToText(values.Read({"Parameter", "Name"}));
+  const KEPVidStyleSetting* binding = definition_.Find(Target::Items);
+  for (const auto& fault : faults)
+    ItemsTrace().Warning(
+        "Combo entry left out { parameter = %s, part = %s, items = %s, entry = \"%s\", "
+        "reason = %s }",
+        parameter.c_str(), definition_.name.c_str(),
+        binding && !binding->path.empty() ? binding->path.front().c_str() : "", fault.entry.c_str(),
+        fault.reason.c_str());
 }
 
 std::optional<KEPSYPValue> KEPVidStyledPart::PersonValue() const {
@@ -361,8 +383,13 @@ std::optional<KEPSYPValue> KEPVidStyledPart::PersonValue() const {
       return KEPSYPValue(static_cast<KEPVidCtlDoubleSpinBox&>(widget).GetValue());
     case KEPVidPartKind::CheckBox:
       return KEPSYPValue(static_cast<KEPVidCtlCheckBox&>(widget).IsChecked());
-    case KEPVidPartKind::Combo:
-      return KEPSYPValue(static_cast<KEPVidCtlImageCombo&>(widget).GetSelect());
+    case KEPVidPartKind::Combo: {
+      const int selected = static_cast<KEPVidCtlImageCombo&>(widget).GetSelect();
+      if (!definition_.Find(Target::Value)) return KEPSYPValue(selected);
+      if (selected < 0 || static_cast<std::size_t>(selected) >= comboValues_.size())
+        return std::nullopt;
+      return KEPSYPValue(comboValues_[static_cast<std::size_t>(selected)]);
+    }
     default:
       return std::nullopt;
   }

@@ -15,6 +15,7 @@
 #include "KEPVidWidget.h"
 #include "KEP_var.h"
 
+class KEPVidCtlImageCombo;
 class KEPVidStyleValues;
 
 class KEPVidStyledPart {
@@ -51,6 +52,8 @@ class KEPVidStyledPart {
   /// The value of `target` now: its binding's reading, else its literal, else empty.
   KEPSYPValue Get(KEPVidStyleTarget target, KEPVidStyleValues& values) const;
   double Scale() const;
+  /// Fills a combo with the entries of `items` (traced when some are left out).
+  void ShowItems(KEPVidCtlImageCombo& combo, std::string items, KEPVidStyleValues& values);
 
   const KEPVidStylePart& definition_;
   KEP_var<KEPVidWidget> widget_;
@@ -62,4 +65,6 @@ class KEPVidStyledPart {
   double minimum_;     ///< editor: the numbers it takes
   double maximum_;
   std::string items_;  ///< combo: the entries shown
+  bool itemsRead_ = false;
+  std::vector<int> comboValues_;  ///< combo: the value each entry shown carries
 };

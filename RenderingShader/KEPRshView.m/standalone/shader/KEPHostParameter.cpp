@@ -233,6 +233,13 @@ HRESULT KEPHostParameter::SetConnectedShader(KEPIRshShader* shader) {
   return S_OK;
 }
 
+HRESULT KEPHostParameter::GetParentShader(KEPIRshShader*& shader) {
+  shader = father_;
+  if (!shader) return E_FAIL;
+  shader->AddRef();
+  return S_OK;
+}
+
 HRESULT KEPHostParameter::GetFather(KEPBaseUnknown*& father) {
   father = father_;
   if (!father) return E_FAIL;

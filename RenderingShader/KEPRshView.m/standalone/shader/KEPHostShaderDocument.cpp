@@ -32,6 +32,22 @@ KEPHostShaderNode* KEPHostShaderDocument::FindNode(const std::string& id) const 
   return it == byId_.end() ? nullptr : it->second;
 }
 
+KEPIRenderingMaterial* KEPHostShaderDocument::GetRenderingMaterial(const std::string& rootId) {
+  if (!FindNode(rootId)) return nullptr;
+  auto& material = materials_[rootId];
+  if (!material)
+    material = KEP_var<KEPHostRenderingMaterial>::Adopt(new KEPHostRenderingMaterial(rootId));
+  KEPIRenderingMaterial* answer = material.Get();
+  answer->AddRef();
+  return answer;
+}
+
+KEPHostRenderingMaterial* KEPHostShaderDocument::FindRenderingMaterial(
+    const std::string& rootId) const {
+  const auto it = materials_.find(rootId);
+  return it == materials_.end() ? nullptr : it->second.Get();
+}
+
 HRESULT KEPHostShaderDocument::FindShader(const KEPString& id, KEPIRshShader*& shader) {
   KEPHostShaderNode* node = FindNode(id);
   if (!node) return E_FAIL;

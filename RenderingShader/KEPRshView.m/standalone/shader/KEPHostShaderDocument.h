@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "KEPBaseUnknown.h"
+#include "KEPHostRenderingMaterial.h"
 #include "KEPHostShaderLibrary.h"
 #include "KEPHostShaderNode.h"
 #include "KEPIRshShaderSupport.h"
@@ -25,6 +26,12 @@ class KEPHostShaderDocument : public KEPBaseUnknown, public KEPIRshShaderSupport
   const std::shared_ptr<const KEPHostShaderLibrary>& Library() const { return library_; }
   const std::vector<KEP_var<KEPHostShaderNode>>& Nodes() const { return nodes_; }
   KEPHostShaderNode* FindNode(const std::string& id) const;
+  /// The rendering material whose root node is `rootId`, made on first use, with a reference for
+  /// the caller; null when no node has that identifier.
+  KEPIRenderingMaterial* GetRenderingMaterial(const std::string& rootId);
+  /// The material of `rootId` if one was made (borrowed), else null; lets tools and tests see
+  /// what the material was handed.
+  KEPHostRenderingMaterial* FindRenderingMaterial(const std::string& rootId) const;
   /// Identifiers of the root nodes (materials and lights), in document order.
   std::vector<std::string> materials;
   /// File the document was read from, if any.
@@ -36,4 +43,5 @@ class KEPHostShaderDocument : public KEPBaseUnknown, public KEPIRshShaderSupport
   std::shared_ptr<const KEPHostShaderLibrary> library_;
   std::vector<KEP_var<KEPHostShaderNode>> nodes_;
   std::unordered_map<std::string, KEPHostShaderNode*> byId_;  ///< every node of nodes_ by id
+  std::unordered_map<std::string, KEP_var<KEPHostRenderingMaterial>> materials_;  ///< by root id
 };

@@ -45,6 +45,10 @@ HRESULT KEPHostShaderNode::GetConfigurationId(KEPString& configurationId) {
   return S_OK;
 }
 
+HRESULT KEPHostShaderNode::GetConfiguration(KEPString& configurationId) {
+  return GetConfigurationId(configurationId);
+}
+
 HRESULT KEPHostShaderNode::GetParameters(KEPListP<KEPIRshParameter>*& parameters) {
   auto* list = new KEPListP<KEPIRshParameter>();
   for (const auto& parameter : parameters_) {

@@ -9,7 +9,9 @@
 #include "KEPHostShaderLibrary.h"
 #include "KEPIAlias.h"
 #include "KEPIRshParameter.h"
+#include "KEPIRshParameterPrivate.h"
 #include "KEPIRshShader.h"
+#include "KEPIRshShaderPrivate.h"
 #include "KEPIRshShaderResources.h"
 #include "KEPISpecObject.h"
 
@@ -19,6 +21,7 @@ class KEPHostShaderNode;
 /// registered for "KEPRmaScalar" and the like extend it. Its father is its shader node.
 class KEPHostParameter : public KEPBaseUnknown,
                          public KEPIRshParameter,
+                         public KEPIRshParameterPrivate,
                          public KEPISpecObject,
                          public KEPIAlias {
   KEP_DECLARE_CLASS
@@ -44,6 +47,8 @@ class KEPHostParameter : public KEPBaseUnknown,
   HRESULT SetTextureValue(KEPIPLMDmtDocument* document) override;
   HRESULT GetConnectedShader(KEPIRshShader*& shader) override;
   HRESULT SetConnectedShader(KEPIRshShader* shader) override;
+  // KEPIRshParameterPrivate: the father node
+  HRESULT GetParentShader(KEPIRshShader*& shader) override;
   // KEPISpecObject
   HRESULT GetFather(KEPBaseUnknown*& father) override;
   // KEPIAlias: the name unless an alias was given
@@ -82,6 +87,7 @@ class KEPHostParameter : public KEPBaseUnknown,
 class KEPHostShaderNode : public KEPBaseUnknown,
                           public KEPIRshShader,
                           public KEPIRshShaderResources,
+                          public KEPIRshShaderPrivate,
                           public KEPISpecObject,
                           public KEPIAlias {
   KEP_DECLARE_CLASS
@@ -100,6 +106,8 @@ class KEPHostShaderNode : public KEPBaseUnknown,
   // KEPIRshShaderResources (offered only when the type has resources)
   HRESULT GetResourceValue(const KEPString& parameterName, const KEPString& key,
                            KEPUnicodeString& value) override;
+  // KEPIRshShaderPrivate: the node's configuration identifier
+  HRESULT GetConfiguration(KEPString& configurationId) override;
   // KEPISpecObject: the shader that holds this sub-shader, else the document that owns the node
   HRESULT GetFather(KEPBaseUnknown*& father) override;
   // KEPIAlias: the identifier unless an alias was given

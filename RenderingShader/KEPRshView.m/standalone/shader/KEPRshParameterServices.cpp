@@ -2,7 +2,9 @@
 
 #include <atomic>
 
+#include "KEPHostShaderDocument.h"
 #include "KEPIPLMDmtDocument.h"
+#include "KEPIRenderingMaterial.h"
 #include "KEPIRshParameter.h"
 #include "KEPIRshShader.h"
 #include "KEPISpecObject.h"
@@ -63,6 +65,22 @@ bool KEPRshParameterServices::IsSVGMapPresent(KEPIRshShader* shader) {
   }
   delete list;
   return found;
+}
+
+KEPIRenderingMaterial* KEPRshParameterServices::FindRenderingMaterial(KEPIRshShader* shader) {
+  // Up the sub-shader fathers to the root node, whose father is the document that holds the
+  // material. Fathers form no loop in a loaded document; the bound keeps a broken one finite.
+  constexpr int kMaxDepth = 4096;
+  auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
+  for (int depth = 0; node && depth < kMaxDepth; ++depth) {
+    KEPBaseUnknown* father = nullptr;
+    if (FAILED(node->GetFather(father)) || !father) return nullptr;
+    const auto owner = KEP_var<KEPBaseUnknown>::Adopt(father);
+    if (auto* document = dynamic_cast<KEPHostShaderDocument*>(owner.Get()))
+      return document->GetRenderingMaterial(node->Id());
+    node = dynamic_cast<KEPHostShaderNode*>(owner.Get());
+  }
+  return nullptr;
 }
 
 namespace {

@@ -497,8 +497,9 @@ TEST_F(StyleEngine, ANewStyleReplacesThePartsOfTheLastOne) {
   std::string error;
   EXPECT_EQ(old->InjectUserEvent(KEPVidAction::Set, "80", error), S_OK);
   EXPECT_EQ(model_.writes, 0) << "the old part is no longer bound";
-  // A style that cannot be built leaves no parts either.
-  EXPECT_EQ(control->SetCustomStyle("KEPRshUI.sypstyle", "Default", u"no-such-kind"), E_FAIL);
+  // A style that cannot be built leaves no parts either (the sheet's catch-all class takes any
+  // class name, so the style is what is missing here).
+  EXPECT_EQ(control->SetCustomStyle("KEPRshUI.sypstyle", "NoSuchStyle", u"ratio"), E_FAIL);
   EXPECT_EQ(control->GetChildCount(), 0U);
 }
 
