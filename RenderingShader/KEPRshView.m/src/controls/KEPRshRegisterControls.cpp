@@ -1,6 +1,8 @@
 // Registration of the introspectable value controls: a metaclass builder per control, and the
-// ratio's own introspection adapter (the soft and hard range control is introspected through the
-// toolkit's). Registering again replaces the same entries, so the call is idempotent.
+// ratio's and the scalar spinner's own introspection adapters (the soft and hard range control is
+// introspected through the toolkit's). Registering again replaces the same entries, so the call
+// is idempotent.
+#include "KEPRshUICtlScalarSpinner.h"
 #include "KEPRshUIScalarRatio.h"
 #include "KEPRshUIScalarSoftHardRange.h"
 #include "KEPSYPMetaClass.h"
@@ -12,4 +14,9 @@ void KEPRshRegisterControls() {
                                   &fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder);
   KEPSYPRegistry::RegisterAdapter("KEPRshUIScalarRatio",
                                   &CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro);
+  KEPSYPRegistry::RegisterBuilder("KEPRshUICtlScalarSpinner",
+                                  &fctCreateKEPRshUICtlScalarSpinnerSYPMetaClassBuilder);
+  KEPSYPRegistry::RegisterAdapter(
+      "KEPRshUICtlScalarSpinner",
+      &CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro);
 }

@@ -37,7 +37,9 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout"
                           "fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder"
                           "fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder"
-                          "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro")
+                          "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro"
+                          "fctCreateKEPRshUICtlScalarSpinnerSYPMetaClassBuilder"
+                          "CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro")
   string(FIND "${output}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
