@@ -16,7 +16,6 @@ void KEPRshRegisterControls() {
                                   &CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro);
   KEPSYPRegistry::RegisterBuilder("KEPRshUICtlScalarSpinner",
                                   &fctCreateKEPRshUICtlScalarSpinnerSYPMetaClassBuilder);
-  KEPSYPRegistry::RegisterAdapter(
-      "KEPRshUICtlScalarSpinner",
-      &CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro);
+  KEPSYPRegistry::RegisterAdapter("KEPRshUICtlScalarSpinner",
+                                  &CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro);
 }

@@ -123,7 +123,8 @@ double KEPRshUICtlScalarSpinner::ReadRangeEnd(bool minimum) const {
   double low = kDefaultMinimum;
   double high = kDefaultMaximum;
   if (FAILED(layout->GetHardRange(low, high))) {
-    if (trace_) trace_->Error(SourcePath(), __LINE__, "{ name = %s, %s = %.3f }", Name(), words, fallback);
+    if (trace_)
+      trace_->Error(SourcePath(), __LINE__, "{ name = %s, %s = %.3f }", Name(), words, fallback);
     return fallback;
   }
   const double end = minimum ? low : high;

@@ -39,8 +39,7 @@ constexpr int kPopupOffsetY = 10;
 /// The slider position of a lightness in 0..1, rounded to the nearest.
 int SliderPosition(const KEPVidCtlSlider& slider, float lightness) {
   const double span = static_cast<double>(slider.GetMaximum() - slider.GetMinimum());
-  return slider.GetMinimum() +
-         static_cast<int>(std::lround(static_cast<double>(lightness) * span));
+  return slider.GetMinimum() + static_cast<int>(std::lround(static_cast<double>(lightness) * span));
 }
 
 }  // namespace
@@ -143,8 +142,8 @@ void KEPRshUICtlParameterColor::BuildButton() {
 }
 
 void KEPRshUICtlParameterColor::BuildPicker() {
-  auto* picker = new (std::nothrow)
-      KEPVidCtlColorCompositePicker(grid_, "colorPicker", "VIDColorPicker", 10);
+  auto* picker =
+      new (std::nothrow) KEPVidCtlColorCompositePicker(grid_, "colorPicker", "VIDColorPicker", 10);
   if (!picker) return;
   picker_ = picker;
   picker->SetModeList(KEPRshColorPickerModes::ModeList());

@@ -72,12 +72,12 @@ class KEPRshUICtlParameterColor : public KEPRshParameterImmWidget {
   void Write(KEPIRshParameter* parameter, bool picker);
 
   KEPTrace trace_{"KEPRshUICtlParameterColor"};
-  KEPVidLayGrid* grid_ = nullptr;                   ///< "ColorLayout" (this widget owns it)
-  KEPVidCtlButton* button_ = nullptr;               ///< "AmbientColor" (the grid owns the rest)
-  KEPVidCtlSlider* slider_ = nullptr;               ///< "colorSlider"
-  KEPVidCtlEditor* editor_ = nullptr;               ///< "colorEditor"
+  KEPVidLayGrid* grid_ = nullptr;                    ///< "ColorLayout" (this widget owns it)
+  KEPVidCtlButton* button_ = nullptr;                ///< "AmbientColor" (the grid owns the rest)
+  KEPVidCtlSlider* slider_ = nullptr;                ///< "colorSlider"
+  KEPVidCtlEditor* editor_ = nullptr;                ///< "colorEditor"
   KEPVidCtlColorCompositePicker* picker_ = nullptr;  ///< "colorPicker", inside the popup
-  KEPVidCtlPopup* popup_ = nullptr;                 ///< "colorPopup"
+  KEPVidCtlPopup* popup_ = nullptr;                  ///< "colorPopup"
   KEPVidRGB rgb_;
   float alpha_ = 1.0f;
   KEPVidHSL hsl_;

@@ -87,8 +87,8 @@ float KEPVidByteToChannel(int byte) {
 }
 
 KEPVidHSL KEPVidRGBToHSL(const KEPVidColor& color) {
-  return KEPVidRGBToHSL({KEPVidByteToChannel(color.red), KEPVidByteToChannel(color.green),
-                         KEPVidByteToChannel(color.blue)});
+  return KEPVidRGBToHSL(KEPVidRGB{KEPVidByteToChannel(color.red), KEPVidByteToChannel(color.green),
+                                  KEPVidByteToChannel(color.blue)});
 }
 
 KEPVidColor KEPVidHSLToColor(const KEPVidHSL& hsl, int alpha) {

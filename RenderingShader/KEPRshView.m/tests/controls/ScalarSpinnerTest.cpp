@@ -91,8 +91,9 @@ TEST_F(ScalarSpinnerTest, ReadsTheMeanAndWritesAGreyOnlyWhenTheValueDiffers) {
   EXPECT_EQ(count.writes, 1);
   // The alpha is reset to opaque.
   EXPECT_EQ(Stored(c), (std::array<float, 4>{0.5f, 0.5f, 0.5f, 1.0f}));
-  EXPECT_EQ(TextsAt(trace, kChannel, KEPTraceLevel::Info),
-            (std::vector<std::string>{"{ name = c, previous = 0.400, next = 0.500, unit = none }"}));
+  EXPECT_EQ(
+      TextsAt(trace, kChannel, KEPTraceLevel::Info),
+      (std::vector<std::string>{"{ name = c, previous = 0.400, next = 0.500, unit = none }"}));
   EXPECT_EQ(AdapterOf(spinner.Get())->GetDispatched(),
             (std::vector<std::string>{"Step", "Value", "Unit", "Magnitude", "Minimum", "Maximum",
                                       "Value"}));
@@ -109,9 +110,9 @@ TEST_F(ScalarSpinnerTest, ReadsTheMeanAndWritesAGreyOnlyWhenTheValueDiffers) {
 }
 
 TEST_F(ScalarSpinnerTest, StepIsTenToTheMinusThePrecision) {
-  const std::pair<int, double> cases[] = {{3, 0.001}, {0, 1.0},     {-1, 10.0},   {1, 0.1},
-                                          {2, 0.01},  {-3, 1000.0}, {7, 1e-7},    {-22, 1e22},
-                                          {400, 0.0}};
+  const std::pair<int, double> cases[] = {{3, 0.001}, {0, 1.0},    {-1, 10.0},
+                                          {1, 0.1},   {2, 0.01},   {-3, 1000.0},
+                                          {7, 1e-7},  {-22, 1e22}, {400, 0.0}};
   const auto p = ScriptedGrey(0.5f);
   const auto spinner = SpinnerOn(p.Get());
   for (const auto& [precision, step] : cases) {
@@ -192,8 +193,9 @@ TEST_F(ScalarSpinnerTest, FailuresAreErrorsAndWritesHoldTheRenderLock) {
   p->writeResult = E_FAIL;
   spinner->SetValue(0.5);
   EXPECT_EQ(AdapterOf(spinner.Get())->GetDispatched().size(), built + 1);  // no announcement
-  EXPECT_EQ(TextsAt(trace, kChannel, KEPTraceLevel::Error),
-            (std::vector<std::string>{"{ name = p, previous = 0.750, next = 0.500, unit = none }"}));
+  EXPECT_EQ(
+      TextsAt(trace, kChannel, KEPTraceLevel::Error),
+      (std::vector<std::string>{"{ name = p, previous = 0.750, next = 0.500, unit = none }"}));
 
   // An unreadable colour reads 0, so setting 0 writes nothing and anything else writes.
   trace.Clear();

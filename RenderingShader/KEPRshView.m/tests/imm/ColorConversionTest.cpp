@@ -38,7 +38,7 @@ TEST(ColorConversionTest, KnownColoursBothWays) {
       {"magenta", {1, 0, 1}, {5.0f / 6, 1, 0.5f}},
       {"dark red (lightness below one half)", {0.5f, 0, 0}, {0, 1, 0.25f}},
       {"pink (lightness above one half)", {1, 0.5f, 0.5f}, {0, 1, 0.75f}},
-      {"a rose just below a full turn", {1, 0, 0.05f}, {0.991666f, 1, 0.525f}},
+      {"a rose just below a full turn", {1, 0, 0.05f}, {0.991666f, 1, 0.5f}},
       {"greyish teal", {0.2f, 0.4f, 0.4f}, {0.5f, 1.0f / 3, 0.3f}},
   };
   for (const Case& c : cases) {
@@ -64,8 +64,8 @@ TEST(ColorConversionTest, ChangingOnlyTheLightnessKeepsHueAndSaturation) {
     for (const float lightness : {0.01f, 0.3f, 0.5f, 0.77f, 0.99f}) {
       SCOPED_TRACE(testing::Message() << colour.red << " " << colour.green << " " << colour.blue
                                       << " at L " << lightness);
-      const KEPVidHSL moved = KEPVidRGBToHSL(KEPVidHSLToRGB({original.hue, original.saturation,
-                                                             lightness}));
+      const KEPVidHSL moved =
+          KEPVidRGBToHSL(KEPVidHSLToRGB({original.hue, original.saturation, lightness}));
       EXPECT_NEAR(moved.hue, original.hue, 2e-4);
       EXPECT_NEAR(moved.saturation, original.saturation, 2e-4);
       EXPECT_NEAR(moved.lightness, lightness, 1e-6);

@@ -1,6 +1,7 @@
 // The colour widget: what it shows of a colour, the lightness it writes back keeping hue and
 // saturation, the picker's modes by software level, the echo guard, the render lock against a
 // render thread, editors of one node in step, and a widget that outlives its parameter.
+#include <unistd.h>
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -9,7 +10,6 @@
 #include <fstream>
 #include <future>
 #include <thread>
-#include <unistd.h>
 
 #include "ImmWidgetTestSupport.h"
 #include "KEPHostContext.h"
@@ -168,11 +168,11 @@ TEST_F(ColorWidgetTest, ControlsAreNamedPlacedAndConfigured) {
 
 TEST_F(ColorWidgetTest, PickerModesFollowTheSoftwareLevelReadOncePerProcess) {
   const std::vector<KEPString> firstLevel = {"ColorWheel", "ColorSquareS",
-                                             "ColorSlidersAndSpinBoxes",
-                                             "ColorPaletteSimpleColors", "ColorHistory"};
-  const std::vector<KEPString> otherLevels = {"ColorSquareH", "ColorSquareS", "ColorSquareV",
-                                              "ColorCircle",  "ColorSlidersAndSpinBoxes",
-                                              "ColorHistory"};
+                                             "ColorSlidersAndSpinBoxes", "ColorPaletteSimpleColors",
+                                             "ColorHistory"};
+  const std::vector<KEPString> otherLevels = {
+      "ColorSquareH", "ColorSquareS", "ColorSquareV", "ColorCircle", "ColorSlidersAndSpinBoxes",
+      "ColorHistory"};
   KEPHostParameter* p = ColorParam(0.1f, 0.2f, 0.3f);
   EXPECT_EQ(Picker(ColorWidget(p))->GetModes(), firstLevel);
 
@@ -214,8 +214,12 @@ TEST_F(ColorWidgetTest, PickerModesFollowTheSoftwareLevelReadOncePerProcess) {
 TEST_F(ColorWidgetTest, LightnessChangesKeepHueAndSaturation) {
   // Through black and white and back: the widget keeps hue and saturation, so the colour
   // returns. A grey stays grey.
-  const Rgba colours[] = {{1, 0, 0, 1},       {0, 1, 0, 1},         {0, 0, 1, 1},
-                          {0.5f, 0.5f, 0.5f, 1}, {0.98f, 0.99f, 1, 1}, {0.1f, 0.05f, 0, 1},
+  const Rgba colours[] = {{1, 0, 0, 1},
+                          {0, 1, 0, 1},
+                          {0, 0, 1, 1},
+                          {0.5f, 0.5f, 0.5f, 1},
+                          {0.98f, 0.99f, 1, 1},
+                          {0.1f, 0.05f, 0, 1},
                           {0.8f, 0.4f, 0.6f, 0.25f}};
   for (const Rgba& colour : colours) {
     SCOPED_TRACE(testing::Message() << colour[0] << " " << colour[1] << " " << colour[2]);
@@ -291,11 +295,13 @@ TEST_F(ColorWidgetTest, PickerWaitsForARenderThreadAndWritesUnderTheLock) {
   });
   holding.get_future().wait();
   const auto renderThreadCanLock = [] {
-    return std::async(std::launch::async, [] {
-             const bool got = KEPRdgRenderLock::Mutex().try_lock();
-             if (got) KEPRdgRenderLock::Mutex().unlock();
-             return got;
-           }).get();
+    return std::async(std::launch::async,
+                      [] {
+                        const bool got = KEPRdgRenderLock::Mutex().try_lock();
+                        if (got) KEPRdgRenderLock::Mutex().unlock();
+                        return got;
+                      })
+        .get();
   };
   std::vector<bool> lockedOut;
   const int token =
@@ -323,7 +329,8 @@ TEST_F(ColorWidgetTest, EditorsOfOneParameterStayInStepWithoutWritingBack) {
   EXPECT_EQ(Picker(second)->GetColor(), Picker(first)->GetColor());
   // A write from elsewhere (a grey from the spinner, a script) reaches both.
   ASSERT_EQ(p->SetColorValue(0.1f, 0.1f, 0.1f, 1.0f), S_OK);
-  for (const auto* w : {static_cast<const KEPVidWidget*>(first), second}) {
+  for (const KEPVidWidget* w :
+       {static_cast<const KEPVidWidget*>(first), static_cast<const KEPVidWidget*>(second)}) {
     EXPECT_EQ(Slider(w)->GetValue(), 10);
     EXPECT_EQ(Editor(w)->GetText().ToUTF8(), "0.10");
     EXPECT_EQ(Picker(w)->GetColor(), (KEPVidColor{26, 26, 26, 255}));
