@@ -237,7 +237,7 @@ TEST_F(ColorWidgetTest, LightnessChangesKeepHueAndSaturation) {
     EXPECT_NEAR(moved.saturation, original.saturation, 1e-4);
     Act(Editor(w), KEPVidAction::Type, KEPFormat("%.9g", static_cast<double>(original.lightness)));
     const Rgba back = Stored(p);
-    for (int i = 0; i < 3; ++i) EXPECT_NEAR(back[i], colour[static_cast<std::size_t>(i)], 1e-5);
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(back[i], colour[i], 1e-5);
     EXPECT_EQ(back[3], colour[3]);  // the alpha is never touched
     EXPECT_EQ(w->GetHSL().hue, original.hue);
     EXPECT_EQ(w->GetHSL().saturation, original.saturation);
