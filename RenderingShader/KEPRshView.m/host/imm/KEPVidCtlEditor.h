@@ -1,5 +1,6 @@
 // A one-line editor. Its data type decides how typed text is read: 6 (KEPVidEditor_Double) reads
-// a real number, 1 (KEPVidEditor_Integer) an integer, 0 (KEPVidEditor_Text) keeps the text.
+// a real number, 2 (KEPVidEditor_Float) a real number within the single-precision floats,
+// 1 (KEPVidEditor_Integer) an integer, 0 (KEPVidEditor_Text) keeps the text.
 // Setting the value or the text raises EditModify when either changes; text that the data type
 // cannot read is refused by a person's Type (the editor keeps what it had).
 #pragma once
@@ -12,6 +13,7 @@
 enum KEPVidEditorDataType : int {
   KEPVidEditor_Text = 0,
   KEPVidEditor_Integer = 1,
+  KEPVidEditor_Float = 2,
   KEPVidEditor_Double = 6,
 };
 

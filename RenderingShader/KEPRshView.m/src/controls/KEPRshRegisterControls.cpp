@@ -1,7 +1,9 @@
 // Registration of the introspectable value controls: a metaclass builder per control, and the
-// ratio's own introspection adapter (the soft and hard range control is introspected through the
-// toolkit's). Registering again replaces the same entries, so the call is idempotent.
+// ratio's, the integer combo control's and the scalar spinner's own introspection adapters (the
+// soft and hard range control is introspected through the toolkit's). Registering again replaces
+// the same entries, so the call is idempotent.
 #include "KEPRshUICtlParameterIntegral1.h"
+#include "KEPRshUICtlScalarSpinner.h"
 #include "KEPRshUIScalarRatio.h"
 #include "KEPRshUIScalarSoftHardRange.h"
 #include "KEPSYPMetaClass.h"
@@ -18,4 +20,8 @@ void KEPRshRegisterControls() {
   KEPSYPRegistry::RegisterAdapter(
       "KEPRshUICtlParameterIntegral1",
       &CreateBOAKEPISYPIntrospectableKEPRshUICtlParameterIntegral1SYPIntro);
+  KEPSYPRegistry::RegisterBuilder("KEPRshUICtlScalarSpinner",
+                                  &fctCreateKEPRshUICtlScalarSpinnerSYPMetaClassBuilder);
+  KEPSYPRegistry::RegisterAdapter("KEPRshUICtlScalarSpinner",
+                                  &CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro);
 }

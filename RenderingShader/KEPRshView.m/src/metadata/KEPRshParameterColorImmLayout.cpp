@@ -1,5 +1,21 @@
 #include "KEPRshParameterColorImmLayout.h"
 
+#include <new>
+
+#include "KEPIRshParameter.h"
+#include "KEPRshUICtlParameterColor.h"
+#include "KEPRshUICtlScalarSpinner.h"
+#include "KEP_var.h"
+
+namespace {
+
+/// Where the builder's error entries say they come from.
+constexpr const char* kSourcePath =
+    "RenderingShader/KEPRshView.m/src/KEPRshParameterColorImmLayout";
+constexpr int kBuildFailureLine = 89;
+
+}  // namespace
+
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterColorImmLayout, KEPRshParameterImmLayout, "KEPNull",
                        "RenderingShader", KEPClassKind_Extension, "KEPRmaColor")
 
@@ -44,4 +60,40 @@ const char* KEPRshParameterColorImmLayout::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterColorImmLayout::WidgetKinds() const {
   return {"scalar-spinner", "color"};
+}
+
+HRESULT KEPRshParameterColorImmLayout::BuildWidget(KEPVidWidget* parent, const char* name,
+                                                   KEPVidWidget*& widget) {
+  widget = nullptr;
+  const KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(this);
+  const KEP_var<KEPIRshParameterImmLayout> layout = KEPQueryVar<KEPIRshParameterImmLayout>(this);
+  if (!parameter || !layout) return E_NOINTERFACE;
+
+  // The choice traces the kind, or the default it fell back to, on this layout's channel.
+  KEPString kind;
+  layout->ChooseWidgetKind(kind);
+
+  const KEPString controlName = name ? name : "";
+  KEPVidWidget* control = nullptr;
+  if (kind == "scalar-spinner") {
+    if (auto* spinner = new (std::nothrow) KEPRshUICtlScalarSpinner(layout.Get())) {
+      // The spinner's parts come from the style sheet's entry of its kind.
+      spinner->SetCustomStyle("KEPRshUI.sypstyle", "Default", KEPUnicodeString::FromUTF8(kind));
+      control = spinner;
+    }
+  } else {
+    // "color" and any other kind: the lightness slider, its editor and the picker's button.
+    control = new (std::nothrow) KEPRshUICtlParameterColor(parameter.Get(), parent, controlName);
+  }
+
+  // The same text on both paths: an error entry already says that the build failed.
+  if (!control) {
+    GetTrace()->Error(kSourcePath, kBuildFailureLine, "Widget successfully built");
+    return E_FAIL;
+  }
+  GetTrace()->Info("Widget successfully built");
+  control->SetName(controlName);
+  if (control->GetFather() != parent) control->SetFather(parent);
+  widget = control;
+  return S_OK;
 }

@@ -21,6 +21,11 @@ class KEPRshParameterColorImmLayout : public KEPRshParameterImmLayout {
   HRESULT GetSoftRange(double& min, double& max) override;
   HRESULT GetSecondaryParameterName(KEPString& name) override;
   HRESULT GetHardRange(double& min, double& max) override;
+  /// Builds the control of the configured kind: "scalar-spinner" the grey-level spinner (styled
+  /// from "KEPRshUI.sypstyle"), "color" and any other kind the colour widget. Traces the kind and
+  /// the outcome on the layout's trace channel. Without a parent the control is built all the
+  /// same and the caller owns it.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
 
  protected:
   KEPRshParameterColorImmLayout() = default;

@@ -1,5 +1,6 @@
 #include "KEPVidCtlEditor.h"
 
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -17,7 +18,12 @@ bool ReadForType(int dataType, std::string_view text, double& value, std::string
     value = integer;
     return true;
   }
-  return KEPVidReadDouble(text, value, problem);
+  if (!KEPVidReadDouble(text, value, problem)) return false;
+  if (dataType == KEPVidEditor_Float && std::fabs(value) > static_cast<double>(FLT_MAX)) {
+    problem = KEPVidQuote(text) + " is beyond the single-precision floats";
+    return false;
+  }
+  return true;
 }
 
 // The shortest text that reads back as `value`; a value that is exactly a single-precision float
@@ -35,7 +41,8 @@ std::string Shown(double value) {
 }
 
 bool IsNumeric(int dataType) {
-  return dataType == KEPVidEditor_Integer || dataType == KEPVidEditor_Double;
+  return dataType == KEPVidEditor_Integer || dataType == KEPVidEditor_Double ||
+         dataType == KEPVidEditor_Float;
 }
 }  // namespace
 

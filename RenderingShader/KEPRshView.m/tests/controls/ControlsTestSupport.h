@@ -174,6 +174,14 @@ class ControlsTest : public Fixture {
     KEPHostShaderNode* node = world_->Node(type);
     return {world_->Param(node, "x"), world_->Param(node, "y")};
   }
+  /// A host colour parameter "c" alone in a node; `config` keys are whole ("c.Min").
+  KEPHostParameter* HostColor(float r, float g, float b, float a,
+                              const std::vector<std::pair<std::string, std::string>>& config = {}) {
+    const std::string type = "t" + std::to_string(++types_);
+    world_->Add(Type(type).Param("c", Color(r, g, b, a)));
+    for (const auto& [key, text] : config) KEPHostConfiguration::SetValue(type, key, text);
+    return world_->Param(world_->Node(type), "c");
+  }
   /// Destroys every node and parameter made so far.
   void EndWorld() { world_.reset(); }
 

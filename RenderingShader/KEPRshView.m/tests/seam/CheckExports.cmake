@@ -39,7 +39,9 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder"
                           "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro"
                           "fctCreateKEPRshUICtlParameterIntegral1SYPMetaClassBuilder"
-                          "CreateBOAKEPISYPIntrospectableKEPRshUICtlParameterIntegral1SYPIntro")
+                          "CreateBOAKEPISYPIntrospectableKEPRshUICtlParameterIntegral1SYPIntro"
+                          "fctCreateKEPRshUICtlScalarSpinnerSYPMetaClassBuilder"
+                          "CreateBOAKEPISYPIntrospectableKEPRshUICtlScalarSpinnerSYPIntro")
   string(FIND "${output}" "${required}" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
