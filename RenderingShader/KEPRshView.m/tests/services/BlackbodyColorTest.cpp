@@ -19,10 +19,10 @@ TEST(BlackbodyColor, MatchesAnIndependentIntegrationAcrossTheSliderRange) {
   // Planck x CIE 1931 2-degree, linear sRGB (D65), white added into gamut, largest component 1,
   // sRGB transfer curve; computed separately in double precision.
   const Expected cases[] = {
-      {1000, 1.0f, 0.182f, 0.0f},       {1850, 1.0f, 0.5097f, 0.0f},
-      {2700, 1.0f, 0.6766f, 0.3477f},   {4000, 1.0f, 0.8287f, 0.6478f},
-      {5000, 1.0f, 0.9022f, 0.8142f},   {6500, 1.0f, 0.9745f, 0.9964f},
-      {10000, 0.8034f, 0.852f, 1.0f},   {40000, 0.6203f, 0.7227f, 1.0f},
+      {1000, 1.0f, 0.182f, 0.0f},     {1850, 1.0f, 0.5097f, 0.0f},
+      {2700, 1.0f, 0.6766f, 0.3477f}, {4000, 1.0f, 0.8287f, 0.6478f},
+      {5000, 1.0f, 0.9022f, 0.8142f}, {6500, 1.0f, 0.9745f, 0.9964f},
+      {10000, 0.8034f, 0.852f, 1.0f}, {40000, 0.6203f, 0.7227f, 1.0f},
   };
   for (const Expected& c : cases) {
     float r = -1, g = -1, b = -1;
