@@ -18,9 +18,7 @@ class KEPDlgCheckButton : public KEPDialog {
   void SetState(int state, int notify = 0);
   int GetState() const { return checked_ ? KEPDlgCheck : KEPDlgUncheck; }
 
-  KEPDlgCheckButtonModifyNotification* GetCheckButtonModifyNotification() const {
-    return modify_;
-  }
+  KEPDlgCheckButtonModifyNotification* GetCheckButtonModifyNotification() const { return modify_; }
 
   void DescribeState(KEPVidStateWriter& writer) const override;
   /// Toggle: "on", "off", or nothing to flip; always notifies.

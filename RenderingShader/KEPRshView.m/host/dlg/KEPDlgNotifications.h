@@ -7,14 +7,14 @@
 
 #include "KEPNotification.h"
 
-#define KEP_DLG_NOTIFICATION(Class)                        \
-  class Class : public KEPNotification {                   \
-    KEP_DECLARE_CLASS                                      \
-   public:                                                 \
-    Class();                                               \
-                                                           \
-   protected:                                              \
-    ~Class() override;                                     \
+#define KEP_DLG_NOTIFICATION(Class)      \
+  class Class : public KEPNotification { \
+    KEP_DECLARE_CLASS                    \
+   public:                               \
+    Class();                             \
+                                         \
+   protected:                            \
+    ~Class() override;                   \
   };
 
 /// A slider's handle moves while a person drags it.

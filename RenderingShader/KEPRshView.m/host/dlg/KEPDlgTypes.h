@@ -36,8 +36,8 @@ inline constexpr int KEPDlgGridTop = 0x02;
 inline constexpr int KEPDlgGridLeft = 0x08;
 inline constexpr int KEPDlgGridRight = 0x10;
 inline constexpr int KEPDlgGridBottom = 0x40;
-inline constexpr int KEPDlgGridAll = KEPDlgGridTop | KEPDlgGridLeft | KEPDlgGridRight |
-                                     KEPDlgGridBottom;
+inline constexpr int KEPDlgGridAll =
+    KEPDlgGridTop | KEPDlgGridLeft | KEPDlgGridRight | KEPDlgGridBottom;
 
 /// Tabulation attachment kinds (KEPDlgFrame::SetHorizontalAttachment, SetVerticalAttachment):
 /// which edges of the widgets a tabulation line holds. Across the line's direction the start edge

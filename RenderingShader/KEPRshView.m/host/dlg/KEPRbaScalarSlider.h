@@ -13,8 +13,8 @@
 class KEPRbaScalarSlider : public KEPRbaSlider {
   KEP_DECLARE_CLASS
  public:
-  KEPRbaScalarSlider(KEPDialog* father, const KEPString& name, const int& width,
-                     const int& height, int style = 0);
+  KEPRbaScalarSlider(KEPDialog* father, const KEPString& name, const int& width, const int& height,
+                     int style = 0);
 
   /// See KEPDlgSpinner::SetFormat.
   void SetFormat(const char* format);
@@ -36,8 +36,8 @@ class KEPRbaScalarSlider : public KEPRbaSlider {
   ~KEPRbaScalarSlider() override;
   double FromShown(double shown) const override;
 
-  int precision_ = -1;   ///< decimals when no format is set (the wheel sets it)
-  std::string symbol_;   ///< a symbol shown instead of the unit's (the wheel sets it)
+  int precision_ = -1;  ///< decimals when no format is set (the wheel sets it)
+  std::string symbol_;  ///< a symbol shown instead of the unit's (the wheel sets it)
 
  private:
   std::string format_;

@@ -10,8 +10,8 @@
 class KEPRbaScalarWheel : public KEPRbaScalarSlider {
   KEP_DECLARE_CLASS
  public:
-  KEPRbaScalarWheel(KEPDialog* father, const KEPString& name, const int& width,
-                    const int& height, int style = 0);
+  KEPRbaScalarWheel(KEPDialog* father, const KEPString& name, const int& width, const int& height,
+                    int style = 0);
 
   /// Decimals shown when no format is set (negative: the shortest text).
   void SetPrecision(int decimals) { precision_ = decimals; }

@@ -27,7 +27,8 @@ class KEPPixelImage : public KEPBaseUnknown {
   /// A new image of `width` × `height` pixels (rows from the top) copied from `pixels` in
   /// `format` (KEPPixelFormat_...), with one reference for the caller; null when the size is not
   /// positive, the format unknown or `pixels` null. The image keeps its own copy, so the buffer
-  /// stays the caller's whatever `deallocationMode` says (kept for the caller: GetDeallocationMode).
+  /// stays the caller's whatever `deallocationMode` says (kept for the caller:
+  /// GetDeallocationMode).
   static KEPPixelImage* Create(int width, int height, int format, const std::uint8_t* pixels,
                                int deallocationMode);
 

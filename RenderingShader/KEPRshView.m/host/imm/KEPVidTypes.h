@@ -63,8 +63,9 @@ class KEPVidWidget;
 /// A notification handler: the widget that raised it and what happened.
 using KEPVidHandler = std::function<void(KEPVidWidget* sender, KEPVidEvent event)>;
 
-/// What a person can do to a widget (immersive or classic); injected by widget path (tests, `rshview drive`, the
-/// browser). The argument's form depends on the action (see KEPVidWidget::InjectUserEvent).
+/// What a person can do to a widget (immersive or classic); injected by widget path (tests,
+/// `rshview drive`, the browser). The argument's form depends on the action (see
+/// KEPVidWidget::InjectUserEvent).
 enum class KEPVidAction : int {
   Set,       ///< slider, spin box: a number
   Type,      ///< editor: the text typed (then confirmed)

@@ -15,8 +15,8 @@ int Channel(float value) {
 }
 }  // namespace
 
-KEP2DViewer::KEP2DViewer(KEPDialog* father, const KEPString& name, int style, int width,
-                         int height, int manipulation)
+KEP2DViewer::KEP2DViewer(KEPDialog* father, const KEPString& name, int style, int width, int height,
+                         int manipulation)
     : KEPDialog(father, name, style),
       width_(width),
       height_(height),

@@ -18,8 +18,8 @@ std::uint64_t NextSerial() {
 // destructor that notifies must not bring the count back to life).
 class Hold {
  public:
-  explicit Hold(KEPBaseUnknown* object) : object_(object && object->GetRefCount() > 0 ? object
-                                                                                      : nullptr) {
+  explicit Hold(KEPBaseUnknown* object)
+      : object_(object && object->GetRefCount() > 0 ? object : nullptr) {
     if (object_) object_->AddRef();
   }
   ~Hold() {
@@ -44,8 +44,8 @@ KEPDialog* KEPDialog::GetFather() const {
 
 void KEPDialog::SetVisibility(int visibility) {
   if (visibility != KEPDlgShow && visibility != KEPDlgHide) {
-    KEPTrace("KEPDialog").Warning("{ widget = %s, refused visibility = %d }", GetName().c_str(),
-                                  visibility);
+    KEPTrace("KEPDialog")
+        .Warning("{ widget = %s, refused visibility = %d }", GetName().c_str(), visibility);
     return;
   }
   KEPVidWidget::SetVisibility(visibility == KEPDlgShow);
@@ -53,8 +53,8 @@ void KEPDialog::SetVisibility(int visibility) {
 
 void KEPDialog::SetSensitivity(int sensitivity) {
   if (sensitivity != KEPDlgEnable && sensitivity != KEPDlgDisable) {
-    KEPTrace("KEPDialog").Warning("{ widget = %s, refused sensitivity = %d }", GetName().c_str(),
-                                  sensitivity);
+    KEPTrace("KEPDialog")
+        .Warning("{ widget = %s, refused sensitivity = %d }", GetName().c_str(), sensitivity);
     return;
   }
   KEPVidWidget::SetSensitivity(sensitivity == KEPDlgEnable);
@@ -90,8 +90,8 @@ int KEPDialog::AddCallback(KEPDialog* sender, std::string_view kind, KEPDlgCallb
   return token;
 }
 
-int KEPDialog::AddCallback(KEPDialog* sender, const KEPNotification* kind,
-                           KEPDlgCallback callback, KEPDlgClientData data) {
+int KEPDialog::AddCallback(KEPDialog* sender, const KEPNotification* kind, KEPDlgCallback callback,
+                           KEPDlgClientData data) {
   if (!kind) return 0;
   return AddCallback(sender, std::string_view(kind->GetNotificationName()), std::move(callback),
                      data);

@@ -22,8 +22,8 @@ KEPDlgDialog::~KEPDlgDialog() {
 
 void KEPDlgDialog::SetOKSensitivity(int sensitivity) {
   if (sensitivity != KEPDlgEnable && sensitivity != KEPDlgDisable) {
-    KEPTrace("KEPDlgDialog").Warning("{ widget = %s, refused OK sensitivity = %d }",
-                                     GetName().c_str(), sensitivity);
+    KEPTrace("KEPDlgDialog")
+        .Warning("{ widget = %s, refused OK sensitivity = %d }", GetName().c_str(), sensitivity);
     return;
   }
   okSensitive_ = sensitivity == KEPDlgEnable;
@@ -36,8 +36,7 @@ void KEPDlgDialog::DescribeState(KEPVidStateWriter& writer) const {
 
 HRESULT KEPDlgDialog::InjectUserEvent(KEPVidAction action, std::string_view argument,
                                       std::string& error) {
-  if (action != KEPVidAction::Ok && action != KEPVidAction::Cancel &&
-      action != KEPVidAction::Close)
+  if (action != KEPVidAction::Ok && action != KEPVidAction::Cancel && action != KEPVidAction::Close)
     return KEPVidRefuseAction(this, action, error);
   if (!KEPVidCheckReachable(this, action, error)) return E_INVALIDARG;
   if (FAILED(KEPVidCheckNoArgument(this, action, argument, error))) return E_INVALIDARG;

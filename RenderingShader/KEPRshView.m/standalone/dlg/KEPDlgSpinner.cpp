@@ -115,8 +115,8 @@ HRESULT KEPDlgSpinner::InjectUserEvent(KEPVidAction action, std::string_view arg
   std::string problem;
   if (!KEPVidReadDouble(argument, shown, problem)) return KEPVidRefuse(this, problem, error);
   const double value = KEPDlgFromShown(unit_, shown);
-  if (!std::isfinite(value)) return KEPVidRefuse(this, KEPVidQuote(argument) + " is too large",
-                                                 error);
+  if (!std::isfinite(value))
+    return KEPVidRefuse(this, KEPVidQuote(argument) + " is too large", error);
   Store(value);
   Notify(modify_);
   return S_OK;

@@ -18,9 +18,9 @@ struct UnitCode {
 };
 
 constexpr UnitCode kUnits[] = {
-    {KEPDlgUnitDegree, u"deg", u"deg", "deg"},   {KEPDlgUnitMetre, u"m", u"m", "m"},
-    {KEPDlgUnitMillimetre, u"m", u"mm", "mm"},   {KEPDlgUnitCentimetre, u"m", u"cm", "cm"},
-    {KEPDlgUnitKilometre, u"m", u"km", "km"},    {KEPDlgUnitKelvin, nullptr, nullptr, "K"},
+    {KEPDlgUnitDegree, u"deg", u"deg", "deg"}, {KEPDlgUnitMetre, u"m", u"m", "m"},
+    {KEPDlgUnitMillimetre, u"m", u"mm", "mm"}, {KEPDlgUnitCentimetre, u"m", u"cm", "cm"},
+    {KEPDlgUnitKilometre, u"m", u"km", "km"},  {KEPDlgUnitKelvin, nullptr, nullptr, "K"},
 };
 
 const UnitCode* FindCode(int code) {
@@ -145,8 +145,9 @@ std::string KEPDlgFormatNumber(double value, const std::string& format, int deci
       written = std::snprintf(buffer, sizeof buffer, spec.c_str(), value);  // NOLINT
     }
     text = Literal(std::string_view(format).substr(0, c.begin));
-    if (written > 0) text.append(buffer, std::min<std::size_t>(sizeof buffer - 1,
-                                                                static_cast<std::size_t>(written)));
+    if (written > 0)
+      text.append(buffer,
+                  std::min<std::size_t>(sizeof buffer - 1, static_cast<std::size_t>(written)));
     text += Literal(std::string_view(format).substr(c.end));
     return trim ? TrimZeros(text) : text;
   }

@@ -5,8 +5,8 @@
 
 KEP_IMPLEMENT_CLASS(KEPRbaScalarSlider, KEPRbaSlider, "System")
 
-KEPRbaScalarSlider::KEPRbaScalarSlider(KEPDialog* father, const KEPString& name,
-                                       const int& width, const int& height, int style)
+KEPRbaScalarSlider::KEPRbaScalarSlider(KEPDialog* father, const KEPString& name, const int& width,
+                                       const int& height, int style)
     : KEPRbaSlider(father, name, width, height, style) {}
 
 KEPRbaScalarSlider::~KEPRbaScalarSlider() = default;
@@ -21,8 +21,8 @@ void KEPRbaScalarSlider::SetFormat(const char* format) {
   format_ = text;
 }
 
-void KEPRbaScalarSlider::SetTrackSettings(double minorTicks, double majorTicks,
-                                          double dragFactor, int positions) {
+void KEPRbaScalarSlider::SetTrackSettings(double minorTicks, double majorTicks, double dragFactor,
+                                          int positions) {
   minorTicks_ = minorTicks;
   majorTicks_ = majorTicks;
   dragFactor_ = dragFactor;

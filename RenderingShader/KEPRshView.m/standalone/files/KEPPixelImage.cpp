@@ -21,8 +21,8 @@ KEPPixelImage* KEPPixelImage::Load(const KEPUnicodeString& path) {
   return nullptr;
 }
 
-KEPPixelImage* KEPPixelImage::Create(int width, int height, int format,
-                                     const std::uint8_t* pixels, int deallocationMode) {
+KEPPixelImage* KEPPixelImage::Create(int width, int height, int format, const std::uint8_t* pixels,
+                                     int deallocationMode) {
   if (width <= 0 || height <= 0 || !pixels) return nullptr;
   if (format != KEPPixelFormat_RGBA && format != KEPPixelFormat_RGB) return nullptr;
   const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
