@@ -36,9 +36,9 @@ TEST_F(DlgControls, SpinnerKeepsItsValueInsideItsRangeInBothModes) {
     double minimum, maximum, set, expected;
   };
   const Case cases[] = {
-      {kDouble, 0.0, 1.0, 0.5, 0.5},      {kDouble, 0.0, 1.0, 2.0, 1.0},
-      {kDouble, -1e6, 1e6, -2e6, -1e6},   {kFloat, 0.0, 1.0, -0.5, 0.0},
-      {kFloat, 10.0, 20.0, 15.0, 15.0},   {kDouble, 5.0, 1.0, 3.0, 5.0},  // empty: the minimum
+      {kDouble, 0.0, 1.0, 0.5, 0.5},    {kDouble, 0.0, 1.0, 2.0, 1.0},
+      {kDouble, -1e6, 1e6, -2e6, -1e6}, {kFloat, 0.0, 1.0, -0.5, 0.0},
+      {kFloat, 10.0, 20.0, 15.0, 15.0}, {kDouble, 5.0, 1.0, 3.0, 5.0},  // empty: the minimum
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << "style " << c.style << " set " << c.set);
@@ -101,8 +101,8 @@ TEST_F(DlgControls, NonFiniteNumbersAreRefused) {
   spinner->SetValue(0.5);
   slider->SetValue(0.5);
   keptest::TraceCapture traces;
-  for (const double bad : {std::numeric_limits<double>::quiet_NaN(),
-                           std::numeric_limits<double>::infinity()}) {
+  for (const double bad :
+       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
     spinner->SetValue(bad, 1);
     spinner->SetMinMaxStep(bad, 1.0, 0.1);
     slider->SetValue(bad, 1);
@@ -170,12 +170,12 @@ TEST_F(DlgControls, FormatsAreAppliedSafely) {
     const char* text;
   };
   const Case cases[] = {
-      {"%d", "3"},  // an integer conversion shows the nearest integer
+      {"%d", "3"},   // an integer conversion shows the nearest integer
       {"%ld", "3"},  // a length modifier does not change the reading
-      {"%5.1f", "  2.6"},     {"%.2f%%", "2.60%"},
-      {"x=%g!", "x=2.6!"},    {"%s", "x=2.6!"},  // refused: the previous format stays
-      {"%n", "x=2.6!"},       {"%f %f", "x=2.6!"},
-      {"%*d", "x=2.6!"},      {"%1000f", "x=2.6!"},
+      {"%5.1f", "  2.6"},  {"%.2f%%", "2.60%"},
+      {"x=%g!", "x=2.6!"}, {"%s", "x=2.6!"},  // refused: the previous format stays
+      {"%n", "x=2.6!"},    {"%f %f", "x=2.6!"},
+      {"%*d", "x=2.6!"},   {"%1000f", "x=2.6!"},
   };
   keptest::TraceCapture traces;
   for (const Case& c : cases) {
@@ -244,8 +244,8 @@ TEST_F(DlgControls, LinesAreSelectedByIndexOrByText) {
   Root root = MakeRoot();
   auto* combo = new KEPDlgCombo(root.Get(), "integerCombo", 0x40000);
   auto* list = new KEPDlgSelectorList(root.Get(), "shaderSelector");
-  for (KEPDlgLineList* lines : {static_cast<KEPDlgLineList*>(combo),
-                                static_cast<KEPDlgLineList*>(list)}) {
+  for (KEPDlgLineList* lines :
+       {static_cast<KEPDlgLineList*>(combo), static_cast<KEPDlgLineList*>(list)}) {
     SCOPED_TRACE(lines->GetName());
     const KEPUnicodeString first[] = {KEPUnicodeString(u"Glass"), KEPUnicodeString(u"3")};
     lines->SetLine(first, 2, -1, KEPDlgLineReplace);
@@ -299,8 +299,11 @@ TEST_F(DlgControls, CheckStates) {
     const char* argument;
     int expected;
   };
-  const Case cases[] = {{"", KEPDlgUncheck}, {"", KEPDlgCheck},  {"off", KEPDlgUncheck},
-                        {"OFF", KEPDlgUncheck}, {"on", KEPDlgCheck}};
+  const Case cases[] = {{"", KEPDlgUncheck},
+                        {"", KEPDlgCheck},
+                        {"off", KEPDlgUncheck},
+                        {"OFF", KEPDlgUncheck},
+                        {"on", KEPDlgCheck}};
   for (const Case& c : cases) {
     ASSERT_EQ(Inject(check, KEPVidAction::Toggle, c.argument), S_OK);
     EXPECT_EQ(check->GetState(), c.expected) << c.argument;

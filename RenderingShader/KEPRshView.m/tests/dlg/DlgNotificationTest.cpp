@@ -82,8 +82,7 @@ TEST_F(DlgNotifications, CodeSettersNotifyOnlyWhenAskedAndTheStateChanges) {
       {"combo", combo, "KEPDlgComboSelectNotification",
        [&](int n) { combo->SetSelect(line++ % 2, n); },
        [&](int n) { combo->SetSelect(combo->GetSelect(), n); }},
-      {"list", list, "KEPDlgListSelectNotification",
-       [&](int n) { list->SetSelect(line++ % 2, n); },
+      {"list", list, "KEPDlgListSelectNotification", [&](int n) { list->SetSelect(line++ % 2, n); },
        [&](int n) { list->SetSelect(list->GetSelect(), n); }},
   };
   for (const Case& c : cases) {
@@ -202,9 +201,9 @@ TEST_F(DlgNotifications, MenuItemsAndButtonsCallBackWithTheirRow) {
   ASSERT_EQ(KEPVidInject(root.Get(), "connectionMenu2/connectItem", KEPVidAction::Press, "", error),
             S_OK)
       << error;
-  ASSERT_EQ(KEPVidInject(root.Get(), "connectionMenu3/disconnectItem", KEPVidAction::Press, "",
-                         error),
-            S_OK);
+  ASSERT_EQ(
+      KEPVidInject(root.Get(), "connectionMenu3/disconnectItem", KEPVidAction::Press, "", error),
+      S_OK);
   ASSERT_EQ(KEPVidInject(root.Get(), "parameterButton1", KEPVidAction::Press, "", error), S_OK);
   const std::vector<std::pair<std::string, KEPDlgClientData>> expected = {
       {"connect", 2}, {"disconnect", 3}, {"connect", 1}};

@@ -99,9 +99,9 @@ TEST_F(DlgTree, InjectionByPathAndItsRefusals) {
   int modifies = 0;
   Count(root.Get(), spinner, "KEPDlgSpinnerModifyNotification", &modifies);
   std::string error;
-  ASSERT_EQ(KEPVidInject(root.Get(), "parameterDialog1/scalarSpinner", KEPVidAction::Set, "0.5",
-                         error),
-            S_OK)
+  ASSERT_EQ(
+      KEPVidInject(root.Get(), "parameterDialog1/scalarSpinner", KEPVidAction::Set, "0.5", error),
+      S_OK)
       << error;
   EXPECT_EQ(spinner->GetValue(), 0.5);
   EXPECT_EQ(modifies, 1);
@@ -125,8 +125,8 @@ TEST_F(DlgTree, InjectionByPathAndItsRefusals) {
        "KEPDlgLabel \"parameterLabel1\": does not take the action 'press'"},
       {"an unreadable number", [] {}, "scalarSpinner", KEPVidAction::Set, "half",
        "\"half\" is not a number"},
-      {"a path that resolves to nothing", [] {}, "parameterDialog1/nothing", KEPVidAction::Set,
-       "0", "segment 2 \"nothing\" names no widget"},
+      {"a path that resolves to nothing", [] {}, "parameterDialog1/nothing", KEPVidAction::Set, "0",
+       "segment 2 \"nothing\" names no widget"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -191,7 +191,7 @@ TEST_F(DlgTree, AnImageRepresentationOfPixelsMadeInMemory) {
   KEP_var<KEPPixelImage> image =
       KEP_var<KEPPixelImage>::Adopt(KEPPixelImage::Create(2, 2, KEPPixelFormat_RGB, rgb, 2));
   ASSERT_TRUE(image);
-  const std::vector<std::uint8_t> rgba = {255, 0,   0, 255, 0,  255, 0,  255,
+  const std::vector<std::uint8_t> rgba = {255, 0, 0,   255, 0,  255, 0,  255,
                                           0,   0, 255, 255, 10, 20,  30, 255};
   EXPECT_EQ(image->GetPixels(), rgba);
   EXPECT_EQ(image->GetDeallocationMode(), 2);
