@@ -172,7 +172,7 @@ int RunDriveCommand(RshviewContext& context) {
     if (!KEPVidParseAction(event.action, action)) {
       context.err << "rshview drive: " << where << "unknown action '" << event.action
                   << "' (set, type, press, toggle, select, expand, collapse, color, choose, "
-                     "open, close)\n";
+                     "open, close, drag, ok, cancel)\n";
       return 1;
     }
     writes.clear();

@@ -10,6 +10,10 @@
 #include "KEPBaseUnknown.h"
 #include "KEPString.h"
 
+/// Pixel formats of KEPPixelImage::Create.
+inline constexpr int KEPPixelFormat_RGBA = 1;  ///< 4 bytes a pixel: red, green, blue, alpha
+inline constexpr int KEPPixelFormat_RGB = 2;   ///< 3 bytes a pixel: red, green, blue (opaque)
+
 /// Read-only state value given to KEPTexturePixelImage::GetImage.
 inline constexpr int KEPReadOnlyState = 1;
 
@@ -20,10 +24,24 @@ class KEPPixelImage : public KEPBaseUnknown {
   /// missing or not a readable PNG.
   static KEPPixelImage* Load(const KEPUnicodeString& path);
 
+  /// A new image of `width` × `height` pixels (rows from the top) copied from `pixels` in
+  /// `format` (KEPPixelFormat_...), with one reference for the caller; null when the size is not
+  /// positive, the format unknown or `pixels` null. The image keeps its own copy, so the buffer
+  /// stays the caller's whatever `deallocationMode` says (kept for the caller:
+  /// GetDeallocationMode).
+  static KEPPixelImage* Create(int width, int height, int format, const std::uint8_t* pixels,
+                               int deallocationMode);
+
   int GetWidth() const { return width_; }
   int GetHeight() const { return height_; }
   /// width × height × 4 bytes, red, green, blue, alpha.
   const std::vector<std::uint8_t>& GetPixels() const { return pixels_; }
+  int GetDeallocationMode() const { return deallocationMode_; }
+  /// The size of one pixel where the image is drawn, in the drawing's units (1.0 by default).
+  void SetPixelWidth(float width) { pixelWidth_ = width; }
+  void SetPixelHeight(float height) { pixelHeight_ = height; }
+  float GetPixelWidth() const { return pixelWidth_; }
+  float GetPixelHeight() const { return pixelHeight_; }
 
  protected:
   KEPPixelImage() = default;
@@ -33,6 +51,9 @@ class KEPPixelImage : public KEPBaseUnknown {
  private:
   int width_ = 0;
   int height_ = 0;
+  int deallocationMode_ = 0;
+  float pixelWidth_ = 1.0f;
+  float pixelHeight_ = 1.0f;
   std::vector<std::uint8_t> pixels_;
 };
 

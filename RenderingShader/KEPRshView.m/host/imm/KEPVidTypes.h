@@ -63,8 +63,9 @@ class KEPVidWidget;
 /// A notification handler: the widget that raised it and what happened.
 using KEPVidHandler = std::function<void(KEPVidWidget* sender, KEPVidEvent event)>;
 
-/// What a person can do to a widget; injected by widget path (tests, `rshview drive`, the
-/// browser). The argument's form depends on the action (see KEPVidWidget::InjectUserEvent).
+/// What a person can do to a widget (immersive or classic); injected by widget path (tests,
+/// `rshview drive`, the browser). The argument's form depends on the action (see
+/// KEPVidWidget::InjectUserEvent).
 enum class KEPVidAction : int {
   Set,       ///< slider, spin box: a number
   Type,      ///< editor: the text typed (then confirmed)
@@ -76,7 +77,10 @@ enum class KEPVidAction : int {
   Color,     ///< colour picker: "r g b [a]" in 0..1
   Choose,    ///< image-document selector: "image=PATH groups=a,b dpi=N" (any subset)
   Open,      ///< popup
-  Close,     ///< popup
+  Close,     ///< popup; classic dialog: its window's close box
+  Drag,      ///< classic slider: the handle dragged to a number
+  Ok,        ///< classic dialog
+  Cancel,    ///< classic dialog
 };
 
 /// Receives a widget's state, key by key, in the order the widget writes it.

@@ -21,6 +21,29 @@ KEPPixelImage* KEPPixelImage::Load(const KEPUnicodeString& path) {
   return nullptr;
 }
 
+KEPPixelImage* KEPPixelImage::Create(int width, int height, int format, const std::uint8_t* pixels,
+                                     int deallocationMode) {
+  if (width <= 0 || height <= 0 || !pixels) return nullptr;
+  if (format != KEPPixelFormat_RGBA && format != KEPPixelFormat_RGB) return nullptr;
+  const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  auto* image = new KEPPixelImage();
+  image->width_ = width;
+  image->height_ = height;
+  image->deallocationMode_ = deallocationMode;
+  if (format == KEPPixelFormat_RGBA) {
+    image->pixels_.assign(pixels, pixels + count * 4);
+  } else {
+    image->pixels_.resize(count * 4);
+    for (std::size_t i = 0; i < count; ++i) {
+      image->pixels_[i * 4] = pixels[i * 3];
+      image->pixels_[i * 4 + 1] = pixels[i * 3 + 1];
+      image->pixels_[i * 4 + 2] = pixels[i * 3 + 2];
+      image->pixels_[i * 4 + 3] = 255;
+    }
+  }
+  return image;
+}
+
 bool KEPPixelImage::Read(const KEPUnicodeString& path) {
   const std::string file = path.ToUTF8();
   if (file.empty()) return false;

@@ -100,7 +100,8 @@ bool KEPVidParseAction(std::string_view word, KEPVidAction& action) {
   static constexpr KEPVidAction kActions[] = {
       KEPVidAction::Set,    KEPVidAction::Type,   KEPVidAction::Press,    KEPVidAction::Toggle,
       KEPVidAction::Select, KEPVidAction::Expand, KEPVidAction::Collapse, KEPVidAction::Color,
-      KEPVidAction::Choose, KEPVidAction::Open,   KEPVidAction::Close};
+      KEPVidAction::Choose, KEPVidAction::Open,   KEPVidAction::Close,    KEPVidAction::Drag,
+      KEPVidAction::Ok,     KEPVidAction::Cancel};
   const std::string lower = KEPToLower(KEPTrimBlanks(word));
   for (const KEPVidAction candidate : kActions) {
     if (lower == KEPVidActionWord(candidate)) {

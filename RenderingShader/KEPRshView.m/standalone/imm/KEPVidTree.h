@@ -42,5 +42,5 @@ HRESULT KEPVidInject(KEPVidWidget* root, std::string_view path, KEPVidAction act
                      std::string_view argument, std::string& error);
 
 /// Reads an action's word: "set", "type", "press", "toggle", "select", "expand", "collapse",
-/// "color", "choose", "open", "close" (case-insensitive).
+/// "color", "choose", "open", "close", "drag", "ok", "cancel" (case-insensitive).
 bool KEPVidParseAction(std::string_view word, KEPVidAction& action);

@@ -41,6 +41,12 @@ const char* KEPVidActionWord(KEPVidAction action) {
       return "open";
     case KEPVidAction::Close:
       return "close";
+    case KEPVidAction::Drag:
+      return "drag";
+    case KEPVidAction::Ok:
+      return "ok";
+    case KEPVidAction::Cancel:
+      return "cancel";
   }
   return "unknown action";
 }
