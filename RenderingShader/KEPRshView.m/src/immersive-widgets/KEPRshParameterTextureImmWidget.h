@@ -28,7 +28,7 @@ class KEPRshParameterTextureImmWidget : public KEPRshParameterImmWidget {
   void OnChosen();
   void OnParameterChanged(KEPIRshParameter* changed, KEPRshParameterChangeKind kind);
 
-  KEPVidLayGrid* grid_ = nullptr;                 ///< "TextureLayout" (borrowed)
+  KEPVidLayGrid* grid_ = nullptr;                  ///< "TextureLayout" (borrowed)
   KEPRbaImageDocImmSelector* selector_ = nullptr;  ///< "textureEditor" (borrowed)
   /// True while the selector shows the parameter's value: its notifications are no choice.
   bool refreshing_ = false;

@@ -45,8 +45,10 @@ struct VectorUnit {
 /// word too, so it never matches: a kelvin vector is shown as it is and without a message.
 VectorUnit FindVectorUnit(const KEPString& unitName) {
   const VectorUnit units[] = {
-      {"mm", 1.0, "UnitmmTooltip.ShortHelp"},   {"m", 0.001, "UnitmTooltip.ShortHelp"},
-      {"cm", 0.1, "UnitcmTooltip.ShortHelp"},   {"km", 0.000001, "UnitkmTooltip.ShortHelp"},
+      {"mm", 1.0, "UnitmmTooltip.ShortHelp"},
+      {"m", 0.001, "UnitmTooltip.ShortHelp"},
+      {"cm", 0.1, "UnitcmTooltip.ShortHelp"},
+      {"km", 0.000001, "UnitkmTooltip.ShortHelp"},
       {"deg", KEPRadianToDegree, "UnitdegTooltip.ShortHelp"},
       {"K", 1.0, "UnitKTooltip.ShortHelp"},
   };

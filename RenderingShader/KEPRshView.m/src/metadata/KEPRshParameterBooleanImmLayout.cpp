@@ -26,7 +26,7 @@ std::vector<KEPString> KEPRshParameterBooleanImmLayout::WidgetKinds() const {
 }
 
 HRESULT KEPRshParameterBooleanImmLayout::BuildWidget(KEPVidWidget* parent, const char* name,
-                                                    KEPVidWidget*& widget) {
+                                                     KEPVidWidget*& widget) {
   return BuildOwnWidget(
       parent, name, widget,
       [](KEPIRshParameter* parameter, KEPVidWidget* father, const KEPString& controlName) {

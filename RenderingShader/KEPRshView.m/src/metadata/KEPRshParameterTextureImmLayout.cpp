@@ -22,7 +22,7 @@ std::vector<KEPString> KEPRshParameterTextureImmLayout::WidgetKinds() const {
 }
 
 HRESULT KEPRshParameterTextureImmLayout::BuildWidget(KEPVidWidget* parent, const char* name,
-                                                    KEPVidWidget*& widget) {
+                                                     KEPVidWidget*& widget) {
   return BuildOwnWidget(
       parent, name, widget,
       [](KEPIRshParameter* parameter, KEPVidWidget* father, const KEPString& controlName) {

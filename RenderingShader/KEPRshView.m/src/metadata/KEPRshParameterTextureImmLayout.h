@@ -10,7 +10,8 @@ class KEPRshParameterTextureImmLayout : public KEPRshParameterImmLayout {
   /// A new, detached instance with one reference (the extension registry's creator).
   static KEPBaseUnknown* CreateItself();
 
-  /// Builds the image-document selector widget; traces the kind and the outcome on the layout's trace channel.
+  /// Builds the image-document selector widget; traces the kind and the outcome on the layout's
+  /// trace channel.
   HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
 
  protected:

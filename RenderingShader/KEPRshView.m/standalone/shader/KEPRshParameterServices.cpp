@@ -4,12 +4,12 @@
 #include <cmath>
 #include <filesystem>
 
+#include "KEPFileText.h"
+#include "KEPHostShaderDocument.h"
 #include "KEPIPLMDmtDocument.h"
 #include "KEPIRshParameter.h"
 #include "KEPIRshShader.h"
 #include "KEPISpecObject.h"
-#include "KEPFileText.h"
-#include "KEPHostShaderDocument.h"
 #include "KEPPixelImage.h"
 #include "KEPTextureDocument.h"
 #include "KEPTrace.h"

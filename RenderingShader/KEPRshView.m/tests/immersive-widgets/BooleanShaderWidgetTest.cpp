@@ -36,8 +36,8 @@ TEST_F(BooleanShaderWidgetTest, BoxShowsTheValueAndClicksWriteUnderTheRenderLock
   EXPECT_TRUE(Box(onWidget)->GetLabel().IsEmpty());
 
   std::vector<bool> lockedOut;
-  const int token = KEPRshModelEvents::AddParameterObserver(
-      [&](KEPIRshParameter*, KEPRshParameterChangeKind) {
+  const int token =
+      KEPRshModelEvents::AddParameterObserver([&](KEPIRshParameter*, KEPRshParameterChangeKind) {
         lockedOut.push_back(!RenderThreadCanLock());
       });
   Act(Box(onWidget), KEPVidAction::Toggle, "");

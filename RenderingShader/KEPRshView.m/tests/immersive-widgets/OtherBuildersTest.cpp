@@ -16,11 +16,9 @@ namespace {
 using OtherBuildersTest = ImmWidgetTest;
 
 TEST_F(OtherBuildersTest, EachTypeBuildsItsWidgetNamedAndFatheredWithTraces) {
-  KEPHostShaderNode* node = Node({{"v", Vector({1.0f, 2.0f, 3.0f})},
-                                  {"b", Boolean(true)},
-                                  {"t", Texture()},
-                                  {"s", Void()}},
-                                 {{"v.Widget", "sliderx2"}});
+  KEPHostShaderNode* node = Node(
+      {{"v", Vector({1.0f, 2.0f, 3.0f})}, {"b", Boolean(true)}, {"t", Texture()}, {"s", Void()}},
+      {{"v.Widget", "sliderx2"}});
   struct Row {
     const char *name, *type, *kindTrace, *widgetClass;
   } const rows[] = {
@@ -79,16 +77,16 @@ TEST_F(OtherBuildersTest, BooleanDefaultTexts) {
     HRESULT result;
     bool value;
   } const rows[] = {
-      {"on", S_OK, true},    {"TRUE", S_OK, true},  {"OFF", S_OK, false}, {"false", S_OK, false},
-      {"0", S_OK, false},    {"2", S_OK, true},     {"-1", S_OK, true},   {" 7 ", S_OK, true},
-      {"Yes", E_FAIL, true}, {"", E_FAIL, true},    {nullptr, S_OK, true},
+      {"on", S_OK, true},    {"TRUE", S_OK, true}, {"OFF", S_OK, false},  {"false", S_OK, false},
+      {"0", S_OK, false},    {"2", S_OK, true},    {"-1", S_OK, true},    {" 7 ", S_OK, true},
+      {"Yes", E_FAIL, true}, {"", E_FAIL, true},   {nullptr, S_OK, true},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(r.text ? r.text : "(missing)");
     Keys config;
     if (r.text) config.emplace_back("b.Default", r.text);
-    const auto layout = KEPQueryVar<KEPIRshParameterImmLayout>(
-        ParamOf(Node({{"b", Boolean(false)}}, config), "b"));
+    const auto layout =
+        KEPQueryVar<KEPIRshParameterImmLayout>(ParamOf(Node({{"b", Boolean(false)}}, config), "b"));
     // The sentinel shows that a failure leaves the output as it was.
     bool value = !r.value;
     if (r.result == E_FAIL) value = true;

@@ -84,8 +84,8 @@ TEST_F(TextureWidgetTest, ChoiceWritesANewDocumentResolvedLikeTheMaterialDocumen
   const auto* w = Make<KEPRshParameterTextureImmWidget>(p);
   const auto* other = Make<KEPRshParameterTextureImmWidget>(p);
   std::vector<bool> lockedOut;
-  const int token = KEPRshModelEvents::AddParameterObserver(
-      [&](KEPIRshParameter*, KEPRshParameterChangeKind) {
+  const int token =
+      KEPRshModelEvents::AddParameterObserver([&](KEPIRshParameter*, KEPRshParameterChangeKind) {
         lockedOut.push_back(!RenderThreadCanLock());
       });
   Act(Selector(w), KEPVidAction::Choose, "image=images/second.png groups=Base,Top dpi=300");
@@ -108,12 +108,12 @@ TEST_F(TextureWidgetTest, ChoiceWritesANewDocumentResolvedLikeTheMaterialDocumen
 }
 
 TEST_F(TextureWidgetTest, ImagesTheHostCannotReadAreRefusedAndNothingIsWritten) {
-  KEPHostParameter* p = Tex(KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(Checker()),
-                                                       96.0, {"Stripes"}));
+  KEPHostParameter* p =
+      Tex(KEPTextureDocument::Create(KEPUnicodeString::FromUTF8(Checker()), 96.0, {"Stripes"}));
   TheWorld().Document()->path = (dir_ / "room.rshdoc.json").string();
   const auto* w = Make<KEPRshParameterTextureImmWidget>(p);
-  for (const char* choice : {"image=images/missing.png", "image=images/notes.png dpi=300",
-                             "image=images"}) {
+  for (const char* choice :
+       {"image=images/missing.png", "image=images/notes.png dpi=300", "image=images"}) {
     SCOPED_TRACE(choice);
     const unsigned long long writes = p->WriteCount();
     TraceCapture capture;

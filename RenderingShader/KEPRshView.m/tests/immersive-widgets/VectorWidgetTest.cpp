@@ -90,7 +90,8 @@ TEST_F(VectorWidgetTest, SpinBoxesShowRawComponentsWithoutUnitOrTooltip) {
   EXPECT_EQ(Spinner(w, 3)->GetValue(), 0.125);
   EXPECT_EQ(w->GetUnitFactor(), 1.0);
 
-  const auto* ranged = Widget(Vec({1.0f, 2.0f, 3.0f}, {{".Min", "-4"}, {".Max", "4"}, {".Step", "0.5"}}));
+  const auto* ranged =
+      Widget(Vec({1.0f, 2.0f, 3.0f}, {{".Min", "-4"}, {".Max", "4"}, {".Step", "0.5"}}));
   EXPECT_EQ(Spinner(ranged, 2)->GetMaximum(), 4.0);
   EXPECT_EQ(Spinner(ranged, 2)->GetSingleStep(), 0.5);
 }
@@ -118,18 +119,17 @@ TEST_F(VectorWidgetTest, SliderUnitsScaleRangeAndComponentsAndNameTheUnit) {
     const auto* w = Widget(Vec({1500.9f, -1999.0f}, config));
     KEPVidCtlSlider* slider = Slider(w, 1);
     ASSERT_NE(slider, nullptr);
-    EXPECT_EQ(std::vector<int>({slider->GetMinimum(), slider->GetMaximum(),
-                                slider->GetSingleStep(), slider->GetValue()}),
+    EXPECT_EQ(std::vector<int>({slider->GetMinimum(), slider->GetMaximum(), slider->GetSingleStep(),
+                                slider->GetValue()}),
               std::vector<int>({r.min, r.max, r.step, r.position}));
-    EXPECT_EQ(slider->GetTooltip().ToUTF8(),
-              r.message ? Message(r.message) + " (from " + r.range + " )"
-                        : std::string("value from ") + r.range);
+    EXPECT_EQ(slider->GetTooltip().ToUTF8(), r.message
+                                                 ? Message(r.message) + " (from " + r.range + " )"
+                                                 : std::string("value from ") + r.range);
   }
   // Degrees: radians are shown in whole degrees.
-  const auto* angles = Widget(Vec({1.5707964f, -0.5f}, {{".Widget", "sliderx2"},
-                                                        {".Unit", "DEG"},
-                                                        {".Min", "-3.1415927"},
-                                                        {".Max", "3.1415927"}}));
+  const auto* angles = Widget(Vec(
+      {1.5707964f, -0.5f},
+      {{".Widget", "sliderx2"}, {".Unit", "DEG"}, {".Min", "-3.1415927"}, {".Max", "3.1415927"}}));
   EXPECT_EQ(Slider(angles, 1)->GetValue(), 90);
   EXPECT_EQ(Slider(angles, 2)->GetValue(), -28);  // -28.6 truncated towards zero
   EXPECT_EQ(Slider(angles, 1)->GetMaximum(), 180);
@@ -148,25 +148,25 @@ TEST_F(VectorWidgetTest, TooltipTurnsToExponentsBeyondAThousandOnEachSide) {
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(r.tooltip);
-    const auto* w =
-        Widget(Vec({0.0f, 0.0f, 0.0f}, {{".Widget", "sliderx3"}, {".Min", r.min}, {".Max", r.max}}));
+    const auto* w = Widget(
+        Vec({0.0f, 0.0f, 0.0f}, {{".Widget", "sliderx3"}, {".Min", r.min}, {".Max", r.max}}));
     for (int i = 1; i <= 3; ++i) EXPECT_EQ(Slider(w, i)->GetTooltip().ToUTF8(), r.tooltip);
   }
 }
 
 TEST_F(VectorWidgetTest, LabelsComeFromTheConfigurationElseTheAxisNames) {
-  const auto* w = Widget(Vec({0.0f, 0.0f, 0.0f, 1.0f},
-                             {{".Widget", "sliderx4"}, {".Label0", "Width"}, {".Label2", "Depth"}}));
+  const auto* w =
+      Widget(Vec({0.0f, 0.0f, 0.0f, 1.0f},
+                 {{".Widget", "sliderx4"}, {".Label0", "Width"}, {".Label2", "Depth"}}));
   EXPECT_EQ(std::vector<std::string>({LabelText(w, "label1"), LabelText(w, "label2"),
                                       LabelText(w, "label3"), LabelText(w, "label4")}),
             std::vector<std::string>({"Width", "Y", "Depth", "W"}));
 }
 
 TEST_F(VectorWidgetTest, SlidersWriteWholeUnitsBackAndZeroWhatTheKindLacks) {
-  KEPHostParameter* metres = Vec({1500.0f, 2750.0f, 999.0f, 1.0f}, {{".Widget", "sliderx3"},
-                                                                    {".Unit", "m"},
-                                                                    {".Min", "-10000"},
-                                                                    {".Max", "10000"}});
+  KEPHostParameter* metres =
+      Vec({1500.0f, 2750.0f, 999.0f, 1.0f},
+          {{".Widget", "sliderx3"}, {".Unit", "m"}, {".Min", "-10000"}, {".Max", "10000"}});
   const auto* w = Widget(metres);
   Act(Slider(w, 2), KEPVidAction::Set, "-4");
   // Every component goes through its slider: whole metres, and no fourth slider for w.
@@ -183,8 +183,9 @@ TEST_F(VectorWidgetTest, SlidersWriteWholeUnitsBackAndZeroWhatTheKindLacks) {
 }
 
 TEST_F(VectorWidgetTest, FollowsWritesMadeElsewhereWithoutWritingBack) {
-  KEPHostParameter* p = Vec({0.0f, 0.0f, 0.0f}, {{".Widget", "sliderx3"}, {".Unit", "cm"},
-                                                 {".Min", "-1000"}, {".Max", "1000"}});
+  KEPHostParameter* p =
+      Vec({0.0f, 0.0f, 0.0f},
+          {{".Widget", "sliderx3"}, {".Unit", "cm"}, {".Min", "-1000"}, {".Max", "1000"}});
   const auto* first = Widget(p);
   const auto* second = Widget(p);
   int writes = 0;
@@ -195,8 +196,8 @@ TEST_F(VectorWidgetTest, FollowsWritesMadeElsewhereWithoutWritingBack) {
   ASSERT_EQ(p->SetVectorValue(written), S_OK);
   EXPECT_EQ(Stored(p), std::vector<float>({123.4f, -56.7f, 8.9f, 0.0f}));
   for (const auto* w : {first, second})
-    EXPECT_EQ(std::vector<int>({Slider(w, 1)->GetValue(), Slider(w, 2)->GetValue(),
-                                Slider(w, 3)->GetValue()}),
+    EXPECT_EQ(std::vector<int>(
+                  {Slider(w, 1)->GetValue(), Slider(w, 2)->GetValue(), Slider(w, 3)->GetValue()}),
               std::vector<int>({12, -5, 0}));
   // One editor's move shows in the other.
   Act(Slider(first, 1), KEPVidAction::Set, "40");
@@ -206,11 +207,14 @@ TEST_F(VectorWidgetTest, FollowsWritesMadeElsewhereWithoutWritingBack) {
 }
 
 TEST_F(VectorWidgetTest, WritesHoldTheRenderLockAndOutlivingTheParameterDoesNothing) {
-  const auto* sliders = Widget(Vec({1.0f, 2.0f}, {{".Widget", "sliderx2"}, {".Min", "-9"}, {".Max", "9"}}));
+  const auto* sliders =
+      Widget(Vec({1.0f, 2.0f}, {{".Widget", "sliderx2"}, {".Min", "-9"}, {".Max", "9"}}));
   const auto* spinners = Widget(Vec({1.0f, 2.0f, 3.0f}, {}));
   std::vector<bool> lockedOut;
-  const int token = KEPRshModelEvents::AddParameterObserver(
-      [&](KEPIRshParameter*, KEPRshParameterChangeKind) { lockedOut.push_back(!RenderThreadCanLock()); });
+  const int token =
+      KEPRshModelEvents::AddParameterObserver([&](KEPIRshParameter*, KEPRshParameterChangeKind) {
+        lockedOut.push_back(!RenderThreadCanLock());
+      });
   Act(Slider(sliders, 1), KEPVidAction::Set, "5");
   Act(Spinner(spinners, 1), KEPVidAction::Set, "5");
   KEPRshModelEvents::RemoveObserver(token);
