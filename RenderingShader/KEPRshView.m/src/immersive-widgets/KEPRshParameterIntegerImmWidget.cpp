@@ -301,10 +301,11 @@ int KEPRshParameterIntegerImmWidget::SliderPosition(int value) const {
 
 // --- Handlers
 
-void KEPRshParameterIntegerImmWidget::Write(KEPIRshParameter* parameter, int value) {
+void KEPRshParameterIntegerImmWidget::Write(KEPIRshParameter* parameter, int value,
+                                            bool tellMaterial) {
   const KEPRdgRenderLock lock;
   const Quiet quiet(*this);
-  if (typeRule_) {
+  if (typeRule_ && tellMaterial) {
     // The material learns its new kind before the parameter says so.
     const auto shader =
         KEP_var<KEPIRshShader>::Adopt(KEPRshParameterServices::FindShaderParent(parameter));
@@ -340,7 +341,7 @@ void KEPRshParameterIntegerImmWidget::OnValueChanged() {
   } else {
     return;
   }
-  Write(parameter.Get(), value);
+  Write(parameter.Get(), value, true);
 }
 
 void KEPRshParameterIntegerImmWidget::OnEditorModified() {
@@ -352,7 +353,9 @@ void KEPRshParameterIntegerImmWidget::OnEditorModified() {
     const Quiet quiet(*this);
     slider_->SetValue(SliderPosition(value));
   }
-  Write(parameter.Get(), value);
+  // Typing in the editor writes the value only; the material hears of a "type" change from the
+  // controls a person picks from.
+  Write(parameter.Get(), value, false);
 }
 
 void KEPRshParameterIntegerImmWidget::OnParameterChanged(KEPIRshParameter* changed,

@@ -63,9 +63,9 @@ class KEPRshParameterIntegerImmWidget : public KEPRshParameterImmWidget {
   void OnParameterChanged(KEPIRshParameter* changed, KEPRshParameterChangeKind kind);
   /// Shows the parameter's current value in every control, without writing it back.
   void Refresh(KEPIRshParameter* parameter);
-  /// Under the render lock, with `active` cleared: hands a "type" value to the material, then
-  /// writes `value` into the parameter.
-  void Write(KEPIRshParameter* parameter, int value);
+  /// Under the render lock, with `active` cleared: hands a "type" value to the material (when
+  /// `tellMaterial`), then writes `value` into the parameter.
+  void Write(KEPIRshParameter* parameter, int value, bool tellMaterial);
 
   KEPVidLayGrid* grid_ = nullptr;         ///< "IntegerLayout" (borrowed: this widget owns it)
   KEPVidCtlSlider* slider_ = nullptr;     ///< "integerSlider" (borrowed: the grid owns it)

@@ -66,19 +66,6 @@ std::string Bound(double value, bool lowEnd) {
   return plain ? KEPFormat("%.2f", value) : KEPFormat("%.1e", value);
 }
 
-/// The configured range in model units; what is missing or unreadable keeps the preset.
-void ReadRange(KEPIRshParameterImmLayout* layout, float& minimum, float& maximum, float& step) {
-  KEPString texts[3];
-  if (FAILED(layout->GetRange(texts[0], texts[1], texts[2]))) return;
-  float* bounds[3] = {&minimum, &maximum, &step};
-  for (int i = 0; i < 3; ++i) {
-    double number = 0.0;
-    if (KEPRshParameterContext::ParseDouble(texts[i], number) && std::isfinite(number) &&
-        std::fabs(number) <= static_cast<double>(FLT_MAX))
-      *bounds[i] = static_cast<float>(number);
-  }
-}
-
 KEPVidGridCell Cell(int column) {
   return {0, column, 1, 1, KEPVidAttach_All};
 }
@@ -127,7 +114,8 @@ void KEPRshParameterVectorImmWidget::Build(KEPIRshParameter* parameter) {
   float minimum = -1000000.0f;
   float maximum = 1000000.0f;
   float step = 1.0f;
-  ReadRange(layout.Get(), minimum, maximum, step);
+  // The vector layout has no typed range, so the presets stand unless a layout answers one.
+  layout->GetTypedRange(minimum, maximum, step);
 
   if (SliderCount() > 0)
     BuildSliders(parameter, layout.Get(), unitName, minimum, maximum, step);

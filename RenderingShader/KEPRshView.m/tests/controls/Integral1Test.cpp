@@ -99,7 +99,8 @@ TEST_F(Integral1Test, ComboNamesReadTheirConfigurationAndEveryNameStyles) {
   };
   for (const Row& row :
        {Row{"combo", "0:Off;1:On", "combo"}, Row{"comboMaterial", "0:Off;1:On", "comboMaterial"},
-        Row{"slider", "", "slider"}, Row{"Combo", "", "Combo"}, Row{std::nullopt, "", "spinner"}}) {
+        Row{"slider", "", "slider"}, Row{"Combo", "", "Combo"}, Row{"xcombo", "", "xcombo"},
+        Row{std::nullopt, "", "spinner"}}) {
     SCOPED_TRACE(row.styleClass);
     Keys config = {{".ComboConfiguration", "0:Off;1:On"}};
     if (row.widget) config.emplace_back(".Widget", *row.widget);

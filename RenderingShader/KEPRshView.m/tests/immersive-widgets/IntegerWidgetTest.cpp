@@ -240,6 +240,24 @@ TEST_F(IntegerWidgetTest, TypeGoesToTheMaterialBeforeTheWrite) {
   EXPECT_EQ(material()->Types(), std::vector<int>{3});  // only "type" is handed over
   EXPECT_EQ(handedBeforeWrite, (std::vector<std::size_t>{1, 1}));
   EXPECT_EQ(StoredInt(type), 3);
+
+  // A slider pair hands over what the slider picks; typing in its editor writes the value only.
+  KEPHostShaderNode* sliding = Node(
+      {{"type", Integer(1)}}, {{"type.Widget", "slider"}, {"type.Min", "0"}, {"type.Max", "10"}});
+  const auto handed = [&] {
+    KEPBaseUnknown* father = nullptr;
+    sliding->GetFather(father);
+    const auto document = KEP_var<KEPBaseUnknown>::Adopt(father);
+    auto* owner = dynamic_cast<KEPHostShaderDocument*>(document.Get());
+    auto* found = owner ? owner->FindRenderingMaterial(sliding->Id()) : nullptr;
+    return found ? found->Types() : std::vector<int>{};
+  };
+  KEPVidWidget* pair = IntWidget(ParamOf(sliding, "type"));
+  Act(pair->FindNamedChild("integerEditor"), KEPVidAction::Type, "7");
+  EXPECT_EQ(StoredInt(ParamOf(sliding, "type")), 7);
+  EXPECT_TRUE(handed().empty());
+  Act(pair->FindNamedChild("integerSlider"), KEPVidAction::Set, "4");
+  EXPECT_EQ(handed(), std::vector<int>{4});
 }
 
 TEST_F(IntegerWidgetTest, EveryWriteHoldsTheRenderLock) {
