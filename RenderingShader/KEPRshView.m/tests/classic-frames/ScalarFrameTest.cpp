@@ -71,7 +71,7 @@ TEST_F(ScalarFrameTest, ControlsAreSetUpWithTheirRangeDefaultsFormatsAndWidths) 
   slider->GetRange(lo, hi, step);
   slider->GetTrackSettings(minor, major, drag, positions);
   EXPECT_EQ(std::vector<double>({lo, hi, step, minor, major, drag}),
-            std::vector<double>({0.0, 1.0, 0.01f, 1.0, 1.0, 1.0})  // read as floats);
+            std::vector<double>({0.0, 1.0, 0.01f, 1.0, 1.0, 1.0}));  // the range is read as floats
   EXPECT_EQ(positions, 100);
   EXPECT_STREQ(slider->GetFormat(), "%.2f");
   EXPECT_EQ(slider->GetVisibleTextWidth(), 4);
