@@ -23,8 +23,7 @@ KEPRshScalarBlackbodySlider::KEPRshScalarBlackbodySlider(KEPDialog* parent, cons
                                                          const int& width, const int& height,
                                                          int style)
     : KEPDlgFrame(parent, name, style), style_(style & kKeptStyle) {
-  slider_ = new KEPRbaSlider(this, name + "BlackbodySlider", width, height,
-                             style_ | kSliderStyle);
+  slider_ = new KEPRbaSlider(this, name + "BlackbodySlider", width, height, style_ | kSliderStyle);
   slider_->SetRange(0.0, 1.0, 0.01);
   AddCallback(slider_, slider_->GetSliderDragNotification(), this,
               &KEPRshScalarBlackbodySlider::SliderDragNotificationCB);
@@ -150,8 +149,9 @@ void KEPRshScalarBlackbodySlider::SetSliderBackgroundRep(KEP2DRep* rep, int owne
 }
 
 void KEPRshScalarBlackbodySlider::SetSliderBackgroundGradient() {
-  KEPModuleTrace::Trace(5, "(KEPRshScalarBlackbodySlider::SetBackgroundGradient) Updating "
-                           "gradient.\n");
+  KEPModuleTrace::Trace(5,
+                        "(KEPRshScalarBlackbodySlider::SetBackgroundGradient) Updating "
+                        "gradient.\n");
   double minimum = 0.0, maximum = 0.0, step = 0.0;
   slider_->GetRange(minimum, maximum, step);
   int width = 0, height = 0;
@@ -163,8 +163,8 @@ void KEPRshScalarBlackbodySlider::SetSliderBackgroundGradient() {
   pixels_.assign(columns * rows * 3, 0);
   for (std::size_t i = 0; i < columns; ++i) {
     // Column i shows the start of its share of the range: the last one stops a step short.
-    const double kelvin = minimum + (static_cast<double>(i) / static_cast<double>(columns)) *
-                                        (maximum - minimum);
+    const double kelvin =
+        minimum + (static_cast<double>(i) / static_cast<double>(columns)) * (maximum - minimum);
     float r = 0.0f, g = 0.0f, b = 0.0f;
     BlackbodyColor(static_cast<float>(kelvin), &r, &g, &b);
     const std::uint8_t rgb[3] = {static_cast<std::uint8_t>(r * 255.0f),
@@ -199,9 +199,9 @@ void KEPRshScalarBlackbodySlider::CopySliderToSpinner() {
 
 void KEPRshScalarBlackbodySlider::SliderDragNotificationCB(KEPDialog*, KEPNotification*,
                                                            KEPDlgClientData) {
-  KEPModuleTrace::Trace(
-      5, "(KEPRshScalarBlackbodySlider::SliderDragNotificationCB) Slider value=%f\n",
-      slider_->GetValue());
+  KEPModuleTrace::Trace(5,
+                        "(KEPRshScalarBlackbodySlider::SliderDragNotificationCB) Slider value=%f\n",
+                        slider_->GetValue());
   CopySliderToSpinner();
   SendNotification(GetFather(), dragNotification_);
 }

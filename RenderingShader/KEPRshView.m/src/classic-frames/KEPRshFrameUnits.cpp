@@ -15,8 +15,8 @@ KEPRshFrameUnit KEPRshFrameUnitOf(const KEPString& unitName, KEPRshFrameControl 
 }
 
 bool KEPRshIsLengthUnitCode(int code) {
-  return code == KEPDlgUnitMetre || code == KEPDlgUnitMillimetre ||
-         code == KEPDlgUnitCentimetre || code == KEPDlgUnitKilometre;
+  return code == KEPDlgUnitMetre || code == KEPDlgUnitMillimetre || code == KEPDlgUnitCentimetre ||
+         code == KEPDlgUnitKilometre;
 }
 
 double KEPRshFrameUnitOutFactor(int code) {

@@ -21,8 +21,8 @@ KEPRshParameterBooleanFrame::KEPRshParameterBooleanFrame(KEPDialog* parent,
 }
 
 KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame() {
-  KEPModuleTrace::Trace(
-      2, "(KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame) Destructor\n");
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame) Destructor\n");
   KEPModuleTrace::Trace(2, "(KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame) Done\n");
 }
 

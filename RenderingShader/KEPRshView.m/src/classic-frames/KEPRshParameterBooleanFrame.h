@@ -9,11 +9,10 @@ class KEPDlgCheckButton;
 class KEPRshParameterBooleanFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  KEPRshParameterBooleanFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                              const KEPString& name, int style);
+  KEPRshParameterBooleanFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                              int style);
 
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   KEPDlgCheckButton* GetCheck() const { return check_; }
 

@@ -20,8 +20,7 @@ constexpr Channel kChannels[3] = {{"redLabel", "R", "redSpinner"},
                                   {"blueLabel", " B", "blueSpinner"}};
 }  // namespace
 
-KEPRshParameterColorFrame::KEPRshParameterColorFrame(KEPDialog* parent,
-                                                     KEPIRshParameter* parameter,
+KEPRshParameterColorFrame::KEPRshParameterColorFrame(KEPDialog* parent, KEPIRshParameter* parameter,
                                                      const KEPString& name, int style)
     : KEPRshParameterFrame(parent, parameter, name, style) {
   if (!parameter) return;
@@ -49,8 +48,7 @@ KEPRshParameterColorFrame::KEPRshParameterColorFrame(KEPDialog* parent,
 }
 
 KEPRshParameterColorFrame::~KEPRshParameterColorFrame() {
-  KEPModuleTrace::Trace(2,
-                        "(KEPRshParameterColorFrame::~KEPRshParameterColorFrame) Destructor\n");
+  KEPModuleTrace::Trace(2, "(KEPRshParameterColorFrame::~KEPRshParameterColorFrame) Destructor\n");
   KEPModuleTrace::Trace(2, "(KEPRshParameterColorFrame::~KEPRshParameterColorFrame) Done\n");
 }
 

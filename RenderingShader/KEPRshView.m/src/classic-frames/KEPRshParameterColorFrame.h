@@ -12,11 +12,10 @@ class KEPDlgSpinner;
 class KEPRshParameterColorFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  KEPRshParameterColorFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                            const KEPString& name, int style);
+  KEPRshParameterColorFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                            int style);
 
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   /// Spinner of channel 0 (red) to 2 (blue), or null in an empty frame.
   KEPDlgSpinner* GetSpinner(int channel) const;

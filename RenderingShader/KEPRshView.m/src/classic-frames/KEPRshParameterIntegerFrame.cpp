@@ -26,8 +26,7 @@ KEPRshParameterIntegerFrame::KEPRshParameterIntegerFrame(KEPDialog* parent,
                                                          const KEPString& name, int style)
     : KEPRshParameterFrame(parent, parameter, name, style) {
   if (!parameter) return;
-  const KEP_var<KEPIRshParameterDialog> behaviour =
-      KEPQueryVar<KEPIRshParameterDialog>(parameter);
+  const KEP_var<KEPIRshParameterDialog> behaviour = KEPQueryVar<KEPIRshParameterDialog>(parameter);
   KEPString widget;
   if (behaviour) behaviour->GetWidget(widget);
   widget = KEPToLower(widget);
@@ -73,8 +72,8 @@ KEPRshParameterIntegerFrame::KEPRshParameterIntegerFrame(KEPDialog* parent,
 }
 
 KEPRshParameterIntegerFrame::~KEPRshParameterIntegerFrame() {
-  KEPModuleTrace::Trace(
-      2, "(KEPRshParameterIntegerFrame::~KEPRshParameterIntegerFrame) Destructor\n");
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterIntegerFrame::~KEPRshParameterIntegerFrame) Destructor\n");
   KEPModuleTrace::Trace(2, "(KEPRshParameterIntegerFrame::~KEPRshParameterIntegerFrame) Done\n");
 }
 

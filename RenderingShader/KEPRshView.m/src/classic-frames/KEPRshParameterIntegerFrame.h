@@ -21,11 +21,10 @@ class KEPRshParameterIntegerFrame : public KEPRshParameterFrame {
   /// The most combo lines made; a wider range is cut there (the rest could not be chosen anyway).
   static constexpr int kMaxComboLines = 10000;
 
-  KEPRshParameterIntegerFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                              const KEPString& name, int style);
+  KEPRshParameterIntegerFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                              int style);
 
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   KEPRbaScalarSlider* GetSlider() const { return slider_; }
   KEPDlgSpinner* GetSpinner() const { return spinner_; }

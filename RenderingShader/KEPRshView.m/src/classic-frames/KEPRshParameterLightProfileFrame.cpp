@@ -19,8 +19,7 @@ KEPString Trimmed(const KEPString& text) {
 
 KEPRshParameterLightProfileFrame::KEPRshParameterLightProfileFrame(KEPDialog* parent,
                                                                    KEPIRshParameter* parameter,
-                                                                   const KEPString& name,
-                                                                   int style)
+                                                                   const KEPString& name, int style)
     : KEPRshParameterFrame(parent, parameter, name, style) {
   if (!parameter) return;
   editor_ = new KEPVidCtlEditor(this, "lightProfileEditor");

@@ -16,8 +16,7 @@ class KEPRshParameterLightProfileFrame : public KEPRshParameterFrame {
                                    const KEPString& name, int style);
 
   /// The clear button was pressed: the profile is removed.
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   KEPVidCtlEditor* GetEditor() const { return editor_; }
   KEPDlgPushButton* GetClearButton() const { return clear_; }
@@ -29,8 +28,8 @@ class KEPRshParameterLightProfileFrame : public KEPRshParameterFrame {
   void ShowValue();
   void Write(const KEPString& path);
 
-  KEPVidCtlEditor* editor_ = nullptr;   ///< child, or none in an empty frame
-  KEPDlgPushButton* clear_ = nullptr;   ///< child, or none
+  KEPVidCtlEditor* editor_ = nullptr;  ///< child, or none in an empty frame
+  KEPDlgPushButton* clear_ = nullptr;  ///< child, or none
   int editorHandler_ = 0;
   bool active_ = false;  ///< false while the frame sets its own editor
 };

@@ -41,14 +41,13 @@ KEPRshParameterScalarFrame::KEPRshParameterScalarFrame(KEPDialog* parent,
 }
 
 KEPRshParameterScalarFrame::~KEPRshParameterScalarFrame() {
-  KEPModuleTrace::Trace(
-      2, "(KEPRshParameterScalarFrame::~KEPRshParameterScalarFrame) Destructor\n");
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterScalarFrame::~KEPRshParameterScalarFrame) Destructor\n");
   KEPModuleTrace::Trace(2, "(KEPRshParameterScalarFrame::~KEPRshParameterScalarFrame) Done\n");
 }
 
 void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
-  const KEP_var<KEPIRshParameterDialog> behaviour =
-      KEPQueryVar<KEPIRshParameterDialog>(parameter);
+  const KEP_var<KEPIRshParameterDialog> behaviour = KEPQueryVar<KEPIRshParameterDialog>(parameter);
   KEPString widget;
   if (behaviour) behaviour->GetWidget(widget);
   widget = KEPToLower(widget);
@@ -72,8 +71,8 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
   const bool hasValue = SUCCEEDED(parameter->GetScalarValue(value));
 
   if (widget == "slider") {
-    slider_ = new KEPRbaScalarSlider(this, "scalarSlider", kSliderWidth, kSliderHeight,
-                                     kSliderStyle);
+    slider_ =
+        new KEPRbaScalarSlider(this, "scalarSlider", kSliderWidth, kSliderHeight, kSliderStyle);
     AddCallback(slider_, slider_->GetSliderModifyNotification(), this,
                 &KEPRshParameterScalarFrame::ParameterModifiedCB);
     AddCallback(slider_, slider_->GetSliderDragNotification(), this,
@@ -103,8 +102,7 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
     if (hasValue) blackbodySlider_->SetValue(value);
     blackbodySlider_->SetSliderBackgroundGradient();
   } else if (widget == "wheel") {
-    wheel_ =
-        new KEPRbaScalarWheel(this, "scalarWheel", kSliderWidth, kSliderHeight, kWheelStyle);
+    wheel_ = new KEPRbaScalarWheel(this, "scalarWheel", kSliderWidth, kSliderHeight, kWheelStyle);
     AddCallback(wheel_, wheel_->GetSliderModifyNotification(), this,
                 &KEPRshParameterScalarFrame::ParameterModifiedCB);
     AddCallback(wheel_, wheel_->GetSliderDragNotification(), this,

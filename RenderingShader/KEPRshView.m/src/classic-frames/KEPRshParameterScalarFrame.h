@@ -16,12 +16,11 @@ class KEPRshScalarBlackbodySlider;
 class KEPRshParameterScalarFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  KEPRshParameterScalarFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                             const KEPString& name, int style);
+  KEPRshParameterScalarFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                             int style);
 
   /// Reads the existing control and writes its value into the parameter.
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   KEPRbaScalarSlider* GetSlider() const { return slider_; }
   KEPRshScalarBlackbodySlider* GetBlackbodySlider() const { return blackbodySlider_; }

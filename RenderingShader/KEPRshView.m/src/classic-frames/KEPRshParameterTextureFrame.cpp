@@ -62,18 +62,18 @@ KEPRshParameterTextureFrame::KEPRshParameterTextureFrame(KEPDialog* parent,
   layers_->SetTitle(KEPUnicodeString::FromUTF8("SVG Layers Selector"));
   layers_->SetGridConstraints(1, 0, 1, 1, KEPDlgGridAll);
   ShowValue();
-  selectorHandler_ = selector_->AddHandler(KEPVidEvent::EditModify,
-                                           [this](KEPVidWidget*, KEPVidEvent) {
-                                             if (active_) SelectorModified();
-                                           });
+  selectorHandler_ =
+      selector_->AddHandler(KEPVidEvent::EditModify, [this](KEPVidWidget*, KEPVidEvent) {
+        if (active_) SelectorModified();
+      });
   AddCallback(layers_, layers_->GetListSelectNotification(), this,
               &KEPRshParameterTextureFrame::ParameterModifiedCB);
   active_ = true;
 }
 
 KEPRshParameterTextureFrame::~KEPRshParameterTextureFrame() {
-  KEPModuleTrace::Trace(
-      2, "(KEPRshParameterTextureFrame::~KEPRshParameterTextureFrame) Destructor\n");
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterTextureFrame::~KEPRshParameterTextureFrame) Destructor\n");
   // The selector may be held elsewhere and outlive the frame: its handler must not.
   if (selector_) selector_->RemoveHandler(selectorHandler_);
   KEPModuleTrace::Trace(2, "(KEPRshParameterTextureFrame::~KEPRshParameterTextureFrame) Done\n");

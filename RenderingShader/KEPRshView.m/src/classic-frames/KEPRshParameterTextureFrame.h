@@ -20,12 +20,11 @@ class KEPRbaImageDocImmSelector;
 class KEPRshParameterTextureFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  KEPRshParameterTextureFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                              const KEPString& name, int style);
+  KEPRshParameterTextureFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                              int style);
 
   /// A line of the layer chooser was selected: that group alone is written with the image.
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   KEPRbaImageDocImmSelector* GetSelector() const { return selector_; }
   KEPDlgSelectorList* GetLayerSelector() const { return layers_; }

@@ -23,8 +23,8 @@ int SliderCount(const KEPString& widget) {
   return 0;
 }
 
-KEPDlgLabel* MakeLabel(KEPDialog* father, const char* name, const KEPUnicodeString& title,
-                       int row, int column) {
+KEPDlgLabel* MakeLabel(KEPDialog* father, const char* name, const KEPUnicodeString& title, int row,
+                       int column) {
   auto* label = new KEPDlgLabel(father, name);
   label->SetTitle(title);
   label->SetGridConstraints(row, column, 1, 1, KEPDlgGridAll);
@@ -49,8 +49,8 @@ KEPRshParameterVectorFrame::KEPRshParameterVectorFrame(KEPDialog* parent,
 }
 
 KEPRshParameterVectorFrame::~KEPRshParameterVectorFrame() {
-  KEPModuleTrace::Trace(
-      2, "(KEPRshParameterVectorFrame::~KEPRshParameterVectorFrame) Destructor\n");
+  KEPModuleTrace::Trace(2,
+                        "(KEPRshParameterVectorFrame::~KEPRshParameterVectorFrame) Destructor\n");
   KEPModuleTrace::Trace(2, "(KEPRshParameterVectorFrame::~KEPRshParameterVectorFrame) Done\n");
 }
 
@@ -104,8 +104,7 @@ void KEPRshParameterVectorFrame::BuildSpinners(KEPIRshParameter* parameter) {
 }
 
 void KEPRshParameterVectorFrame::BuildSliders(KEPIRshParameter* parameter, int count) {
-  const KEP_var<KEPIRshParameterDialog> behaviour =
-      KEPQueryVar<KEPIRshParameterDialog>(parameter);
+  const KEP_var<KEPIRshParameterDialog> behaviour = KEPQueryVar<KEPIRshParameterDialog>(parameter);
   float minimum = 0.0f, maximum = 1.0f, step = 0.01f;
   if (behaviour) behaviour->GetTypedRange(minimum, maximum, step);
   float xyzw[4] = {0.0f, 0.0f, 0.0f, 0.0f};

@@ -18,11 +18,10 @@ class KEPRbaScalarSlider;
 class KEPRshParameterVectorFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  KEPRshParameterVectorFrame(KEPDialog* parent, KEPIRshParameter* parameter,
-                             const KEPString& name, int style);
+  KEPRshParameterVectorFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
+                             int style);
 
-  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification,
-                           KEPDlgClientData data);
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
 
   /// Spinner of component 0 to 2, or null.
   KEPDlgSpinner* GetSpinner(int component) const;

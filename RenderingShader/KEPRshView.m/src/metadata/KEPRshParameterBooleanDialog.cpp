@@ -31,6 +31,6 @@ std::vector<KEPString> KEPRshParameterBooleanDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterBooleanDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                     const KEPString& name, int style) {
   return new KEPRshParameterBooleanFrame(parent, parameter, name, style);
 }

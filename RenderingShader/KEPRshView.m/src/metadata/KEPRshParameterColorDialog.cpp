@@ -31,6 +31,6 @@ std::vector<KEPString> KEPRshParameterColorDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterColorDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                   const KEPString& name, int style) {
   return new KEPRshParameterColorFrame(parent, parameter, name, style);
 }

@@ -40,6 +40,6 @@ std::vector<KEPString> KEPRshParameterIntegerDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterIntegerDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                     const KEPString& name, int style) {
   return new KEPRshParameterIntegerFrame(parent, parameter, name, style);
 }

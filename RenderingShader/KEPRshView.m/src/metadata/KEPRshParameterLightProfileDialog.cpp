@@ -27,7 +27,8 @@ std::vector<KEPString> KEPRshParameterLightProfileDialog::WidgetKinds() const {
   return {};
 }
 
-KEPDialog* KEPRshParameterLightProfileDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+KEPDialog* KEPRshParameterLightProfileDialog::CreateFrame(KEPIRshParameter* parameter,
+                                                          KEPDialog* parent, const KEPString& name,
+                                                          int style) {
   return new KEPRshParameterLightProfileFrame(parent, parameter, name, style);
 }

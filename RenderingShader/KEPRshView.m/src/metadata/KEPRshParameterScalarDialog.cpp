@@ -31,6 +31,6 @@ std::vector<KEPString> KEPRshParameterScalarDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterScalarDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                    const KEPString& name, int style) {
   return new KEPRshParameterScalarFrame(parent, parameter, name, style);
 }

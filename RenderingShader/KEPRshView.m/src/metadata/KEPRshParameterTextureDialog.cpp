@@ -27,6 +27,6 @@ std::vector<KEPString> KEPRshParameterTextureDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterTextureDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                     const KEPString& name, int style) {
   return new KEPRshParameterTextureFrame(parent, parameter, name, style);
 }

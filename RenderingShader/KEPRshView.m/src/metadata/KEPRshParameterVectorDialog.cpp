@@ -31,6 +31,6 @@ std::vector<KEPString> KEPRshParameterVectorDialog::WidgetKinds() const {
 }
 
 KEPDialog* KEPRshParameterVectorDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
-                                                 const KEPString& name, int style) {
+                                                    const KEPString& name, int style) {
   return new KEPRshParameterVectorFrame(parent, parameter, name, style);
 }

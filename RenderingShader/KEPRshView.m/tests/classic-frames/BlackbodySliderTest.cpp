@@ -91,8 +91,9 @@ TEST_F(BlackbodySliderTest, SliderAlwaysNotifiesSpinnerOnlyOnAChange) {
       "(KEPRshScalarBlackbodySlider::SliderDragNotificationCB) Slider value=7000.000000\n"));
   EXPECT_TRUE(capture.Contains(
       "(KEPRshScalarBlackbodySlider::SliderModifyNotificationCB) Slider value=6000.000000\n"));
-  EXPECT_TRUE(capture.Contains("(KEPRshScalarBlackbodySlider::SpinnerModifyNotificationCB) "
-                               "Spinner value=6000.000000, double value=6000.000000\n"));
+  EXPECT_TRUE(
+      capture.Contains("(KEPRshScalarBlackbodySlider::SpinnerModifyNotificationCB) "
+                       "Spinner value=6000.000000, double value=6000.000000\n"));
 }
 
 TEST_F(BlackbodySliderTest, DoubleModeKeepsFullPrecisionFloatModeNarrows) {
@@ -127,8 +128,8 @@ TEST_F(BlackbodySliderTest, GradientColumnsShowTheColourAtTheStartOfTheirShare) 
   const auto expected = [](float kelvin) {
     float r = 0, g = 0, b = 0;
     BlackbodyColor(kelvin, &r, &g, &b);
-    return std::vector<int>({static_cast<int>(r * 255.0f), static_cast<int>(g * 255.0f),
-                             static_cast<int>(b * 255.0f)});
+    return std::vector<int>(
+        {static_cast<int>(r * 255.0f), static_cast<int>(g * 255.0f), static_cast<int>(b * 255.0f)});
   };
   const std::vector<std::uint8_t>& pixels = image->GetPixels();  // RGBA
   const auto at = [&](int row, int column) {

@@ -59,8 +59,7 @@ TEST_F(FrameBuildingTest, MissingArgumentsOrParameterFailGenerically) {
   EXPECT_EQ(behaviour->BuildFrame(nullptr, "f", &frame), static_cast<HRESULT>(0x80004005));
   EXPECT_EQ(behaviour->BuildFrame(Root(), "f", nullptr), static_cast<HRESULT>(0x80004005));
   // A behaviour that extends nothing has no parameter to edit.
-  const auto detached =
-      KEP_var<KEPBaseUnknown>::Adopt(KEPRshParameterScalarDialog::CreateItself());
+  const auto detached = KEP_var<KEPBaseUnknown>::Adopt(KEPRshParameterScalarDialog::CreateItself());
   EXPECT_EQ(KEPQueryVar<KEPIRshParameterDialog>(detached.Get())->BuildFrame(Root(), "f", &frame),
             static_cast<HRESULT>(0x80004005));
   EXPECT_EQ(frame, Root());

@@ -51,7 +51,8 @@ class FrameTest : public Fixture {
   KEPHostParameter* Param(const KEPHostValue& value, const Keys& config = {}) {
     const std::string type = "t" + std::to_string(++types_);
     world_->Add(Type(type).Param("p", value));
-    for (const auto& [suffix, text] : config) KEPHostConfiguration::SetValue(type, "p" + suffix, text);
+    for (const auto& [suffix, text] : config)
+      KEPHostConfiguration::SetValue(type, "p" + suffix, text);
     return world_->Param(world_->Node(type), "p");
   }
   KEPHostShaderDocument* Document() { return world_->Document(); }

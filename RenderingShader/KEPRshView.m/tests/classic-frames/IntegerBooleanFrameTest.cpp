@@ -23,8 +23,10 @@ std::vector<std::string> Lines(const KEPDlgCombo* combo) {
 TEST_F(IntegerFrameTest, WidgetKindChoosesTheControlInAnyLetterCase) {
   struct Row {
     const char *kind, *control;
-  } const rows[] = {{"COMBO", "integerCombo"},   {"Slider", "integerSlider"},
-                    {"check", "integerCheck"},   {"wheel", "integerSpinner"},
+  } const rows[] = {{"COMBO", "integerCombo"},
+                    {"Slider", "integerSlider"},
+                    {"check", "integerCheck"},
+                    {"wheel", "integerSpinner"},
                     {"spinner", "integerSpinner"}};
   for (const Row& r : rows) {
     SCOPED_TRACE(r.kind);
@@ -44,8 +46,13 @@ TEST_F(IntegerFrameTest, ComboHasALinePerStepLabelledFromTheMinimumInStepsOfOne)
     std::vector<std::string> lines;
     int base;
   } const rows[] = {
-      {{{".Min", "0"}, {".Max", "10"}, {".Step", "5"}, {".Enum0", "Zero"}, {".Enum1", "One"},
-        {".Enum2", "Two"}, {".Enum5", "Five"}},
+      {{{".Min", "0"},
+        {".Max", "10"},
+        {".Step", "5"},
+        {".Enum0", "Zero"},
+        {".Enum1", "One"},
+        {".Enum2", "Two"},
+        {".Enum5", "Five"}},
        {"Zero", "One", "Two"},
        0},
       // Without labels a line shows its value.
@@ -68,11 +75,11 @@ TEST_F(IntegerFrameTest, ComboHasALinePerStepLabelledFromTheMinimumInStepsOfOne)
     EXPECT_EQ(separator->GetVisibility(), KEPDlgHide);
   }
   // The default range 0..100, and a range too wide to list is cut.
-  EXPECT_EQ(Build<KEPRshParameterIntegerFrame>(
-                Param(KEPHostValue::Integer(0), {{".Widget", "combo"}}))
-                ->GetCombo()
-                ->GetLineCount(),
-            101);
+  EXPECT_EQ(
+      Build<KEPRshParameterIntegerFrame>(Param(KEPHostValue::Integer(0), {{".Widget", "combo"}}))
+          ->GetCombo()
+          ->GetLineCount(),
+      101);
   EXPECT_EQ(Build<KEPRshParameterIntegerFrame>(
                 Param(KEPHostValue::Integer(0),
                       {{".Widget", "combo"}, {".Min", "-2000000000"}, {".Max", "2000000000"}}))
@@ -112,11 +119,11 @@ TEST_F(IntegerFrameTest, CheckShowsAnyNonZeroAsCheckedAndWritesOneOrZero) {
   EXPECT_EQ(Integer(p), 0);
   Act(check, KEPVidAction::Toggle, "on");
   EXPECT_EQ(Integer(p), 1);
-  EXPECT_EQ(Build<KEPRshParameterIntegerFrame>(
-                Param(KEPHostValue::Integer(0), {{".Widget", "check"}}))
-                ->GetCheck()
-                ->GetState(),
-            KEPDlgUncheck);
+  EXPECT_EQ(
+      Build<KEPRshParameterIntegerFrame>(Param(KEPHostValue::Integer(0), {{".Widget", "check"}}))
+          ->GetCheck()
+          ->GetState(),
+      KEPDlgUncheck);
 }
 
 TEST_F(IntegerFrameTest, SliderAndSpinnerWriteTheirValueAndBuildingWritesNothing) {

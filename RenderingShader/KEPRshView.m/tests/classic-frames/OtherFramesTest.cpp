@@ -47,7 +47,8 @@ TEST_F(OtherFramesTest, ColourSpinnersShowAndWriteTheChannelsKeepingAlpha) {
   KEPHostParameter* p = Param(KEPHostValue::Color(0.2f, 0.4f, 0.6f, 0.5f));
   auto* frame = Build<KEPRshParameterColorFrame>(p);
   for (int i = 0; i < 3; ++i)
-    EXPECT_FLOAT_EQ(static_cast<float>(frame->GetSpinner(i)->GetValue()), 0.2f * static_cast<float>(i + 1));
+    EXPECT_FLOAT_EQ(static_cast<float>(frame->GetSpinner(i)->GetValue()),
+                    0.2f * static_cast<float>(i + 1));
   EXPECT_EQ(frame->FindNamedChild("greenSpinner"), frame->GetSpinner(1));
   Act(frame->GetSpinner(1), KEPVidAction::Set, "0.9");
   float r = 0, g = 0, b = 0, a = 0;

@@ -45,9 +45,9 @@ TEST_F(ScalarFrameTest, WidgetKindChoosesOneControlInAnyLetterCase) {
   struct Row {
     const char* kind;  // nullptr: no ".Widget" key
     const char* control;
-  } const rows[] = {{"Slider", "scalarSlider"},     {"BLACKBODY", "scalarBlackbodySlider"},
-                    {"wheel", "scalarWheel"},       {"spinner", "scalarSpinner"},
-                    {"ratio", "scalarSpinner"},     {nullptr, "scalarSpinner"}};
+  } const rows[] = {{"Slider", "scalarSlider"}, {"BLACKBODY", "scalarBlackbodySlider"},
+                    {"wheel", "scalarWheel"},   {"spinner", "scalarSpinner"},
+                    {"ratio", "scalarSpinner"}, {nullptr, "scalarSpinner"}};
   for (const Row& r : rows) {
     SCOPED_TRACE(r.kind ? r.kind : "(none)");
     Keys keys;
@@ -63,9 +63,9 @@ TEST_F(ScalarFrameTest, WidgetKindChoosesOneControlInAnyLetterCase) {
 }
 
 TEST_F(ScalarFrameTest, ControlsAreSetUpWithTheirRangeDefaultsFormatsAndWidths) {
-  auto* slider = Build<KEPRshParameterScalarFrame>(
-                     Param(KEPHostValue::Scalar(0.5f), {{".Widget", "slider"}}))
-                     ->GetSlider();
+  auto* slider =
+      Build<KEPRshParameterScalarFrame>(Param(KEPHostValue::Scalar(0.5f), {{".Widget", "slider"}}))
+          ->GetSlider();
   double lo = 0, hi = 0, step = 0, minor = 0, major = 0, drag = 0;
   int positions = 0;
   slider->GetRange(lo, hi, step);
@@ -77,9 +77,9 @@ TEST_F(ScalarFrameTest, ControlsAreSetUpWithTheirRangeDefaultsFormatsAndWidths) 
   EXPECT_EQ(slider->GetVisibleTextWidth(), 4);
   EXPECT_EQ(slider->GetStyle(), 0xa0000);
 
-  auto* wheel = Build<KEPRshParameterScalarFrame>(
-                    Param(KEPHostValue::Scalar(0.5f), {{".Widget", "wheel"}}))
-                    ->GetWheel();
+  auto* wheel =
+      Build<KEPRshParameterScalarFrame>(Param(KEPHostValue::Scalar(0.5f), {{".Widget", "wheel"}}))
+          ->GetWheel();
   wheel->GetRange(lo, hi, step);
   EXPECT_EQ(std::vector<double>({lo, hi, step}), std::vector<double>({-1e6, 1e6, 1.0}));
   EXPECT_EQ(wheel->GetPrecision(), 4);
@@ -100,12 +100,12 @@ TEST_F(ScalarFrameTest, UnitTableScalesLengthsIntoTheControlAndGivesItsCode) {
     double shown;
     int code;
   } const rows[] = {
-      {"spinner", "cm", 25.0f, 0.025, 46},   {"spinner", "MM", 10.0f, 0.01, 45},
-      {"wheel", "m", 2000.0f, 2.0, 43},      {"slider", "Km", 0.5f, 0.0005, 47},
-      {"spinner", "deg", 90.0f, 90.0, 12},   {"spinner", "k", 6500.0f, 6500.0, 95},
-      {"wheel", "K", 6500.0f, 6500.0, 95},   {"slider", "K", 0.5f, 0.5, 0},
-      {"slider", "k", 0.5f, 0.5, 0},         {"spinner", "in", 5.0f, 5.0, 0},
-      {"blackbody", "K", 0.5f, 0.5, 95},     {"blackbody", "mm", 0.5f, 0.5, 0},
+      {"spinner", "cm", 25.0f, 0.025, 46}, {"spinner", "MM", 10.0f, 0.01, 45},
+      {"wheel", "m", 2000.0f, 2.0, 43},    {"slider", "Km", 0.5f, 0.0005, 47},
+      {"spinner", "deg", 90.0f, 90.0, 12}, {"spinner", "k", 6500.0f, 6500.0, 95},
+      {"wheel", "K", 6500.0f, 6500.0, 95}, {"slider", "K", 0.5f, 0.5, 0},
+      {"slider", "k", 0.5f, 0.5, 0},       {"spinner", "in", 5.0f, 5.0, 0},
+      {"blackbody", "K", 0.5f, 0.5, 95},   {"blackbody", "mm", 0.5f, 0.5, 0},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(std::string(r.widget) + " in " + r.unit);
@@ -130,8 +130,8 @@ TEST_F(ScalarFrameTest, UnitTableScalesLengthsIntoTheControlAndGivesItsCode) {
 
 TEST_F(ScalarFrameTest, LengthRangeIsScaledButTheBlackbodyRangeIsNot) {
   const Keys range = {{".Unit", "cm"}, {".Min", "0"}, {".Max", "1000"}, {".Step", "10"}};
-  auto* spinner = Build<KEPRshParameterScalarFrame>(Param(KEPHostValue::Scalar(1.0f), range))
-                      ->GetSpinner();
+  auto* spinner =
+      Build<KEPRshParameterScalarFrame>(Param(KEPHostValue::Scalar(1.0f), range))->GetSpinner();
   double lo = 0, hi = 0, step = 0;
   spinner->GetMinMaxStep(lo, hi, step);
   EXPECT_NEAR(hi, 1.0, 1e-12);
@@ -159,11 +159,9 @@ TEST_F(ScalarFrameTest, PersonsValueIsWrittenBackInTheStoredUnit) {
   Act(Build<KEPRshParameterScalarFrame>(kelvin)->GetSlider(), KEPVidAction::Drag, "0.75");
   EXPECT_EQ(Scalar(kelvin), 0.75f);
 
-  KEPHostParameter* temperature = Param(KEPHostValue::Scalar(6500.0f),
-                                        {{".Widget", "blackbody"},
-                                         {".Unit", "K"},
-                                         {".Min", "1000"},
-                                         {".Max", "10000"}});
+  KEPHostParameter* temperature =
+      Param(KEPHostValue::Scalar(6500.0f),
+            {{".Widget", "blackbody"}, {".Unit", "K"}, {".Min", "1000"}, {".Max", "10000"}});
   auto* blackbody = Build<KEPRshParameterScalarFrame>(temperature)->GetBlackbodySlider();
   Act(blackbody->GetSlider(), KEPVidAction::Set, "3000");
   EXPECT_EQ(Scalar(temperature), 3000.0f);
