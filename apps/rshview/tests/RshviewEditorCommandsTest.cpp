@@ -122,6 +122,57 @@ TEST(RshviewDrive, AScriptWritesParametersAndTheSavedDocumentKeepsThem) {
   EXPECT_TRUE(events[3]["writes"].empty());
 }
 
+TEST(RshviewDrive, EveryTypeOfParameterIsEditedAsAPersonWouldAndSurvivesAReload) {
+  // The architectural material and the texture connected to it: lightness slider and popup
+  // picker of a colour, a grey level, a boolean, an integer combo, check box and slider, a vector
+  // component, and an image with its layer groups and resolution.
+  Scratch scratch;
+  const std::string texture = "ParameterGroup0/ParameterConnectedShader3/ConnectedShaderEditor/";
+  const std::string script =
+      scratch.Write("all.txt",
+                    "set ParameterGroup0/ParameterWidget0/colorSlider 60\n"
+                    "press ParameterGroup0/ParameterWidget0/AmbientColor\n"
+                    "color ParameterGroup0/ParameterWidget0/colorPopup/colorPicker 0.2 0.4 0.8\n"
+                    "toggle ParameterGroup1/ParameterWidget9/booleanCheck\n"
+                    "set ParameterGroup1/ParameterWidget6/ValueSpinner 0.25\n"
+                    "select " +
+                        texture +
+                        "ParameterGroup1/ParameterWidget4/ValueCombo Cubical\n"
+                        "toggle ParameterGroup1/ParameterWidget11/ValueCheck on\n"
+                        "set ParameterGroup1/ParameterWidget8/ValueSlider 40\n"
+                        "set ParameterGroup1/ParameterWidget10/scalarSpinner2 0.5\n"
+                        "choose " +
+                        texture +
+                        "ParameterGroup0/ParameterWidget0/textureEditor "
+                        "image=../startup/textures/tiles.png groups=Stripes dpi=300\n");
+  const std::string saved = scratch.Path("all.rshdoc.json");
+  const Outcome run = Rshview({"drive", "--node", "floor", script, "--save", saved});
+  ASSERT_EQ(run.code, 0) << run.err;
+  for (const char* write :
+       {"1: floor.diffuse: [0.42,0.4,0.37,1.0] -> [0.62531644,0.6050633,0.5746836,1.0]\n",
+        "3: floor.diffuse: [0.62531644,0.6050633,0.5746836,1.0] -> [0.2,0.4,0.8,1.0]\n",
+        "4: floor.brdf_fresnel: true -> false\n",
+        "5: floor.refl_color: [1.0,1.0,1.0,1.0] -> [0.25,0.25,0.25,1.0]\n",
+        "6: floor.tiles._uv_mapping: 5 -> 3\n", "7: floor.refl_hl_only: 0 -> 1\n",
+        "8: floor.refl_gloss_samples: 16 -> 40\n",
+        "9: floor.anisotropy_direction: [0.0,1.0,0.0] -> [0.0,0.5,0.0]\n",
+        "10: floor.tiles.texture: {\"image\":\"../startup/textures/checker.png\"} -> "
+        "{\"image\":\"../startup/textures/tiles.png\",\"dpi\":300.0,\"groups\":[\"Stripes\"]}\n"})
+    EXPECT_NE(run.out.find(write), std::string::npos) << write << run.out;
+  // The picker sits in a popup that a person opens first.
+  const std::string unopened = scratch.Write(
+      "closed.txt", "color ParameterGroup0/ParameterWidget0/colorPopup/colorPicker 1 0 0\n");
+  EXPECT_EQ(Rshview({"drive", "--node", "floor", unopened}).code, 1);
+
+  const Outcome reloaded = Rshview({"dump", "--doc", saved, "--node", "floor", "--library",
+                                    std::string(RSHVIEW_TEST_SAMPLES) + "/library"});
+  ASSERT_EQ(reloaded.code, 0) << reloaded.err;
+  for (const char* shown :
+       {"tiles.png groups=[Stripes] dpi=300", "selected=3", "ValueCheck [0,0] checked=true",
+        "color=[51,102,204,255]", "booleanCheck [0,0] checked=false"})
+    EXPECT_NE(reloaded.out.find(shown), std::string::npos) << shown;
+}
+
 TEST(RshviewDrive, AnEventThatCannotBePlayedStopsTheScriptAndSavesNothing) {
   Scratch scratch;
   const std::string saved = scratch.Path("never.rshdoc.json");

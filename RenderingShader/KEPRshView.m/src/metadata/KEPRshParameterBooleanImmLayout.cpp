@@ -1,5 +1,9 @@
 #include "KEPRshParameterBooleanImmLayout.h"
 
+#include <new>
+
+#include "KEPRshParameterBooleanImmWidget.h"
+
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterBooleanImmLayout, KEPRshParameterImmLayout, "KEPNull",
                        "RenderingShader", KEPClassKind_Extension, "KEPRmaBoolean")
 
@@ -19,4 +23,15 @@ const char* KEPRshParameterBooleanImmLayout::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterBooleanImmLayout::WidgetKinds() const {
   return {};
+}
+
+HRESULT KEPRshParameterBooleanImmLayout::BuildWidget(KEPVidWidget* parent, const char* name,
+                                                     KEPVidWidget*& widget) {
+  return BuildOwnWidget(
+      parent, name, widget,
+      [](KEPIRshParameter* parameter, KEPVidWidget* father, const KEPString& controlName) {
+        return static_cast<KEPVidWidget*>(
+            new (std::nothrow) KEPRshParameterBooleanImmWidget(parameter, father, controlName));
+      },
+      "RenderingShader/KEPRshView.m/src/KEPRshParameterBooleanImmLayout", __LINE__);
 }

@@ -15,6 +15,9 @@ class KEPRshParameterBooleanImmLayout : public KEPRshParameterImmLayout {
   /// text fails; no default at all reads true.
   HRESULT GetTypedDefault(bool& value) override;
 
+  /// Builds the check box widget; traces the kind and the outcome on the layout's trace channel.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
+
  protected:
   KEPRshParameterBooleanImmLayout() = default;
   ~KEPRshParameterBooleanImmLayout() override = default;

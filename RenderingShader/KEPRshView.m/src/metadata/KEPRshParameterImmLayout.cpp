@@ -7,6 +7,7 @@
 
 #include "KEPIRshParameter.h"
 #include "KEPParmDictionary.h"
+#include "KEPVidWidget.h"
 #include "KEP_var.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterImmLayout, KEPBaseUnknown, "KEPNull", "RenderingShader",
@@ -171,6 +172,31 @@ HRESULT KEPRshParameterImmLayout::ConvertToModelUnit(float& value) {
 HRESULT KEPRshParameterImmLayout::BuildWidget(KEPVidWidget*, const char*, KEPVidWidget*& widget) {
   widget = nullptr;
   return E_NOTIMPL;
+}
+
+HRESULT KEPRshParameterImmLayout::BuildOwnWidget(KEPVidWidget* parent, const char* name,
+                                                 KEPVidWidget*& widget, WidgetMaker make,
+                                                 const char* sourcePath, int line) {
+  widget = nullptr;
+  if (!parent) return E_FAIL;
+  const KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(this);
+  const KEP_var<KEPIRshParameterImmLayout> layout = KEPQueryVar<KEPIRshParameterImmLayout>(this);
+  if (!parameter || !layout) return E_NOINTERFACE;
+
+  // Traced here; the widget reads the kind again, silently, and builds what fits it.
+  KEPString kind;
+  layout->ChooseWidgetKind(kind);
+  const KEPString controlName = name ? name : "";
+  KEPVidWidget* control = make(parameter.Get(), parent, controlName);
+  if (!control) {
+    trace_.Error(sourcePath, line, "Widget successfully built");
+    return E_FAIL;
+  }
+  trace_.Info("Widget successfully built");
+  control->SetName(controlName);
+  if (control->GetFather() != parent) control->SetFather(parent);
+  widget = control;
+  return S_OK;
 }
 
 HRESULT KEPRshParameterImmLayout::ChooseWidgetKind(KEPString& kind) {

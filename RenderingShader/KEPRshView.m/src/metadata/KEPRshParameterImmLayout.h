@@ -7,6 +7,8 @@
 #include "KEPRshParameterBehaviour.h"
 #include "KEPTrace.h"
 
+class KEPIRshParameter;
+
 class KEPRshParameterImmLayout : public KEPRshParameterBehaviour<KEPIRshParameterImmLayout> {
   KEP_DECLARE_CLASS
  public:
@@ -50,6 +52,17 @@ class KEPRshParameterImmLayout : public KEPRshParameterBehaviour<KEPIRshParamete
   HRESULT ReadSoftRange(double& min, double& max);
   HRESULT ReadHardRange(double& min, double& max);
   HRESULT ReadSecondaryParameterName(KEPString& name);
+
+  /// Makes the widget of a parameter, named `name` under `parent`; null when it cannot be made.
+  using WidgetMaker = KEPVidWidget* (*)(KEPIRshParameter* parameter, KEPVidWidget* parent,
+                                        const KEPString& name);
+  /// The builder of the types whose one widget reads its kind itself: E_FAIL without a parent,
+  /// E_NOINTERFACE without the parameter or the layout interface; traces the chosen kind, makes
+  /// the widget, traces the outcome ("Widget successfully built", at the error level with
+  /// `sourcePath` and `line` when nothing was made, E_FAIL), then names it, fathers it under
+  /// `parent` and hands it out (S_OK).
+  HRESULT BuildOwnWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget,
+                         WidgetMaker make, const char* sourcePath, int line);
 
  private:
   KEPTrace trace_;

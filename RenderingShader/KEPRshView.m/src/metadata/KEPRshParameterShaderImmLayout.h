@@ -11,6 +11,10 @@ class KEPRshParameterShaderImmLayout : public KEPRshParameterImmLayout {
   /// A new, detached instance with one reference (the extension registry's creator).
   static KEPBaseUnknown* CreateItself();
 
+  /// Builds a read-only label naming the connected node (or "No Shader Connected") that follows
+  /// the parameter's connection; the editor's connection column connects and disconnects.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
+
  protected:
   KEPRshParameterShaderImmLayout() = default;
   ~KEPRshParameterShaderImmLayout() override = default;

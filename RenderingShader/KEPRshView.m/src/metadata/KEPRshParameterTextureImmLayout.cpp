@@ -1,5 +1,9 @@
 #include "KEPRshParameterTextureImmLayout.h"
 
+#include <new>
+
+#include "KEPRshParameterTextureImmWidget.h"
+
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterTextureImmLayout, KEPRshParameterImmLayout, "KEPNull",
                        "RenderingShader", KEPClassKind_Extension, "KEPRmaTexture")
 
@@ -15,4 +19,15 @@ const char* KEPRshParameterTextureImmLayout::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterTextureImmLayout::WidgetKinds() const {
   return {};
+}
+
+HRESULT KEPRshParameterTextureImmLayout::BuildWidget(KEPVidWidget* parent, const char* name,
+                                                     KEPVidWidget*& widget) {
+  return BuildOwnWidget(
+      parent, name, widget,
+      [](KEPIRshParameter* parameter, KEPVidWidget* father, const KEPString& controlName) {
+        return static_cast<KEPVidWidget*>(
+            new (std::nothrow) KEPRshParameterTextureImmWidget(parameter, father, controlName));
+      },
+      "RenderingShader/KEPRshView.m/src/KEPRshParameterTextureImmLayout", __LINE__);
 }

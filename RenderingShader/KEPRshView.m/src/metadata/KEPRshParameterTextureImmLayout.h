@@ -10,6 +10,10 @@ class KEPRshParameterTextureImmLayout : public KEPRshParameterImmLayout {
   /// A new, detached instance with one reference (the extension registry's creator).
   static KEPBaseUnknown* CreateItself();
 
+  /// Builds the image-document selector widget; traces the kind and the outcome on the layout's
+  /// trace channel.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
+
  protected:
   KEPRshParameterTextureImmLayout() = default;
   ~KEPRshParameterTextureImmLayout() override = default;

@@ -14,6 +14,10 @@ class KEPRshParameterVectorImmLayout : public KEPRshParameterImmLayout {
   /// Two to four numbers of the default text (blanks or commas between, brackets allowed).
   HRESULT GetTypedDefault(float (&value)[4]) override;
 
+  /// Builds the vector widget (spin boxes, sliders or nothing, by its kind); traces the kind and
+  /// the outcome on the layout's trace channel.
+  HRESULT BuildWidget(KEPVidWidget* parent, const char* name, KEPVidWidget*& widget) override;
+
  protected:
   KEPRshParameterVectorImmLayout() = default;
   ~KEPRshParameterVectorImmLayout() override = default;

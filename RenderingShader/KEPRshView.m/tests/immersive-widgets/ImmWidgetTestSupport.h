@@ -2,12 +2,14 @@
 // line, a root widget that owns what the tests build, and a log of the writes the model announces.
 #pragma once
 
+#include <future>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "KEPHostConfiguration.h"
+#include "KEPRdgRenderLock.h"
 #include "KEPRshModelEvents.h"
 #include "KEPRshParameterScalarImmWidget.h"
 #include "KEPRshViewModule.h"
@@ -76,6 +78,14 @@ class ImmWidgetTest : public Fixture {
   }
   KEPVidWidget* Root() const { return root_.Get(); }
   void DropModel() { world_.reset(); }  // every node and parameter goes; the widgets stay
+  World& TheWorld() { return *world_; }
+  /// A widget of class `W` over `parameter`, owned by the root.
+  template <class W>
+  W* Make(KEPIRshParameter* parameter) {
+    return new W(parameter, root_.Get(), "ParameterWidget");
+  }
+  /// True when a thread other than this one could take the render lock now.
+  static bool RenderThreadCanLock();
 
   static KEPVidCtlSlider* SliderOf(const KEPVidWidget* w) {
     return dynamic_cast<KEPVidCtlSlider*>(w->FindNamedChild("scalarSlider"));
@@ -103,5 +113,15 @@ class ImmWidgetTest : public Fixture {
   KEP_var<KEPVidWidget> root_;
   int types_ = 0;
 };
+
+inline bool ImmWidgetTest::RenderThreadCanLock() {
+  return std::async(std::launch::async,
+                    [] {
+                      const bool got = KEPRdgRenderLock::Mutex().try_lock();
+                      if (got) KEPRdgRenderLock::Mutex().unlock();
+                      return got;
+                    })
+      .get();
+}
 
 }  // namespace keptest
