@@ -89,10 +89,6 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
   } else if (widget == "blackbody") {
     blackbodySlider_ = new KEPRshScalarBlackbodySlider(this, "scalarBlackbodySlider", kSliderWidth,
                                                        kSliderHeight, kSliderStyle);
-    AddCallback(blackbodySlider_, blackbodySlider_->GetSliderModifyNotification(), this,
-                &KEPRshParameterScalarFrame::ParameterModifiedCB);
-    AddCallback(blackbodySlider_, blackbodySlider_->GetSliderDragNotification(), this,
-                &KEPRshParameterScalarFrame::ParameterModifiedCB);
     // Kelvins only: a length unit means nothing to a colour temperature.
     if (KEPToLower(unitName) == "k") blackbodySlider_->SetUnit(KEPDlgUnitKelvin);
     const auto range = readRange(0.0f, 1.0f, 0.01f);
@@ -101,6 +97,12 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
     blackbodySlider_->SetVisibleTextWidth(6);
     if (hasValue) blackbodySlider_->SetValue(value);
     blackbodySlider_->SetSliderBackgroundGradient();
+    // Hooked last: the control's range set-up notifies when it moves the value, and building the
+    // frame must not write into the parameter.
+    AddCallback(blackbodySlider_, blackbodySlider_->GetSliderModifyNotification(), this,
+                &KEPRshParameterScalarFrame::ParameterModifiedCB);
+    AddCallback(blackbodySlider_, blackbodySlider_->GetSliderDragNotification(), this,
+                &KEPRshParameterScalarFrame::ParameterModifiedCB);
   } else if (widget == "wheel") {
     wheel_ = new KEPRbaScalarWheel(this, "scalarWheel", kSliderWidth, kSliderHeight, kWheelStyle);
     AddCallback(wheel_, wheel_->GetSliderModifyNotification(), this,

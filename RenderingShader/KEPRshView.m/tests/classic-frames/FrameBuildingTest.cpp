@@ -88,6 +88,32 @@ TEST_F(FrameBuildingTest, FramesTraceTheirDestructionAtLevelTwo) {
   EXPECT_EQ(capture.Texts("module"), expected);
 }
 
+TEST_F(FrameBuildingTest, BuildingWritesNothingEvenWhenTheValueIsOutOfRange) {
+  const Keys narrow = {{".Min", "2"}, {".Max", "3"}, {".Step", "1"}};
+  struct Row {
+    KEPHostValue value;
+    const char* widget;
+  } const rows[] = {
+      {KEPHostValue::Scalar(50.0f), "spinner"},     {KEPHostValue::Scalar(50.0f), "slider"},
+      {KEPHostValue::Scalar(50.0f), "wheel"},       {KEPHostValue::Scalar(50.0f), "blackbody"},
+      {KEPHostValue::Integer(50), "spinner"},       {KEPHostValue::Integer(50), "slider"},
+      {KEPHostValue::Integer(50), "combo"},         {KEPHostValue::Vector({50, 50}), "vector2d"},
+      {KEPHostValue::Vector({50, 50}), "sliderx2"}, {KEPHostValue::Color(5, 5, 5), "color"},
+  };
+  int writes = 0;
+  const int token = KEPRshModelEvents::AddParameterObserver(
+      [&writes](KEPIRshParameter*, KEPRshParameterChangeKind) { ++writes; });
+  for (const Row& r : rows) {
+    Keys keys = narrow;
+    keys.emplace_back(".Widget", r.widget);
+    KEPHostParameter* p = Param(r.value, keys);
+    KEPDialog* frame = nullptr;
+    EXPECT_EQ(KEPQueryVar<KEPIRshParameterDialog>(p)->BuildFrame(Root(), "f", &frame), S_OK);
+  }
+  KEPRshModelEvents::RemoveObserver(token);
+  EXPECT_EQ(writes, 0);
+}
+
 TEST_F(FrameBuildingTest, SetOKNotificationIsOfItsOwnKindAndANotification) {
   const auto notif = KEP_var<KEPRshSetOKNotif>::Adopt(new KEPRshSetOKNotif());
   EXPECT_STREQ(notif->GetNotificationName(), "KEPRshSetOKNotif");
