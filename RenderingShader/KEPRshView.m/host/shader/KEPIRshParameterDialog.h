@@ -15,6 +15,7 @@
 #include "KEPString.h"
 #include "KEPTypes.h"
 
+class KEPDialog;
 class KEPICkeUnit;
 
 class KEPIRshParameterDialog : public virtual KEPIUnknown {
@@ -75,6 +76,14 @@ class KEPIRshParameterDialog : public virtual KEPIUnknown {
   virtual HRESULT GetDefaultWidgetKind(KEPString& kind) = 0;
   /// The kind words this type's classic frame tells apart (empty for types without a choice).
   virtual HRESULT GetWidgetKinds(std::vector<KEPString>& kinds) = 0;
+
+  // --- Frame
+  /// Builds the classic frame of the parameter, named `name`, under `parent` (which owns it) and
+  /// puts it (borrowed) into `*frame`. E_FAIL (0x80004005) without a parent or an out pointer, or
+  /// when the extended feature is no KEPIRshParameter; E_NOTIMPL for a type that builds no frame
+  /// (a connection-only parameter: its row is the editor's connection control). `*frame` is left
+  /// untouched on failure.
+  virtual HRESULT BuildFrame(KEPDialog* parent, const KEPString& name, KEPDialog** frame) = 0;
 };
 
 #pragma GCC visibility pop

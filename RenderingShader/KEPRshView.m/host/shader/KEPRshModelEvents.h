@@ -16,8 +16,10 @@
 #include "KEPString.h"
 #include "KEPTypes.h"
 
+class KEPBaseUnknown;
 class KEPIRshParameter;
 class KEPIRshShader;
+class KEPIRshShaderSupport;
 
 /// What a parameter change was.
 enum class KEPRshParameterChangeKind : int { Value, Connection };
@@ -37,6 +39,18 @@ struct KEPRbaShaderModifyNotification {
 struct KEPRbaBeginShaderModifyNotification : KEPRbaShaderModifyNotification {};
 struct KEPRbaEndShaderModifyNotification : KEPRbaShaderModifyNotification {};
 
+/// A float attribute of a shader changed through an editor: sent about the feature that owns the
+/// edited node (the node's father: the document, or the shader holding a sub-shader), seen
+/// through the document's KEPIRshShaderSupport when it has one, so that its material updates.
+struct KEPRbaFloatShaderModifyNotification {
+  KEPBaseUnknown* feature = nullptr;        ///< borrowed
+  KEPIRshShaderSupport* support = nullptr;  ///< borrowed; null when the feature offers none
+  int attributeKind = 0;
+};
+
+using KEPRshFloatShaderModifyObserver =
+    std::function<void(const KEPRbaFloatShaderModifyNotification& notification)>;
+
 using KEPRshShaderModifyObserver =
     std::function<void(const KEPRbaShaderModifyNotification& notification, bool begin)>;
 
@@ -46,6 +60,8 @@ class KEPRshModelEvents {
   static int AddParameterObserver(KEPRshParameterObserver observer);
   /// Adds an observer of begin/end shader-modify notifications.
   static int AddShaderModifyObserver(KEPRshShaderModifyObserver observer);
+  /// Adds an observer of float shader-modify notifications.
+  static int AddFloatShaderModifyObserver(KEPRshFloatShaderModifyObserver observer);
   /// Removes an observer of either kind; an unknown token does nothing. Safe inside a call.
   static void RemoveObserver(int token);
 
@@ -54,6 +70,8 @@ class KEPRshModelEvents {
   /// Sends a begin or an end notification.
   static void SendBegin(const KEPRbaBeginShaderModifyNotification& notification);
   static void SendEnd(const KEPRbaEndShaderModifyNotification& notification);
+  /// Sends a float shader-modify notification to its observers.
+  static void SendFloatShaderModify(const KEPRbaFloatShaderModifyNotification& notification);
 };
 
 #pragma GCC visibility pop

@@ -1,5 +1,6 @@
 #include "KEPRshParameterBooleanDialog.h"
 
+#include "KEPRshParameterBooleanFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterBooleanDialog, KEPRshParameterDialog, "KEPNull",
@@ -27,4 +28,9 @@ const char* KEPRshParameterBooleanDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterBooleanDialog::WidgetKinds() const {
   return {};
+}
+
+KEPDialog* KEPRshParameterBooleanDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                     const KEPString& name, int style) {
+  return new KEPRshParameterBooleanFrame(parent, parameter, name, style);
 }

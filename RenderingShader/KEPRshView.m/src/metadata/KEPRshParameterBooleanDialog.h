@@ -21,6 +21,9 @@ class KEPRshParameterBooleanDialog : public KEPRshParameterDialog {
   ~KEPRshParameterBooleanDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterBooleanFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterBooleanDialog)

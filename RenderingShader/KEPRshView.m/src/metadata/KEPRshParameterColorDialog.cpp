@@ -1,5 +1,6 @@
 #include "KEPRshParameterColorDialog.h"
 
+#include "KEPRshParameterColorFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterColorDialog, KEPRshParameterDialog, "KEPNull",
@@ -27,4 +28,9 @@ const char* KEPRshParameterColorDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterColorDialog::WidgetKinds() const {
   return {};
+}
+
+KEPDialog* KEPRshParameterColorDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                   const KEPString& name, int style) {
+  return new KEPRshParameterColorFrame(parent, parameter, name, style);
 }

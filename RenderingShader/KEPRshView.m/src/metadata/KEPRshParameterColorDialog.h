@@ -20,6 +20,9 @@ class KEPRshParameterColorDialog : public KEPRshParameterDialog {
   ~KEPRshParameterColorDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterColorFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterColorDialog)

@@ -1,5 +1,8 @@
 #include "KEPRshParameterDialog.h"
 
+#include "KEPIRshParameter.h"
+#include "KEP_var.h"
+
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterDialog, KEPBaseUnknown, "KEPNull", "RenderingShader",
                        KEPClassKind_Implementation, "")
 
@@ -46,4 +49,22 @@ HRESULT KEPRshParameterDialog::ChooseWidgetKind(KEPString& kind) {
   if (FAILED(GetWidget(chosen))) chosen = DefaultWidgetKind();
   kind = std::move(chosen);
   return S_OK;
+}
+
+// --- Frame
+
+HRESULT KEPRshParameterDialog::BuildFrame(KEPDialog* parent, const KEPString& name,
+                                          KEPDialog** frame) {
+  if (!parent || !frame) return E_FAIL;
+  const KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(GetExtendedObject());
+  if (!parameter) return E_FAIL;
+  KEPDialog* built = CreateFrame(parameter.Get(), parent, name, kFrameStyle);
+  if (!built) return E_NOTIMPL;
+  *frame = built;
+  return S_OK;  // the temporary reference to the parameter goes with `parameter`
+}
+
+KEPDialog* KEPRshParameterDialog::CreateFrame(KEPIRshParameter*, KEPDialog*, const KEPString&,
+                                              int) {
+  return nullptr;
 }

@@ -1,5 +1,6 @@
 #include "KEPRshParameterIntegerDialog.h"
 
+#include "KEPRshParameterIntegerFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterIntegerDialog, KEPRshParameterDialog, "KEPNull",
@@ -36,4 +37,9 @@ const char* KEPRshParameterIntegerDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterIntegerDialog::WidgetKinds() const {
   return {"slider", "wheel", "combo", "check"};
+}
+
+KEPDialog* KEPRshParameterIntegerDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                     const KEPString& name, int style) {
+  return new KEPRshParameterIntegerFrame(parent, parameter, name, style);
 }

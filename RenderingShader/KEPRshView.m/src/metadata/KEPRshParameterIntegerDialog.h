@@ -22,6 +22,9 @@ class KEPRshParameterIntegerDialog : public KEPRshParameterDialog {
   ~KEPRshParameterIntegerDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterIntegerFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterIntegerDialog)

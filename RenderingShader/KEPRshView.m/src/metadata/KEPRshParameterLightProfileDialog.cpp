@@ -1,5 +1,6 @@
 #include "KEPRshParameterLightProfileDialog.h"
 
+#include "KEPRshParameterLightProfileFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterLightProfileDialog, KEPRshParameterDialog, "KEPNull",
@@ -24,4 +25,10 @@ const char* KEPRshParameterLightProfileDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterLightProfileDialog::WidgetKinds() const {
   return {};
+}
+
+KEPDialog* KEPRshParameterLightProfileDialog::CreateFrame(KEPIRshParameter* parameter,
+                                                          KEPDialog* parent, const KEPString& name,
+                                                          int style) {
+  return new KEPRshParameterLightProfileFrame(parent, parameter, name, style);
 }

@@ -16,6 +16,9 @@ class KEPRshParameterLightProfileDialog : public KEPRshParameterDialog {
   ~KEPRshParameterLightProfileDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterLightProfileFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterLightProfileDialog)

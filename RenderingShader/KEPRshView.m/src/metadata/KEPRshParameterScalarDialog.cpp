@@ -1,5 +1,6 @@
 #include "KEPRshParameterScalarDialog.h"
 
+#include "KEPRshParameterScalarFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterScalarDialog, KEPRshParameterDialog, "KEPNull",
@@ -27,4 +28,9 @@ const char* KEPRshParameterScalarDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterScalarDialog::WidgetKinds() const {
   return {"slider", "wheel", "blackbody"};
+}
+
+KEPDialog* KEPRshParameterScalarDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                    const KEPString& name, int style) {
+  return new KEPRshParameterScalarFrame(parent, parameter, name, style);
 }

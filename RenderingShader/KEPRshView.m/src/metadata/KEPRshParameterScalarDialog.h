@@ -20,6 +20,9 @@ class KEPRshParameterScalarDialog : public KEPRshParameterDialog {
   ~KEPRshParameterScalarDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterScalarFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterScalarDialog)

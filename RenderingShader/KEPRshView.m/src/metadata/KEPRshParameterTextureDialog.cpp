@@ -1,5 +1,6 @@
 #include "KEPRshParameterTextureDialog.h"
 
+#include "KEPRshParameterTextureFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterTextureDialog, KEPRshParameterDialog, "KEPNull",
@@ -23,4 +24,9 @@ const char* KEPRshParameterTextureDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterTextureDialog::WidgetKinds() const {
   return {};
+}
+
+KEPDialog* KEPRshParameterTextureDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                     const KEPString& name, int style) {
+  return new KEPRshParameterTextureFrame(parent, parameter, name, style);
 }

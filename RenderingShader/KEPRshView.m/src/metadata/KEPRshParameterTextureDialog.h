@@ -16,6 +16,9 @@ class KEPRshParameterTextureDialog : public KEPRshParameterDialog {
   ~KEPRshParameterTextureDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterTextureFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterTextureDialog)

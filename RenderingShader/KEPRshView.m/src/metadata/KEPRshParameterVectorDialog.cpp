@@ -1,5 +1,6 @@
 #include "KEPRshParameterVectorDialog.h"
 
+#include "KEPRshParameterVectorFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterVectorDialog, KEPRshParameterDialog, "KEPNull",
@@ -27,4 +28,9 @@ const char* KEPRshParameterVectorDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterVectorDialog::WidgetKinds() const {
   return {"vector2d", "sliderx2", "sliderx3", "sliderx4"};
+}
+
+KEPDialog* KEPRshParameterVectorDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                    const KEPString& name, int style) {
+  return new KEPRshParameterVectorFrame(parent, parameter, name, style);
 }

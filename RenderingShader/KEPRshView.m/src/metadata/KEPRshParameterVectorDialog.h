@@ -20,6 +20,9 @@ class KEPRshParameterVectorDialog : public KEPRshParameterDialog {
   ~KEPRshParameterVectorDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  /// A KEPRshParameterVectorFrame.
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterVectorDialog)

@@ -199,6 +199,21 @@ HRESULT KEPHostParameter::SetTextureValue(KEPIPLMDmtDocument* document) {
   return S_OK;
 }
 
+HRESULT KEPHostParameter::GetLightProfile(KEPString& path) {
+  if (value_.type != KEPRmaType::LightProfile) return E_FAIL;
+  path = value_.lightProfile;
+  return S_OK;
+}
+
+HRESULT KEPHostParameter::SetLightProfile(const KEPString& path) {
+  if (value_.type != KEPRmaType::LightProfile) return E_FAIL;
+  const Announcer announce(this, KEPRshParameterChangeKind::Value);
+  KEPRdgRenderLock lock;
+  value_.lightProfile = path;
+  Wrote();
+  return S_OK;
+}
+
 HRESULT KEPHostParameter::GetConnectedShader(KEPIRshShader*& shader) {
   shader = nullptr;
   auto* node = dynamic_cast<KEPHostShaderNode*>(connected_.Get());

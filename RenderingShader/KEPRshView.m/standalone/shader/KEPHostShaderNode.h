@@ -8,6 +8,7 @@
 #include "KEPBaseUnknown_WR.h"
 #include "KEPHostShaderLibrary.h"
 #include "KEPIAlias.h"
+#include "KEPIRshLightProfileParameter.h"
 #include "KEPIRshParameter.h"
 #include "KEPIRshParameterPrivate.h"
 #include "KEPIRshShader.h"
@@ -23,7 +24,8 @@ class KEPHostParameter : public KEPBaseUnknown,
                          public KEPIRshParameter,
                          public KEPIRshParameterPrivate,
                          public KEPISpecObject,
-                         public KEPIAlias {
+                         public KEPIAlias,
+                         public KEPIRshLightProfileParameter {
   KEP_DECLARE_CLASS
  public:
   /// A new parameter with one reference for the caller; `father` may be null.
@@ -54,6 +56,9 @@ class KEPHostParameter : public KEPBaseUnknown,
   // KEPIAlias: the name unless an alias was given
   HRESULT GetAlias(KEPUnicodeString& alias) override;
   HRESULT SetAlias(const KEPUnicodeString& alias) override;
+  // KEPIRshLightProfileParameter (light-profile parameters only)
+  HRESULT GetLightProfile(KEPString& path) override;
+  HRESULT SetLightProfile(const KEPString& path) override;
 
   const KEPHostValue& Value() const { return value_; }
   /// Replaces the whole value (type included); for loaders and tests.

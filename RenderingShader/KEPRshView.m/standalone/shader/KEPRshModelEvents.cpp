@@ -16,6 +16,8 @@ struct ModelEventsState {
     int token;
     KEPRshParameterObserver parameter;
     KEPRshShaderModifyObserver shader;
+    KEPRshFloatShaderModifyObserver floatModify;
+    bool Empty() const { return !parameter && !shader && !floatModify; }
   };
   std::vector<Entry> entries;
   int nextToken = 1;
@@ -27,7 +29,7 @@ struct ModelEventsState {
   // an editor of many widgets costs each widget a logarithm, not a pass over every observer.
   void Compact() {
     if (dispatching > 0 || removed * 2 <= entries.size()) return;
-    std::erase_if(entries, [](const Entry& e) { return !e.parameter && !e.shader; });
+    std::erase_if(entries, [](const Entry& e) { return e.Empty(); });
     removed = 0;
   }
 };
@@ -61,14 +63,21 @@ void SendShaderModify(const KEPRbaShaderModifyNotification& notification, bool b
 int KEPRshModelEvents::AddParameterObserver(KEPRshParameterObserver observer) {
   ModelEventsState& state = State();
   const int token = state.nextToken++;
-  state.entries.push_back({token, std::move(observer), {}});
+  state.entries.push_back({token, std::move(observer), {}, {}});
   return token;
 }
 
 int KEPRshModelEvents::AddShaderModifyObserver(KEPRshShaderModifyObserver observer) {
   ModelEventsState& state = State();
   const int token = state.nextToken++;
-  state.entries.push_back({token, {}, std::move(observer)});
+  state.entries.push_back({token, {}, std::move(observer), {}});
+  return token;
+}
+
+int KEPRshModelEvents::AddFloatShaderModifyObserver(KEPRshFloatShaderModifyObserver observer) {
+  ModelEventsState& state = State();
+  const int token = state.nextToken++;
+  state.entries.push_back({token, {}, {}, std::move(observer)});
   return token;
 }
 
@@ -78,9 +87,10 @@ void KEPRshModelEvents::RemoveObserver(int token) {
       state.entries.begin(), state.entries.end(), token,
       [](const ModelEventsState::Entry& e, int wanted) { return e.token < wanted; });
   if (entry == state.entries.end() || entry->token != token) return;
-  if (!entry->parameter && !entry->shader) return;
+  if (entry->Empty()) return;
   entry->parameter = nullptr;
   entry->shader = nullptr;
+  entry->floatModify = nullptr;
   ++state.removed;
   state.Compact();
 }
@@ -101,4 +111,14 @@ void KEPRshModelEvents::SendBegin(const KEPRbaBeginShaderModifyNotification& not
 
 void KEPRshModelEvents::SendEnd(const KEPRbaEndShaderModifyNotification& notification) {
   SendShaderModify(notification, false);
+}
+
+void KEPRshModelEvents::SendFloatShaderModify(
+    const KEPRbaFloatShaderModifyNotification& notification) {
+  Dispatch([&](ModelEventsState::Entry& entry) {
+    if (entry.floatModify) {
+      const KEPRshFloatShaderModifyObserver observer = entry.floatModify;  // may remove itself
+      observer(notification);
+    }
+  });
 }
