@@ -10,8 +10,8 @@ namespace {
 constexpr int kPreviewStyle = 0xC0000;
 }  // namespace
 
-KEPRshPreviewFrame::KEPRshPreviewFrame(KEPDialog* parent, const KEPString& name,
-                                       const int& width, const int& height, int /*style*/)
+KEPRshPreviewFrame::KEPRshPreviewFrame(KEPDialog* parent, const KEPString& name, const int& width,
+                                       const int& height, int /*style*/)
     : KEPDlgFrame(parent, name, kPreviewStyle), width_(width), height_(height) {
   viewer_ = new KEP2DViewer(this, "previewFrameViewer", kPreviewStyle, width, height, 0);
   // A preview is a fixed picture: no panning or zooming.

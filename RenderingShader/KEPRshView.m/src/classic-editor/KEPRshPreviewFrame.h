@@ -16,8 +16,8 @@ class KEPRshPreviewFrame : public KEPDlgFrame {
  public:
   /// A frame under `parent` (which owns it) whose viewer is `width` × `height` pixels. The frame
   /// and the viewer always have the style 0xC0000; `style` is not used.
-  KEPRshPreviewFrame(KEPDialog* parent, const KEPString& name, const int& width,
-                     const int& height, int style = 0);
+  KEPRshPreviewFrame(KEPDialog* parent, const KEPString& name, const int& width, const int& height,
+                     int style = 0);
 
   /// The size given at construction, whatever the viewer's size is now.
   void GetSize(int& width, int& height) const;

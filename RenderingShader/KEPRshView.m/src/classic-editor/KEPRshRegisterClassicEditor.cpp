@@ -6,8 +6,7 @@
 
 void KEPRshRegisterClassicEditor() {
   const KEPMetaClass* meta = KEPRshShaderDialog::MetaObject();
-  KEPExtensionRegistry::Register(
-      {meta->ExtendedLateType(), KEPIRshShaderEditorDialog::IID().name, meta->Name(),
-       &KEPRshShaderDialog::CreateItself,
-       &CreateTIEKEPIRshShaderEditorDialogKEPRshShaderDialog});
+  KEPExtensionRegistry::Register({meta->ExtendedLateType(), KEPIRshShaderEditorDialog::IID().name,
+                                  meta->Name(), &KEPRshShaderDialog::CreateItself,
+                                  &CreateTIEKEPIRshShaderEditorDialogKEPRshShaderDialog});
 }

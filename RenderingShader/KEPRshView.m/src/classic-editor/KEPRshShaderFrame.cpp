@@ -33,15 +33,22 @@ constexpr char kFrameCatalog[] = "KEPRshShaderFrame";
 constexpr char kIconCatalog[] = "KEPRshParameterFrame";
 
 // The types whose parameters take sub-shaders, in the order they are compared.
-constexpr std::array<std::string_view, 16> kConnectableTypes = {
-    "mia_phen_material",         "mia_phen_diffuse",
-    "mia_phen_clear_glass",      "mia_phen_colored_glass",
-    "mia_phen_frosted_glass",    "mia_phen_polished_metal",
-    "mia_phen_polished_plastic", "mia_phen_satinated_metal",
-    "mia_phen_soft_plastic",     "mia_phen_anisotropic_metal",
-    "mia_phen_simple_translucent", "mia_phen_backside_translucent",
-    "mia_phen_reflective_translucent", "mia_phen_emissive",
-    "mip_car_paint",             "mip_metallic_paint"};
+constexpr std::array<std::string_view, 16> kConnectableTypes = {"mia_phen_material",
+                                                                "mia_phen_diffuse",
+                                                                "mia_phen_clear_glass",
+                                                                "mia_phen_colored_glass",
+                                                                "mia_phen_frosted_glass",
+                                                                "mia_phen_polished_metal",
+                                                                "mia_phen_polished_plastic",
+                                                                "mia_phen_satinated_metal",
+                                                                "mia_phen_soft_plastic",
+                                                                "mia_phen_anisotropic_metal",
+                                                                "mia_phen_simple_translucent",
+                                                                "mia_phen_backside_translucent",
+                                                                "mia_phen_reflective_translucent",
+                                                                "mia_phen_emissive",
+                                                                "mip_car_paint",
+                                                                "mip_metallic_paint"};
 
 /// Title and help texts of a control, from one catalogue and one key prefix.
 struct HelpTexts {
@@ -142,8 +149,7 @@ void KEPRshShaderFrame::Build() {
 }
 
 bool KEPRshShaderFrame::AddRow(int i, KEPIRshParameter* parameter, int row, const Texts* texts) {
-  const KEP_var<KEPIRshParameterDialog> behaviour =
-      KEPQueryVar<KEPIRshParameterDialog>(parameter);
+  const KEP_var<KEPIRshParameterDialog> behaviour = KEPQueryVar<KEPIRshParameterDialog>(parameter);
   if (!behaviour) return false;
   KEPUnicodeString group;
   int groupNumber = 0;
@@ -201,8 +207,7 @@ void KEPRshShaderFrame::AddConnectionControls(int i, KEPIRshParameter* parameter
   const auto slot = static_cast<std::size_t>(i - 1);
   auto* button = new KEPDlgPushButton(this, PositionName("parameterButton", i), kButtonStyle);
   button->SetGridConstraints(row, 3, 1, 1, KEPDlgGridLeft);
-  auto* disconnect =
-      new KEPDlgPushButton(this, PositionName("disconnectButton", i), kButtonStyle);
+  auto* disconnect = new KEPDlgPushButton(this, PositionName("disconnectButton", i), kButtonStyle);
   disconnect->SetIconName("I_RmaDisconnect", "I_RmaDisconnectPressed", "I_RmaDisconnectPressed");
   disconnect->SetGridConstraints(row, 4, 1, 1, KEPDlgGridLeft);
   texts.disconnect.Apply(disconnect);
@@ -216,8 +221,7 @@ void KEPRshShaderFrame::AddConnectionControls(int i, KEPIRshParameter* parameter
   texts.edit.Apply(editItem);
 
   const KEPDlgClientData data = i;
-  AddCallback(button, button->GetActivateNotification(), this, &KEPRshShaderFrame::ConnectCB,
-              data);
+  AddCallback(button, button->GetActivateNotification(), this, &KEPRshShaderFrame::ConnectCB, data);
   AddCallback(connectItem, connectItem->GetActivateNotification(), this,
               &KEPRshShaderFrame::ConnectCB, data);
   AddCallback(disconnect, disconnect->GetActivateNotification(), this,

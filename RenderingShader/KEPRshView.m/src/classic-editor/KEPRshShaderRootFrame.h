@@ -26,8 +26,7 @@ class KEPRshShaderRootFrame : public KEPDlgFrame {
 
   /// Builds the frame under `parent` (which owns it) and shows `shader` (which may be null: the
   /// container then stays empty).
-  KEPRshShaderRootFrame(KEPDialog* parent, const KEPString& name, int style,
-                        KEPIRshShader* shader);
+  KEPRshShaderRootFrame(KEPDialog* parent, const KEPString& name, int style, KEPIRshShader* shader);
 
   /// Shows `shader` (null shows nothing) in a new shader frame and appends it to the path.
   void ShowShader(KEPIRshShader* shader);
@@ -49,8 +48,8 @@ class KEPRshShaderRootFrame : public KEPDlgFrame {
   void UpdateTitle();
 
   KEP_var<KEPIRshShader> firstShader_;
-  KEPDlgPushButton* parentButton_ = nullptr;   ///< borrowed: a child
-  KEPDlgContainer* container_ = nullptr;       ///< borrowed: a child
-  KEPRshShaderFrame* shaderFrame_ = nullptr;   ///< borrowed: a child of the container
+  KEPDlgPushButton* parentButton_ = nullptr;  ///< borrowed: a child
+  KEPDlgContainer* container_ = nullptr;      ///< borrowed: a child
+  KEPRshShaderFrame* shaderFrame_ = nullptr;  ///< borrowed: a child of the container
   std::vector<KEP_var<KEPIRshShader>> path_;  ///< one reference each; the last is shown
 };
