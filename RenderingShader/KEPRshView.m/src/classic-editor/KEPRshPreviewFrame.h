@@ -7,11 +7,12 @@
 #pragma once
 
 #include "KEPDlgFrame.h"
+#include "KEPRshViewModule.h"
 
 class KEP2DRep;
 class KEP2DViewer;
 
-class KEPRshPreviewFrame : public KEPDlgFrame {
+class KEPRSHVIEW_API KEPRshPreviewFrame : public KEPDlgFrame {
   KEP_DECLARE_CLASS
  public:
   /// A frame under `parent` (which owns it) whose viewer is `width` × `height` pixels. The frame

@@ -130,8 +130,8 @@ TEST_F(PreviewFrameTest, PictureNotOwnedStaysTheCallers) {
 
 TEST_F(PreviewFrameTest, ShowsAPixelImage) {
   const std::uint8_t pixels[4] = {255, 0, 0, 255};
-  auto image = KEP_var<KEPPixelImage>::Adopt(KEPPixelImage::Create(1, 1, KEPPixelFormat_RGBA,
-                                                                   pixels, 0));
+  auto image =
+      KEP_var<KEPPixelImage>::Adopt(KEPPixelImage::Create(1, 1, KEPPixelFormat_RGBA, pixels, 0));
   ASSERT_TRUE(image);
   frame_->SetBackgroundRep(new KEP2DImagePixelRep(image.Get(), 0.0, 0.0), 1);
   auto* shown = dynamic_cast<KEP2DImagePixelRep*>(frame_->GetBackgroundRep());

@@ -15,21 +15,24 @@ class ShaderFrameTest : public ClassicTest {
 };
 
 TEST_F(ShaderFrameTest, ConnectableTypesAreTheMaterialPhenomena) {
-  const std::pair<const char*, bool> cases[] = {
-      {"mia_phen_material", true},       {"mia_phen_emissive", true},
-      {"mip_car_paint", true},           {"mip_metallic_paint", true},
-      {"mia_phen_reflective_translucent", true},
-      {"kep_phen_texture", false},       {"MIA_PHEN_MATERIAL", false},
-      {"mia_phen_material ", false},     {"mia_phen", false},
-      {"", false}};
+  const std::pair<const char*, bool> cases[] = {{"mia_phen_material", true},
+                                                {"mia_phen_emissive", true},
+                                                {"mip_car_paint", true},
+                                                {"mip_metallic_paint", true},
+                                                {"mia_phen_reflective_translucent", true},
+                                                {"kep_phen_texture", false},
+                                                {"MIA_PHEN_MATERIAL", false},
+                                                {"mia_phen_material ", false},
+                                                {"mia_phen", false},
+                                                {"", false}};
   for (const auto& [type, connectable] : cases)
     EXPECT_EQ(KEPRshShaderFrame::IsConnectableType(type), connectable) << type;
 }
 
 TEST_F(ShaderFrameTest, PhysicalShaderAndNoShaderGiveEmptyFrames) {
   KEPHostShaderNode* physical = Aliased("MPM_material", "Physical");
-  for (KEPIRshShader* shader : {static_cast<KEPIRshShader*>(physical),
-                                static_cast<KEPIRshShader*>(nullptr)}) {
+  for (KEPIRshShader* shader :
+       {static_cast<KEPIRshShader*>(physical), static_cast<KEPIRshShader*>(nullptr)}) {
     KEPRshShaderFrame* frame = Frame(shader);
     EXPECT_EQ(frame->GetChildCount(), 0u);
     EXPECT_EQ(frame->GetStyle(), 0xC0001);
