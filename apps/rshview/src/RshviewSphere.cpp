@@ -10,7 +10,9 @@ struct Rgb {
   float r, g, b;
 };
 
-float Clamp01(float value) { return std::clamp(value, 0.0f, 1.0f); }
+float Clamp01(float value) {
+  return std::clamp(value, 0.0f, 1.0f);
+}
 
 std::uint8_t Byte(float value) {
   return static_cast<std::uint8_t>(std::lround(Clamp01(value) * 255.0f));
@@ -33,10 +35,10 @@ Rgb Texel(const RshviewSphereMaterial& m, float u, float v) {
   const float rt = s * std::sin(angle) + t * std::cos(angle);
   s = Wrap(m.flip[0] ? -rs : rs, m.repeat[0]);
   t = Wrap(m.flip[1] ? -rt : rt, m.repeat[1]);
-  const int x = std::min(static_cast<int>(s * static_cast<float>(m.textureWidth)),
-                         m.textureWidth - 1);
-  const int y = std::min(static_cast<int>(t * static_cast<float>(m.textureHeight)),
-                         m.textureHeight - 1);
+  const int x =
+      std::min(static_cast<int>(s * static_cast<float>(m.textureWidth)), m.textureWidth - 1);
+  const int y =
+      std::min(static_cast<int>(t * static_cast<float>(m.textureHeight)), m.textureHeight - 1);
   const std::size_t at = (static_cast<std::size_t>(y) * static_cast<std::size_t>(m.textureWidth) +
                           static_cast<std::size_t>(x)) *
                          4;
@@ -56,8 +58,8 @@ std::vector<std::uint8_t> RshviewRenderSphere(const RshviewSphereMaterial& m, in
   // A light above, left of and in front of the viewer; the viewer looks along -z.
   const float lightLength = std::sqrt(0.5f * 0.5f + 0.6f * 0.6f + 0.8f * 0.8f);
   const float light[3] = {-0.5f / lightLength, 0.6f / lightLength, 0.8f / lightLength};
-  const float halfLength = std::sqrt(light[0] * light[0] + light[1] * light[1] +
-                                     (light[2] + 1.0f) * (light[2] + 1.0f));
+  const float halfLength =
+      std::sqrt(light[0] * light[0] + light[1] * light[1] + (light[2] + 1.0f) * (light[2] + 1.0f));
   const float half[3] = {light[0] / halfLength, light[1] / halfLength,
                          (light[2] + 1.0f) / halfLength};
   const float exponent = 2.0f + 126.0f * Clamp01(m.glossiness);

@@ -7,12 +7,12 @@
 
 /// What the viewer's material answers, as the sphere uses it.
 struct RshviewSphereMaterial {
-  float diffuse = 0.8f;                      ///< diffuse coefficient
+  float diffuse = 0.8f;  ///< diffuse coefficient
   float diffuseColor[3] = {1.0f, 1.0f, 1.0f};
-  float specular = 0.0f;                     ///< specular coefficient
+  float specular = 0.0f;  ///< specular coefficient
   float specularColor[3] = {1.0f, 1.0f, 1.0f};
-  float glossiness = 0.0f;                   ///< 0 (broad highlight) to 1 (sharp)
-  float transparency = 0.0f;                 ///< 0 opaque to 1 clear
+  float glossiness = 0.0f;    ///< 0 (broad highlight) to 1 (sharp)
+  float transparency = 0.0f;  ///< 0 opaque to 1 clear
   // The texture, when `texture` is not empty: width × height RGBA pixels, rows from the top.
   std::vector<std::uint8_t> texture;
   int textureWidth = 0;
