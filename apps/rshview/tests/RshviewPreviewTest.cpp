@@ -106,7 +106,8 @@ TEST(RshviewPreview, SphereShadingRules) {
   // A transparent material lets the background through: nearer to grey than an opaque one.
   RshviewSphereMaterial clear = plain;
   clear.transparency = 1.0f;
-  const int opaque = At(lit, 32, 16, 16).r, seeThrough = At(RshviewRenderSphere(clear, 32), 32, 16, 16).r;
+  const int opaque = At(lit, 32, 16, 16).r,
+            seeThrough = At(RshviewRenderSphere(clear, 32), 32, 16, 16).r;
   EXPECT_LT(std::abs(seeThrough - 128), std::abs(opaque - 128));
 
   // A sharp highlight is smaller than a broad one of the same weight.
