@@ -5,12 +5,14 @@ void KEPRshRegisterMetadata();
 void KEPRshRegisterHardware();
 void KEPRshRegisterControls();
 void KEPRshRegisterImmersiveEditor();
+void KEPRshRegisterClassicEditor();
 
 extern "C" void KEPRshViewRegister() {
   KEPRshRegisterMetadata();
   KEPRshRegisterHardware();
   KEPRshRegisterControls();
   KEPRshRegisterImmersiveEditor();
+  KEPRshRegisterClassicEditor();
 }
 
 bool KEPRshIsPhysicalShaderType(std::string_view typeName) {

@@ -21,6 +21,9 @@ struct RshviewOptions {
   bool restricted = false;             ///< dump, drive: the restricted immersive editor
   std::string save;                    ///< drive: write the document here afterwards
   std::string units;                   ///< dump, drive: display units for this run
+  std::string editor = "immersive";    ///< dump, drive: "immersive" or "classic"
+  std::string size;                    ///< preview: the picture's side in pixels (text)
+  std::string out;                     ///< preview: the PNG file to write
   std::vector<std::string> arguments;  ///< what is left after the options
 };
 

@@ -15,13 +15,17 @@ extern const char* const kRshviewMaterialHelp;
 int RunLintCommand(RshviewContext& context);
 extern const char* const kRshviewLintHelp;
 
-/// `rshview dump`: the immersive editor's widget tree of a node.
+/// `rshview dump`: an editor's widget tree of a node.
 int RunDumpCommand(RshviewContext& context);
 extern const char* const kRshviewDumpHelp;
 
-/// `rshview drive`: a script of user events on a node's immersive editor.
+/// `rshview drive`: a script of user events on a node's editor.
 int RunDriveCommand(RshviewContext& context);
 extern const char* const kRshviewDriveHelp;
+
+/// `rshview preview`: a PNG picture of a node's material on a sphere.
+int RunPreviewCommand(RshviewContext& context);
+extern const char* const kRshviewPreviewHelp;
 
 /// `rshview units`: the display units, shown or chosen for good.
 int RunUnitsCommand(RshviewContext& context);

@@ -1,5 +1,5 @@
-// `rshview drive`: a script of user events played on a node's immersive editor, with every
-// parameter write it causes.
+// `rshview drive`: a script of user events played on a node's immersive or classic editor, with
+// every parameter write it causes.
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -18,12 +18,14 @@
 
 const char* const kRshviewDriveHelp =
     "Usage: rshview drive [--library DIR] [--doc FILE] [--node ID] [--restricted]\n"
+    "                     [--editor immersive|classic]\n"
     "                     [--units length=UNIT,angle=UNIT] [--save FILE] [--format text|json]\n"
     "                     [--trace] SCRIPT\n"
     "\n"
-    "Opens the immersive editor of a node and plays SCRIPT on it, as a person would: one event\n"
-    "a line, 'ACTION PATH [ARGUMENT]', blank lines and lines starting with # ignored. SCRIPT '-'\n"
-    "reads standard input. PATH is a widget's path as 'rshview dump' shows it, from the editor\n"
+    "Opens the editor of a node (immersive unless --editor classic) and plays SCRIPT on it, as\n"
+    "a person would: one event a line, 'ACTION PATH [ARGUMENT]', blank lines and lines starting\n"
+    "with # ignored. SCRIPT '-' reads standard input. PATH is a widget's path as 'rshview dump' "
+    "shows it, from the editor\n"
     "down (layouts in between may be left out). Actions:\n"
     "  set PATH NUMBER        move a slider or spin box\n"
     "  type PATH TEXT         type TEXT into an editor and confirm it\n"
@@ -40,7 +42,8 @@ const char* const kRshviewDriveHelp =
     "error naming the line (exit 1); nothing is saved then.\n"
     "\n"
     "  --save FILE     afterwards, write the document to FILE (atomically)\n"
-    "  --restricted    the restricted editor\n"
+    "  --editor KIND   immersive (default) or classic\n"
+    "  --restricted    the restricted immersive editor\n"
     "  --units LIST    display units for this run (see 'rshview units')\n"
     "  --trace         print the module's traces to standard error as the events run\n"
     "\n"
@@ -137,7 +140,7 @@ int RunDriveCommand(RshviewContext& context) {
 
   RshviewEditor editor;
   std::string message;
-  if (!editor.Build(node, options.restricted, message)) {
+  if (!editor.Build(node, options.restricted, message, options.editor == "classic")) {
     context.err << "rshview drive: " << message << "\n";
     return 1;
   }

@@ -1,4 +1,4 @@
-// `rshview dump`: the immersive editor's widget tree of a node.
+// `rshview dump`: the widget tree of a node's immersive or classic editor.
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -8,17 +8,22 @@
 
 const char* const kRshviewDumpHelp =
     "Usage: rshview dump [--library DIR] [--doc FILE] [--node ID|all] [--restricted]\n"
-    "                    [--units length=UNIT,angle=UNIT] [--format text|json] [--trace]\n"
+    "                    [--editor immersive|classic] [--units length=UNIT,angle=UNIT]\n"
+    "                    [--format text|json] [--trace]\n"
     "\n"
-    "Builds the immersive editor of a node, as the host opens it, and prints its widget tree:\n"
+    "Builds the editor of a node, as the host opens it, and prints its widget tree:\n"
     "one widget a line, indented under its father, with its class, its name, its grid cell\n"
     "[row,column] and the state that matters (values, ranges, labels, icons, tooltips), and\n"
     "\"(hidden)\" or \"(disabled)\" where a person could not see or use it. A widget's path for\n"
     "'rshview drive' is the names from the editor down, for example\n"
-    "ParameterGroup0/ParameterWidget3/scalarSlider (layouts in between may be left out).\n"
+    "ParameterGroup0/ParameterWidget3/scalarSlider (layouts in between may be left out); the\n"
+    "classic editor's paths start at its root frame: rootFrame/container/shaderFrame/....\n"
     "\n"
     "  --node ID       the node; default: the document's first material; 'all': every node\n"
-    "  --restricted    the restricted editor (ratio tweaker of scale_u and type disabled)\n"
+    "  --editor KIND   immersive (default) or classic: the classic editor's root frame with\n"
+    "                  one row per parameter and the connection buttons and menus\n"
+    "  --restricted    the restricted immersive editor (ratio tweaker of scale_u and type\n"
+    "                  disabled)\n"
     "  --units LIST    display units for this run (see 'rshview units')\n"
     "\n"
     "JSON: {\"node\", \"type\", \"editor\": widget}, each widget {class, name, path, visible,\n"
@@ -38,7 +43,8 @@ int RunDumpCommand(RshviewContext& context) {
     KEPHostShaderNode* node = nodes[i];
     RshviewEditor editor;
     std::string message;
-    if (!editor.Build(node, context.options.restricted, message)) {
+    if (!editor.Build(node, context.options.restricted, message,
+                      context.options.editor == "classic")) {
       context.err << "rshview dump: " << message << "\n";
       return 1;
     }

@@ -39,6 +39,7 @@ const char* const kGlobalOptions =
     "  --trace              print the module's traces to standard error\n"
     "  --units LIST         display units for this run, e.g. length=cm,angle=deg (dump, drive);\n"
     "                       'rshview units' chooses them for good\n"
+    "  --editor KIND        immersive (default) or classic: the editor dump and drive open\n"
     "  -h, --help           help (of the command when given after it)\n"
     "\n"
     "The bundled samples are looked up in $RSHVIEW_SAMPLES, else in share/KEPRshView/samples\n"
@@ -149,6 +150,12 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
         target = &parsed.options.save;
       else if (name == "--units")
         target = &parsed.options.units;
+      else if (name == "--editor")
+        target = &parsed.options.editor;
+      else if (name == "--size")
+        target = &parsed.options.size;
+      else if (name == "--out")
+        target = &parsed.options.out;
       else
         return UsageError(err, "unknown option '" + name + "'");
       if (!inlineValue) {
@@ -183,6 +190,16 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
     return UsageError(err, "--units applies to the dump and drive commands only");
   if (!parsed.options.save.empty() && parsed.command && command != "drive")
     return UsageError(err, "--save applies to the drive command only");
+  if (parsed.options.editor != "immersive" && parsed.options.editor != "classic")
+    return UsageError(err,
+                      "--editor must be immersive or classic, not '" + parsed.options.editor + "'");
+  if (parsed.options.editor == "classic" && parsed.command && !editor)
+    return UsageError(err, "--editor applies to the dump and drive commands only");
+  if (parsed.options.editor == "classic" && parsed.options.restricted)
+    return UsageError(err, "--restricted applies to the immersive editor only");
+  if ((!parsed.options.size.empty() || !parsed.options.out.empty()) && parsed.command &&
+      command != "preview")
+    return UsageError(err, "--size and --out apply to the preview command only");
   return 0;
 }
 

@@ -23,7 +23,7 @@ foreach(line IN LISTS lines)
   endif()
 endforeach()
 # What a host needs: the entry point, an adapter factory per registered behaviour and material
-# interface (21 so far), the module's shared rule, the exported class's life cycle, and the
+# interface (22 so far), the module's shared rule, the exported class's life cycle, and the
 # introspectable controls' metaclass builders and adapter.
 foreach(required IN ITEMS "KEPRshViewRegister"
                           "KEPRshIsPhysicalShaderType(std::basic_string_view"
@@ -35,6 +35,8 @@ foreach(required IN ITEMS "KEPRshViewRegister"
                           "CreateTIEKEPIRshParameterImmLayoutKEPRshParameterScalarImmLayout"
                           "CreateTIEKEPIRshParameterDialogKEPRshParameterScalarDialog"
                           "CreateTIEKEPIRshShaderEditorImmLayoutKEPRshShaderEditorImmLayout"
+                          "CreateTIEKEPIRshShaderEditorDialogKEPRshShaderDialog"
+                          "KEPRshPreviewFrame::KEPRshPreviewFrame("
                           "fctCreateKEPRshUIScalarSoftHardRangeSYPMetaClassBuilder"
                           "fctCreateKEPRshUIScalarRatioSYPMetaClassBuilder"
                           "CreateBOAKEPISYPIntrospectableKEPRshUIScalarRatioSYPIntro"
@@ -47,7 +49,7 @@ foreach(required IN ITEMS "KEPRshViewRegister"
     message(FATAL_ERROR "${LIBRARY} does not export ${required}")
   endif()
 endforeach()
-if(factories LESS 21)
-  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 21 registered")
+if(factories LESS 22)
+  message(FATAL_ERROR "${LIBRARY} exports ${factories} adapter factories, fewer than the 22 registered")
 endif()
 message(STATUS "${count} exported symbols, all of them the module's own")

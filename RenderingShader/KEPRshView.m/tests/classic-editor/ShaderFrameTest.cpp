@@ -1,0 +1,98 @@
+// The shader frame: which shaders get rows, and what its connect, disconnect and edit actions do
+// to the model.
+#include "ClassicTestSupport.h"
+#include "KEPRshModelEvents.h"
+
+namespace keptest {
+namespace {
+
+class ShaderFrameTest : public ClassicTest {
+ protected:
+  /// A frame of `shader` under the parent (which owns it).
+  KEPRshShaderFrame* Frame(KEPIRshShader* shader) {
+    return new KEPRshShaderFrame(Parent(), "shaderFrame", 0xC0000, shader);
+  }
+};
+
+TEST_F(ShaderFrameTest, ConnectableTypesAreTheMaterialPhenomena) {
+  const std::pair<const char*, bool> cases[] = {{"mia_phen_material", true},
+                                                {"mia_phen_emissive", true},
+                                                {"mip_car_paint", true},
+                                                {"mip_metallic_paint", true},
+                                                {"mia_phen_reflective_translucent", true},
+                                                {"kep_phen_texture", false},
+                                                {"MIA_PHEN_MATERIAL", false},
+                                                {"mia_phen_material ", false},
+                                                {"mia_phen", false},
+                                                {"", false}};
+  for (const auto& [type, connectable] : cases)
+    EXPECT_EQ(KEPRshShaderFrame::IsConnectableType(type), connectable) << type;
+}
+
+TEST_F(ShaderFrameTest, PhysicalShaderAndNoShaderGiveEmptyFrames) {
+  KEPHostShaderNode* physical = Aliased("MPM_material", "Physical");
+  for (KEPIRshShader* shader :
+       {static_cast<KEPIRshShader*>(physical), static_cast<KEPIRshShader*>(nullptr)}) {
+    KEPRshShaderFrame* frame = Frame(shader);
+    EXPECT_EQ(frame->GetChildCount(), 0u);
+    EXPECT_EQ(frame->GetStyle(), 0xC0001);
+    // Actions on an empty frame find no parameter and change nothing.
+    frame->EditCB(frame, nullptr, 1);
+    frame->DisconnectCB(frame, nullptr, 1);
+  }
+}
+
+TEST_F(ShaderFrameTest, DisconnectIsOneAnnouncedModification) {
+  KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
+  KEPHostShaderNode* bump = Aliased("bump", "Bump");
+  Connect(material, bump);
+  std::vector<std::string> events;
+  const int token = KEPRshModelEvents::AddShaderModifyObserver(
+      [&](const KEPRbaShaderModifyNotification& n, bool begin) {
+        events.push_back(std::string(begin ? "begin " : "end ") + n.changeClass + " " +
+                         (n.shader == material ? "material" : "other"));
+      });
+  const int parameters = KEPRshModelEvents::AddParameterObserver(
+      [&](KEPIRshParameter*, KEPRshParameterChangeKind kind) {
+        if (kind == KEPRshParameterChangeKind::Connection) events.push_back("connection");
+      });
+  KEPRshShaderFrame* frame = Frame(material);
+  frame->DisconnectCB(frame, nullptr, 1);
+  KEPRshModelEvents::RemoveObserver(token);
+  KEPRshModelEvents::RemoveObserver(parameters);
+  EXPECT_EQ(events, (std::vector<std::string>{"begin KEPIGraphicMaterial material", "connection",
+                                              "end KEPIGraphicMaterial material"}));
+  KEPIRshShader* connected = nullptr;
+  EXPECT_TRUE(FAILED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
+  EXPECT_EQ(connected, nullptr);
+}
+
+TEST_F(ShaderFrameTest, ConnectOpensNothingYetAndSaysSo) {
+  KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
+  KEPRshShaderRootFrame* root = Root(material);
+  KEPRshShaderFrame* frame = root->GetShaderFrame();
+  TraceCapture trace(5);
+  frame->ConnectCB(frame, nullptr, 1);
+  EXPECT_TRUE(trace.Contains("(KEPRshShaderFrame::ConnectCB)\n"));
+  EXPECT_TRUE(trace.Contains("No connection dialog"));
+  KEPIRshShader* connected = nullptr;
+  EXPECT_TRUE(FAILED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
+  EXPECT_EQ(root->FindNamedChild("connectionDialog"), nullptr);
+}
+
+TEST_F(ShaderFrameTest, DetachedFrameActsOnNothing) {
+  KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
+  KEPHostShaderNode* bump = Aliased("bump", "Bump");
+  Connect(material, bump);
+  KEPRshShaderFrame* frame = Frame(material);
+  frame->DetachShader();
+  EXPECT_EQ(frame->GetShader(), nullptr);
+  frame->DisconnectCB(frame, nullptr, 1);
+  KEPIRshShader* connected = nullptr;
+  ASSERT_TRUE(SUCCEEDED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
+  EXPECT_EQ(connected, bump);
+  connected->Release();
+}
+
+}  // namespace
+}  // namespace keptest

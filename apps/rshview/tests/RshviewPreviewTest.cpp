@@ -1,0 +1,161 @@
+// preview, and dump and drive of the classic editor, as a person runs them on the bundled sample;
+// the sphere's shading rules on their own.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "KEPPixelImage.h"
+#include "RshviewRun.h"
+#include "RshviewSphere.h"
+
+namespace {
+namespace fs = std::filesystem;
+
+class Scratch {
+ public:
+  Scratch() {
+    std::string pattern = (fs::temp_directory_path() / "rshview-previewXXXXXX").string();
+    root_ = mkdtemp(pattern.data());
+  }
+  ~Scratch() {
+    std::error_code ignored;
+    fs::remove_all(root_, ignored);
+  }
+  std::string Path(const std::string& name) const { return (root_ / name).string(); }
+
+ private:
+  fs::path root_;
+};
+
+struct Pixel {
+  int r, g, b, a;
+};
+
+Pixel At(const std::vector<std::uint8_t>& pixels, int size, int x, int y) {
+  const auto at = static_cast<std::size_t>((y * size + x) * 4);
+  return {pixels[at], pixels[at + 1], pixels[at + 2], pixels[at + 3]};
+}
+
+TEST(RshviewPreview, RedPaintIsARedSphereOnGrey) {
+  Scratch scratch;
+  const std::string file = scratch.Path("red.png");
+  const Outcome run = Rshview({"preview", "--node", "red_paint", "--size", "64", "--out", file});
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_NE(run.out.find("red_paint"), std::string::npos);
+  auto image = KEP_var<KEPPixelImage>::Adopt(KEPPixelImage::Load(KEPUnicodeString::FromUTF8(file)));
+  ASSERT_TRUE(image);
+  ASSERT_EQ(image->GetWidth(), 64);
+  ASSERT_EQ(image->GetHeight(), 64);
+  const Pixel centre = At(image->GetPixels(), 64, 32, 32);
+  EXPECT_GT(centre.r, centre.g + 40);
+  EXPECT_GT(centre.r, centre.b + 40);
+  const Pixel corner = At(image->GetPixels(), 64, 0, 0);
+  EXPECT_EQ((std::vector<int>{corner.r, corner.g, corner.b, corner.a}),
+            (std::vector<int>{128, 128, 128, 255}));
+}
+
+TEST(RshviewPreview, RefusesBadSizesNodesAndPaths) {
+  Scratch scratch;
+  const std::string file = scratch.Path("out.png");
+  for (const char* size : {"0", "4097", "-3", "12x", "abc", " 8"}) {
+    const Outcome run = Rshview({"preview", "--size", size, "--out", file});
+    EXPECT_EQ(run.code, 2) << size;
+    EXPECT_NE(run.err.find("--size must be a whole number from 1 to 4096"), std::string::npos)
+        << size;
+  }
+  EXPECT_FALSE(fs::exists(file));
+
+  const Outcome one = Rshview({"preview", "--size", "1", "--out", file});
+  EXPECT_EQ(one.code, 0) << one.err;
+  EXPECT_TRUE(fs::exists(file));
+
+  const Outcome node = Rshview({"preview", "--node", "no_such", "--out", file});
+  EXPECT_EQ(node.code, 2);
+  EXPECT_NE(node.err.find("no node 'no_such'"), std::string::npos);
+
+  const std::string unwritable = scratch.Path("missing/out.png");
+  const Outcome path = Rshview({"preview", "--out", unwritable});
+  EXPECT_EQ(path.code, 1);
+  EXPECT_NE(path.err.find(unwritable), std::string::npos) << path.err;
+
+  EXPECT_EQ(Rshview({"preview"}).code, 2);  // no --out
+  EXPECT_EQ(Rshview({"dump", "--out", file}).code, 2);
+}
+
+TEST(RshviewPreview, SphereShadingRules) {
+  RshviewSphereMaterial plain;
+  plain.diffuseColor[0] = 1.0f;
+  plain.diffuseColor[1] = 1.0f;
+  plain.diffuseColor[2] = 1.0f;
+  const auto lit = RshviewRenderSphere(plain, 32);
+
+  // A blue texture tints a white material blue.
+  RshviewSphereMaterial textured = plain;
+  textured.texture = {0, 0, 255, 255};
+  textured.textureWidth = textured.textureHeight = 1;
+  const Pixel blue = At(RshviewRenderSphere(textured, 32), 32, 16, 16);
+  EXPECT_EQ(blue.r, 0);
+  EXPECT_GT(blue.b, 100);
+
+  // The lit side faces the light: upper left brighter than lower right.
+  EXPECT_GT(At(lit, 32, 10, 10).r, At(lit, 32, 22, 22).r);
+
+  // A transparent material lets the background through: nearer to grey than an opaque one.
+  RshviewSphereMaterial clear = plain;
+  clear.transparency = 1.0f;
+  const int opaque = At(lit, 32, 16, 16).r,
+            seeThrough = At(RshviewRenderSphere(clear, 32), 32, 16, 16).r;
+  EXPECT_LT(std::abs(seeThrough - 128), std::abs(opaque - 128));
+
+  // A sharp highlight is smaller than a broad one of the same weight.
+  RshviewSphereMaterial broad = plain, sharp = plain;
+  broad.diffuse = sharp.diffuse = 0.0f;
+  broad.specular = sharp.specular = 1.0f;
+  sharp.glossiness = 1.0f;
+  const auto count = [](const std::vector<std::uint8_t>& pixels) {
+    int bright = 0;
+    for (std::size_t i = 0; i < pixels.size(); i += 4) bright += pixels[i] > 200 ? 1 : 0;
+    return bright;
+  };
+  EXPECT_GT(count(RshviewRenderSphere(broad, 64)), count(RshviewRenderSphere(sharp, 64)));
+}
+
+TEST(RshviewClassicEditor, DumpShowsTheRootFrameOfTheSampleNode) {
+  const Outcome text = Rshview({"dump", "--editor", "classic", "--node", "floor"});
+  ASSERT_EQ(text.code, 0) << text.err;
+  EXPECT_EQ(text.out.rfind("KEPRshShaderRootFrame rootFrame", 0), 0u) << text.out;
+  EXPECT_NE(text.out.find("rectangle=[1,1,290,360]"), std::string::npos);
+  EXPECT_NE(text.out.find("KEPRshShaderFrame shaderFrame"), std::string::npos);
+
+  const Outcome json = Rshview({"dump", "--editor", "classic", "--format", "json"});
+  ASSERT_EQ(json.code, 0) << json.err;
+  const auto parsed = nlohmann::json::parse(json.out);
+  EXPECT_EQ(parsed["editor"]["name"], "rootFrame");
+
+  // The immersive editor stays the default.
+  const Outcome immersive = Rshview({"dump", "--node", "floor"});
+  EXPECT_EQ(immersive.out.find("rootFrame"), std::string::npos);
+}
+
+TEST(RshviewClassicEditor, DriveRunsOnTheClassicTree) {
+  Scratch scratch;
+  const std::string script = scratch.Path("script.txt");
+  {
+    std::ofstream(script) << "# the parent button is hidden on the first shader\n"
+                             "press parentButton\n";
+  }
+  const Outcome run = Rshview({"drive", "--editor", "classic", "--node", "floor", script});
+  EXPECT_EQ(run.code, 1);
+  EXPECT_NE(run.err.find(script + ":2: "), std::string::npos) << run.err;
+}
+
+TEST(RshviewClassicEditor, EditorOptionIsChecked) {
+  EXPECT_EQ(Rshview({"dump", "--editor", "modern"}).code, 2);
+  EXPECT_EQ(Rshview({"dump", "--editor", "classic", "--restricted"}).code, 2);
+  EXPECT_EQ(Rshview({"material", "--editor", "classic"}).code, 2);
+}
+
+}  // namespace
