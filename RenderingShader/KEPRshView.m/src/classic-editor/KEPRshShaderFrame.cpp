@@ -15,7 +15,6 @@
 #include "KEPIRshShaderSupport.h"
 #include "KEPISpecObject.h"
 #include "KEPMsgCatalog.h"
-#include "KEPRshBuildParameterFrame.h"
 #include "KEPRshModelEvents.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshShaderRootFrame.h"
@@ -168,9 +167,7 @@ bool KEPRshShaderFrame::AddRow(int i, KEPIRshParameter* parameter, int row, cons
   }
 
   KEPDialog* frame = nullptr;
-  if (FAILED(KEPRshBuildParameterFrame(behaviour.Get(), this, PositionName("parameterDialog", i),
-                                       frame)) ||
-      !frame)
+  if (FAILED(behaviour->BuildFrame(this, PositionName("parameterDialog", i), &frame)) || !frame)
     return false;
   const auto slot = static_cast<std::size_t>(i - 1);
   parameterFrames_[slot] = frame;
