@@ -281,10 +281,10 @@ KEP_var<KEPIRshShaderSupport> KEPRshShaderFrame::FindShaderSupport(KEPIRshParame
   current = KEP_var<KEPIUnknown>::Adopt(parameter);
   for (int depth = 0; current && depth < 64; ++depth) {
     if (auto support = KEPQueryVar<KEPIRshShaderSupport>(current)) return support;
-    const KEP_var<KEPISpecObject> spec = KEPQueryVar<KEPISpecObject>(current);
-    if (!spec) break;
+    const KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(current);
+    if (!specObject) break;
     KEPBaseUnknown* father = nullptr;
-    if (FAILED(spec->GetFather(father)) || !father) break;
+    if (FAILED(specObject->GetFather(father)) || !father) break;
     current = KEP_var<KEPIUnknown>::Adopt(father);
   }
   return {};

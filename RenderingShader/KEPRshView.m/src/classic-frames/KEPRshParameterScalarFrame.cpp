@@ -26,9 +26,9 @@ constexpr int kFloatAttribute = 2;
 /// The father of `object` through KEPISpecObject, with a reference; null when there is none.
 template <class Object>
 KEP_var<KEPBaseUnknown> FatherOf(Object* object) {
-  const KEP_var<KEPISpecObject> spec = KEPQueryVar<KEPISpecObject>(object);
+  const KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(object);
   KEPBaseUnknown* father = nullptr;
-  if (!spec || FAILED(spec->GetFather(father))) return {};
+  if (!specObject || FAILED(specObject->GetFather(father))) return {};
   return KEP_var<KEPBaseUnknown>::Adopt(father);
 }
 }  // namespace

@@ -131,18 +131,18 @@ std::string KEPDlgFormatNumber(double value, const std::string& format, int deci
   Conversion c;
   std::string text;
   if (FindConversion(format, c)) {
-    std::string spec = "%" + c.flagsWidthPrecision;
+    std::string conversion = "%" + c.flagsWidthPrecision;
     int written = 0;
     if (c.letter == 'd' || c.letter == 'i' || c.letter == 'u') {
       // An integer conversion shows the nearest integer (within the range of long long).
       constexpr double kLimit = 9.0e18;
       const double rounded = std::round(std::fmax(-kLimit, std::fmin(kLimit, value)));
-      spec += "lld";
-      written = std::snprintf(buffer, sizeof buffer, spec.c_str(),  // NOLINT: checked format
+      conversion += "lld";
+      written = std::snprintf(buffer, sizeof buffer, conversion.c_str(),  // NOLINT: checked format
                               static_cast<long long>(rounded));
     } else {
-      spec += c.letter;
-      written = std::snprintf(buffer, sizeof buffer, spec.c_str(), value);  // NOLINT
+      conversion += c.letter;
+      written = std::snprintf(buffer, sizeof buffer, conversion.c_str(), value);  // NOLINT
     }
     text = Literal(std::string_view(format).substr(0, c.begin));
     if (written > 0)
