@@ -33,7 +33,70 @@ std::string AvailableNames(const KEPVidWidget* widget) {
   return "none: it has no named descendants";
 }
 
+// The `index`-th widget named `name` exactly `depth` levels below `widget`, in child order;
+// `index` counts down the ones passed over, `reached` is set when any widget lies that deep.
+KEPVidWidget* FindNthAtDepth(const KEPVidWidget* widget, std::string_view name, int depth,
+                             std::size_t& index, bool& reached) {
+  const std::size_t count = widget->GetChildCount();
+  for (std::size_t i = 0; i < count; ++i) {
+    KEPVidWidget* child = widget->GetChild(i);
+    if (depth == 1) {
+      reached = true;
+      if (child->GetName() != name) continue;
+      if (index == 0) return child;
+      --index;
+    } else if (KEPVidWidget* found = FindNthAtDepth(child, name, depth - 1, index, reached)) {
+      return found;
+    }
+  }
+  return nullptr;
+}
+
+// The `index`-th widget named `name` at the shallowest depth below `widget` where that name
+// occurs at all (index 0: the one FindNamedChild finds).
+KEPVidWidget* FindNthNamed(const KEPVidWidget* widget, std::string_view name, std::size_t index) {
+  if (index == 0) return widget->FindNamedChild(name);
+  for (int depth = 1;; ++depth) {
+    bool reached = false;
+    std::size_t left = index;
+    if (KEPVidWidget* found = FindNthAtDepth(widget, name, depth, left, reached)) return found;
+    if (!reached) return nullptr;
+    // Some were found at this depth but not enough: a deeper level does not count.
+    if (left != index) return nullptr;
+  }
+}
+
+// Splits "name[k]" into the name and k; a segment without brackets has index 0. False when the
+// brackets hold anything but a whole number.
+bool SplitIndex(std::string_view segment, std::string_view& name, std::size_t& index) {
+  name = segment;
+  index = 0;
+  if (segment.empty() || segment.back() != ']') return true;
+  const std::size_t open = segment.rfind('[');
+  if (open == std::string_view::npos || open == 0) return false;
+  const std::string_view digits = segment.substr(open + 1, segment.size() - open - 2);
+  if (digits.empty() || digits.size() > 6) return false;
+  for (const char c : digits) {
+    if (c < '0' || c > '9') return false;
+    index = index * 10 + static_cast<std::size_t>(c - '0');
+  }
+  name = segment.substr(0, open);
+  return true;
+}
+
 }  // namespace
+
+std::size_t KEPVidTwinIndex(const KEPVidWidget* widget) {
+  const KEPVidWidget* father = widget->GetFather();
+  if (!father || widget->GetName().empty()) return 0;
+  std::size_t twins = 0;
+  for (std::size_t i = 0; i < father->GetChildCount(); ++i) {
+    const KEPVidWidget* sibling = father->GetChild(i);
+    if (sibling == widget) break;
+    if (sibling->GetName() == widget->GetName()) ++twins;
+  }
+  return twins;
+}
 
 KEPVidWidget* KEPVidFindByPath(KEPVidWidget* root, std::string_view path, std::string& error) {
   if (!root) {
@@ -52,7 +115,15 @@ KEPVidWidget* KEPVidFindByPath(KEPVidWidget* root, std::string_view path, std::s
               " is empty";
       return nullptr;
     }
-    KEPVidWidget* found = current->FindNamedChild(segment);
+    std::string_view name;
+    std::size_t index = 0;
+    if (!SplitIndex(segment, name, index)) {
+      error = "widget path " + KEPVidQuote(path) + ": segment " + std::to_string(position) + " " +
+              KEPVidQuote(segment) +
+              " has an index that is no whole number (name[0], name[1], ...)";
+      return nullptr;
+    }
+    KEPVidWidget* found = FindNthNamed(current, name, index);
     if (!found) {
       error = "widget path " + KEPVidQuote(path) + ": segment " + std::to_string(position) + " " +
               KEPVidQuote(segment) + " names no widget below " +
@@ -78,6 +149,8 @@ std::string KEPVidPathOf(const KEPVidWidget* root, const KEPVidWidget* widget) {
     if ((*it)->GetName().empty()) continue;
     if (!path.empty()) path += '/';
     path += (*it)->GetName();
+    if (const std::size_t twin = KEPVidTwinIndex(*it); twin > 0)
+      path += '[' + std::to_string(twin) + ']';
   }
   return path;
 }

@@ -4,7 +4,9 @@
 //
 // A path is made of widget names separated by "/". Each name is looked for among the descendants
 // of the widget reached so far, breadth first, so intermediate layouts may be left out:
-// "ParameterGroup0/ParameterWidget3/scalarSlider". The empty path is the root itself.
+// "ParameterGroup0/ParameterWidget3/scalarSlider". A name may carry an index, "scalarSlider[2]":
+// the third of the widgets so named at the shallowest depth where the name occurs (siblings of one
+// name, such as a vector's sliders, are told apart that way). The empty path is the root itself.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -20,9 +22,13 @@ class KEPVidWidget;
 /// is empty or does not resolve, its position, and the names available where it was looked for.
 KEPVidWidget* KEPVidFindByPath(KEPVidWidget* root, std::string_view path, std::string& error);
 
-/// The path of `widget` from `root` (names of its named ancestors below `root`, then its own);
-/// empty for the root, or when `widget` is not below `root`.
+/// The path of `widget` from `root` (names of its named ancestors below `root`, then its own, each
+/// with "[k]" when k earlier siblings bear the same name); empty for the root, or when `widget` is
+/// not below `root`.
 std::string KEPVidPathOf(const KEPVidWidget* root, const KEPVidWidget* widget);
+
+/// How many earlier siblings of `widget` bear its name (0 for an unnamed or fatherless widget).
+std::size_t KEPVidTwinIndex(const KEPVidWidget* widget);
 
 /// The tree as JSON (see docs/formats.md, "Widget tree JSON"). Texts are valid UTF-8 (invalid
 /// sequences become U+FFFD), numbers that are not finite are null.

@@ -7,7 +7,10 @@
 #include <cmath>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -331,7 +334,7 @@ class TreeWriter {
  public:
   explicit TreeWriter(Sink& sink) : sink_(sink) {}
 
-  void Widget(const KEPVidWidget* widget, bool isRoot) {
+  void Widget(const KEPVidWidget* widget, bool isRoot, std::size_t twin = 0) {
     const KEPString& name = widget->GetName();
     const bool plainName = KEPVidIsPlainText(name);
     sink_.BeginObject();
@@ -351,6 +354,11 @@ class TreeWriter {
     if (named) {
       if (!path_.empty()) path_ += '/';
       path_ += name;
+      if (twin > 0) {
+        path_ += '[';
+        path_ += std::to_string(twin);
+        path_ += ']';
+      }
       pathPlain_ = pathPlain_ && plainName;
     }
     sink_.KnownKey("path");
@@ -401,7 +409,7 @@ class TreeWriter {
     WriteProperties(sink_, widget, classes_);
     sink_.KnownKey("children");
     sink_.BeginArray();
-    for (std::size_t i = 0; i < widget->GetChildCount(); ++i) Widget(widget->GetChild(i), false);
+    Children(widget);
     sink_.EndArray();
     sink_.EndObject();
     path_.resize(pathSize);
@@ -409,6 +417,33 @@ class TreeWriter {
   }
 
  private:
+  // Writes the children; a child with earlier siblings of its name gets "[k]" in its path, so
+  // that every path designates one widget. Large families count names in a table, small ones by
+  // looking back.
+  void Children(const KEPVidWidget* widget) {
+    const std::size_t count = widget->GetChildCount();
+    constexpr std::size_t kLookBack = 16;
+    if (count <= kLookBack) {
+      for (std::size_t i = 0; i < count; ++i) {
+        const KEPVidWidget* child = widget->GetChild(i);
+        std::size_t twin = 0;
+        if (!child->GetName().empty())
+          for (std::size_t j = 0; j < i; ++j)
+            if (widget->GetChild(j)->GetName() == child->GetName()) ++twin;
+        Widget(child, false, twin);
+      }
+      return;
+    }
+    std::unordered_map<std::string_view, std::size_t> seen;
+    seen.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      const KEPVidWidget* child = widget->GetChild(i);
+      std::size_t twin = 0;
+      if (!child->GetName().empty()) twin = seen[child->GetName()]++;
+      Widget(child, false, twin);
+    }
+  }
+
   void Cell(const KEPVidGridCell& cell) {
     sink_.KnownKey("cell");
     sink_.BeginObject();

@@ -90,6 +90,44 @@ TEST_F(ImmPaths, PathsMayLeaveOutIntermediateLayouts) {
   EXPECT_EQ(KEPVidPathOf(tree.group, tree.root.Get()), "") << "not below the root";
 }
 
+TEST_F(ImmPaths, SiblingsOfOneNameAreToldApartByIndexInPathsAndJson) {
+  // A vector's sliders share a name; the second and third get "[1]" and "[2]" in their paths,
+  // and those paths lead back to them, also through an unnamed layout in between.
+  Root root = Root::Adopt(new KEPVidLayGrid(nullptr, "Editor"));
+  auto* frame = new KEPVidLayGrid(root.Get(), "parameterDialog1");
+  auto* unnamed = new KEPVidLayGrid(frame, "");
+  KEPVidCtlSlider* sliders[3] = {new KEPVidCtlSlider(unnamed, "scalarSlider"),
+                                 new KEPVidCtlSlider(unnamed, "scalarSlider"),
+                                 new KEPVidCtlSlider(unnamed, "scalarSlider")};
+  // A deeper widget of that name does not count among the shallower ones.
+  new KEPVidCtlLabel(new KEPVidLayGrid(unnamed, ""), "scalarSlider");
+  const std::string expected[] = {"parameterDialog1/scalarSlider",
+                                  "parameterDialog1/scalarSlider[1]",
+                                  "parameterDialog1/scalarSlider[2]"};
+  const nlohmann::json json = nlohmann::json::parse(KEPVidToJsonText(root.Get()));
+  std::string error;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(KEPVidPathOf(root.Get(), sliders[i]), expected[i]);
+    EXPECT_EQ(json["children"][0]["children"][0]["children"][i]["path"], expected[i]);
+    EXPECT_EQ(KEPVidFindByPath(root.Get(), expected[i], error), sliders[i]) << error;
+  }
+  EXPECT_EQ(KEPVidFindByPath(root.Get(), "scalarSlider[0]", error), sliders[0]);
+
+  const struct {
+    const char* path;
+    const char* message;
+  } refused[] = {
+      {"parameterDialog1/scalarSlider[3]", "segment 2 \"scalarSlider[3]\" names no widget"},
+      {"parameterDialog1/scalarSlider[x]", "has an index that is no whole number"},
+      {"parameterDialog1/scalarSlider[]", "has an index that is no whole number"},
+      {"[1]", "has an index that is no whole number"},
+  };
+  for (const auto& c : refused) {
+    EXPECT_EQ(KEPVidFindByPath(root.Get(), c.path, error), nullptr) << c.path;
+    EXPECT_NE(error.find(c.message), std::string::npos) << error;
+  }
+}
+
 TEST_F(ImmPaths, AnUnresolvedPathSaysWhichSegmentAndWhatIsThere) {
   EditorTree tree;
   const struct {
