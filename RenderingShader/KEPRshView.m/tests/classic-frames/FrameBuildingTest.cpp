@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FramesTestSupport.h"
+#include "KEPDlgLabel.h"
 #include "KEPDlgSpinner.h"
 #include "KEPRshParameterBooleanFrame.h"
 #include "KEPRshParameterColorFrame.h"
@@ -10,6 +11,7 @@
 #include "KEPRshParameterLightProfileFrame.h"
 #include "KEPRshParameterScalarDialog.h"
 #include "KEPRshParameterScalarFrame.h"
+#include "KEPRshParameterShaderFrame.h"
 #include "KEPRshParameterTextureFrame.h"
 #include "KEPRshParameterVectorFrame.h"
 #include "KEPRshSetOKNotif.h"
@@ -66,13 +68,23 @@ TEST_F(FrameBuildingTest, MissingArgumentsOrParameterFailGenerically) {
   EXPECT_EQ(Root()->GetChildCount(), 0u);
 }
 
-TEST_F(FrameBuildingTest, ConnectionOnlyParameterBuildsNothing) {
-  KEPDialog* frame = Root();
-  EXPECT_EQ(KEPQueryVar<KEPIRshParameterDialog>(Param(KEPHostValue::Void()))
-                ->BuildFrame(Root(), "f", &frame),
-            E_NOTIMPL);
-  EXPECT_EQ(frame, Root());
-  EXPECT_EQ(Root()->GetChildCount(), 0u);
+TEST_F(FrameBuildingTest, ConnectionOnlyParameterNamesItsConnectedShaderAndFollowsIt) {
+  KEPHostParameter* slot = Param(KEPHostValue::Void());
+  auto* frame = Build<KEPRshParameterShaderFrame>(slot);
+  ASSERT_NE(frame, nullptr);
+  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "No shader");
+  // A shader connected elsewhere shows by its alias, or by its identifier without one.
+  KEPHostParameter* other = Param(KEPHostValue::Scalar(1.0f));
+  KEPHostShaderNode* node = other->Father();
+  ASSERT_NE(node, nullptr);
+  slot->SetConnectedShader(node);
+  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), node->Id());
+  node->SetAlias(KEPUnicodeString::FromUTF8("Bumps"));
+  slot->SetConnectedShader(nullptr);
+  slot->SetConnectedShader(node);
+  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "Bumps");
+  slot->SetConnectedShader(nullptr);
+  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "No shader");
 }
 
 TEST_F(FrameBuildingTest, FramesTraceTheirDestructionAtLevelTwo) {
