@@ -16,11 +16,12 @@ namespace {
 class RenderLockTest : public FrameTest {
  protected:
   static bool RenderThreadCanLock() {
-    return std::async(std::launch::async, [] {
-             const bool got = KEPRdgRenderLock::Mutex().try_lock();
-             if (got) KEPRdgRenderLock::Mutex().unlock();
-             return got;
-           })
+    return std::async(std::launch::async,
+                      [] {
+                        const bool got = KEPRdgRenderLock::Mutex().try_lock();
+                        if (got) KEPRdgRenderLock::Mutex().unlock();
+                        return got;
+                      })
         .get();
   }
 };
@@ -34,19 +35,43 @@ TEST_F(RenderLockTest, EveryFrameHoldsTheLockAroundItsWrite) {
     KEPVidAction action;
     const char* argument;
   } const rows[] = {
-      {"scalar spinner", KEPHostValue::Scalar(0.5f), {{".Widget", "spinner"}}, "scalarSpinner",
-       KEPVidAction::Set, "0.25"},
-      {"scalar slider", KEPHostValue::Scalar(0.5f), {{".Widget", "slider"}}, "scalarSlider",
-       KEPVidAction::Set, "0.25"},
-      {"integer spinner", KEPHostValue::Integer(1), {{".Widget", "spinner"}}, "integerSpinner",
-       KEPVidAction::Set, "5"},
-      {"integer check", KEPHostValue::Integer(0), {{".Widget", "check"}}, "integerCheck",
-       KEPVidAction::Toggle, "on"},
+      {"scalar spinner",
+       KEPHostValue::Scalar(0.5f),
+       {{".Widget", "spinner"}},
+       "scalarSpinner",
+       KEPVidAction::Set,
+       "0.25"},
+      {"scalar slider",
+       KEPHostValue::Scalar(0.5f),
+       {{".Widget", "slider"}},
+       "scalarSlider",
+       KEPVidAction::Set,
+       "0.25"},
+      {"integer spinner",
+       KEPHostValue::Integer(1),
+       {{".Widget", "spinner"}},
+       "integerSpinner",
+       KEPVidAction::Set,
+       "5"},
+      {"integer check",
+       KEPHostValue::Integer(0),
+       {{".Widget", "check"}},
+       "integerCheck",
+       KEPVidAction::Toggle,
+       "on"},
       {"boolean", KEPHostValue::Boolean(false), {}, "booleanCheck", KEPVidAction::Toggle, "on"},
       {"vector", KEPHostValue::Vector({1, 2, 3}), {}, "ySpinner", KEPVidAction::Set, "5"},
-      {"vector slider", KEPHostValue::Vector({1, 2, 3}), {{".Widget", "sliderx3"}},
-       "scalarSlider[2]", KEPVidAction::Set, "0.5"},
-      {"colour", KEPHostValue::Color(0.2f, 0.2f, 0.2f), {}, "blueSpinner", KEPVidAction::Set,
+      {"vector slider",
+       KEPHostValue::Vector({1, 2, 3}),
+       {{".Widget", "sliderx3"}},
+       "scalarSlider[2]",
+       KEPVidAction::Set,
+       "0.5"},
+      {"colour",
+       KEPHostValue::Color(0.2f, 0.2f, 0.2f),
+       {},
+       "blueSpinner",
+       KEPVidAction::Set,
        "0.7"},
   };
   const auto text = [](KEPHostParameter* p) { return KEPHostValueJson::Write(p->Value(), ""); };
