@@ -202,33 +202,33 @@ TEST(RshviewClassicEditor, EveryKindOfParameterIsEditedAsAPersonWouldAndSurvives
                                     library, "--node", "key_light", light, "--save", second});
   ASSERT_EQ(lightRun.code, 0) << lightRun.err;
   // The vector's sliders write what they hold, in metres: the frame's rule for lengths.
-  for (const char* write : {"1: key_light.temperature: 5200.0 -> 4500.0\n",
-                            "2: key_light.radius: 10.0 -> 25.0\n",
-                            "3: key_light.position: [1500.0,-800.0,2600.0,1.0] -> [0.5,0.0,1.0,0.0]\n",
-                            "4: key_light.position: [0.5,0.0,1.0,0.0] -> [0.5,0.2,1.0,0.0]\n",
-                            "5: key_light.position: [0.5,0.2,1.0,0.0] -> [0.5,0.2,0.7,0.0]\n",
-                            "6: key_light.profile: null -> \"profiles/wide.ies\"\n"})
+  for (const char* write :
+       {"1: key_light.temperature: 5200.0 -> 4500.0\n", "2: key_light.radius: 10.0 -> 25.0\n",
+        "3: key_light.position: [1500.0,-800.0,2600.0,1.0] -> [0.5,0.0,1.0,0.0]\n",
+        "4: key_light.position: [0.5,0.0,1.0,0.0] -> [0.5,0.2,1.0,0.0]\n",
+        "5: key_light.position: [0.5,0.2,1.0,0.0] -> [0.5,0.2,0.7,0.0]\n",
+        "6: key_light.profile: null -> \"profiles/wide.ies\"\n"})
     EXPECT_NE(lightRun.out.find(write), std::string::npos) << write << lightRun.out;
 
   const auto reloaded = [&](const char* node) {
-    const Outcome dump =
-        Rshview({"dump", "--editor", "classic", "--doc", second, "--library", library, "--node", node});
+    const Outcome dump = Rshview(
+        {"dump", "--editor", "classic", "--doc", second, "--library", library, "--node", node});
     EXPECT_EQ(dump.code, 0) << dump.err;
     return dump.out;
   };
   const std::string floorDump = reloaded("floor"), tiles = reloaded("floor.tiles"),
                     lamp = reloaded("key_light");
-  for (const char* shown : {"value=0.25 text=0.25", "value=1.8 text=1.80", "text=\"0.50 cm\"",
-                            "parameterDialog8 [7,2] style=786432 attachment=90\n        KEPDlgCheckButton booleanCheck "
-                            "[0,0] style=0 checked=false",
-                            "value=40 text=40",
-                            "selected=3", "value=0.5 text=0.5000", "value=0.6 text=0.600",
-                            "shaderLabel [0,0] style=0 title=\"Floor tiles\""})
+  for (const char* shown :
+       {"value=0.25 text=0.25", "value=1.8 text=1.80", "text=\"0.50 cm\"",
+        "parameterDialog8 [7,2] style=786432 attachment=90\n        KEPDlgCheckButton booleanCheck "
+        "[0,0] style=0 checked=false",
+        "value=40 text=40", "selected=3", "value=0.5 text=0.5000", "value=0.6 text=0.600",
+        "connectedShader [0,0] style=0 title=\"Floor tiles\""})
     EXPECT_NE(floorDump.find(shown), std::string::npos) << shown;
   EXPECT_NE(tiles.find("tiles.png groups=[Layers] dpi=300"), std::string::npos) << tiles;
   EXPECT_NE(tiles.find("lines=[Layers] selected=0"), std::string::npos) << tiles;
-  for (const char* shown : {"value=4500 text=4500.00", "text=\"2.50 cm\"", "text=\"0.02 cm\"",
-                            "profiles/wide.ies"})
+  for (const char* shown :
+       {"value=4500 text=4500.00", "text=\"2.50 cm\"", "text=\"0.02 cm\"", "profiles/wide.ies"})
     EXPECT_NE(lamp.find(shown), std::string::npos) << shown;
 }
 

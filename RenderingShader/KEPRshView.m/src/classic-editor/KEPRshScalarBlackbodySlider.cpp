@@ -19,7 +19,8 @@ namespace {
 /// column i shows the start of its share of the range, so the last one stops a step short. The
 /// black-body integral is costly and every colour temperature slider of an editor usually spans
 /// the same range at the same width, so the last few results are kept.
-const std::vector<std::uint8_t>& ColumnColours(double minimum, double maximum, std::size_t columns) {
+const std::vector<std::uint8_t>& ColumnColours(double minimum, double maximum,
+                                               std::size_t columns) {
   struct Entry {
     double minimum, maximum;
     std::size_t columns;
@@ -197,7 +198,8 @@ void KEPRshScalarBlackbodySlider::SetSliderBackgroundGradient() {
   const std::vector<std::uint8_t>& colours = ColumnColours(minimum, maximum, columns);
   pixels_.resize(columns * rows * 3);
   for (std::size_t j = 0; j < rows; ++j)
-    std::copy(colours.begin(), colours.end(), pixels_.begin() + static_cast<std::ptrdiff_t>(j * columns * 3));
+    std::copy(colours.begin(), colours.end(),
+              pixels_.begin() + static_cast<std::ptrdiff_t>(j * columns * 3));
   KEPPixelImage* image =
       KEPPixelImage::Create(width, height, KEPPixelFormat_RGB, pixels_.data(), kImageDeallocation);
   if (!image) return;

@@ -16,6 +16,7 @@
 #include "KEPIRshShaderSupport.h"
 #include "KEPISpecObject.h"
 #include "KEPMsgCatalog.h"
+#include "KEPRdgRenderLock.h"
 #include "KEPRshModelEvents.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshShaderRootFrame.h"
@@ -344,7 +345,11 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   begin.changeClass = "KEPIGraphicMaterial";
   begin.attributeKind = 2;
   KEPRshModelEvents::SendBegin(begin);
-  parameter->SetConnectedShader(nullptr);
+  HRESULT written = E_FAIL;
+  {
+    const KEPRdgRenderLock lock;
+    written = parameter->SetConnectedShader(nullptr);
+  }
   KEPRbaEndShaderModifyNotification end;
   end.shader = shader_.Get();
   end.changeClass = "KEPIGraphicMaterial";
@@ -352,11 +357,20 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   end.flag = 1;
   KEPRshModelEvents::SendEnd(end);
 
+  // A refused write leaves the row as it was: it still shows the shader that stays connected.
+  if (FAILED(written)) {
+    KEPModuleTrace::Trace(5,
+                          "(KEPRshShaderFrame::DisconnectCB) Parameter %d refused the "
+                          "disconnection (0x%08x)\n",
+                          static_cast<int>(i), static_cast<unsigned>(written));
+    return;
+  }
   const auto slot = static_cast<std::size_t>(i - 1);
   if (!parameterButtons_[slot]) return;
-  ShowConnected(slot, false);
-  const HelpTexts connect(kFrameCatalog, "connect");
-  connect.ApplyHelp(parameterButtons_[slot]);
+  // The button now offers a new child: its title goes with the icon, its help with connecting.
+  // (The model's announcement has usually shown this already; showing it again is harmless.)
+  const Texts texts;
+  ShowConnection(slot, false, texts);
 }
 
 void KEPRshShaderFrame::EditCB(KEPDialog* sender, KEPNotification*, KEPDlgClientData i) {

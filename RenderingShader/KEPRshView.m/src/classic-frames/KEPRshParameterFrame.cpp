@@ -15,7 +15,9 @@ KEPRshParameterFrame::KEPRshParameterFrame(KEPDialog* parent, KEPIRshParameter* 
   // The observer reaches the frame through `this`: the destructor removes it, and removal is safe
   // during a dispatch, so it never runs on a frame that is gone.
   observer_ = KEPRshModelEvents::AddParameterObserver(
-      [this](KEPIRshParameter* changed, KEPRshParameterChangeKind) { OnParameterChanged(changed); });
+      [this](KEPIRshParameter* changed, KEPRshParameterChangeKind) {
+        OnParameterChanged(changed);
+      });
 }
 
 KEPRshParameterFrame::~KEPRshParameterFrame() {

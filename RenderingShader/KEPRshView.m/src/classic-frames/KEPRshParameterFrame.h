@@ -64,7 +64,7 @@ class KEPRshParameterFrame : public KEPDlgFrame {
   void OnParameterChanged(KEPIRshParameter* changed);
 
   KEP_var<KEPIRshParameter> parameter_;
-  int observer_ = 0;       ///< token of the model observer, 0 when none
-  bool writing_ = false;   ///< the frame itself is writing the parameter
-  bool showing_ = false;   ///< the frame is showing a value written elsewhere
+  int observer_ = 0;      ///< token of the model observer, 0 when none
+  bool writing_ = false;  ///< the frame itself is writing the parameter
+  bool showing_ = false;  ///< the frame is showing a value written elsewhere
 };

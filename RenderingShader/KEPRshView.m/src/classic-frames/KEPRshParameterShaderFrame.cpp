@@ -1,8 +1,7 @@
 #include "KEPRshParameterShaderFrame.h"
 
 #include "KEPDlgLabel.h"
-#include "KEPIAlias.h"
-#include "KEPIRshShader.h"
+#include "KEPRshParameterShaderImmWidget.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS(KEPRshParameterShaderFrame, KEPRshParameterFrame, "RenderingShader")
@@ -12,7 +11,7 @@ KEPRshParameterShaderFrame::KEPRshParameterShaderFrame(KEPDialog* parent,
                                                        const KEPString& name, int style)
     : KEPRshParameterFrame(parent, parameter, name, style) {
   if (!parameter) return;
-  label_ = new KEPDlgLabel(this, "shaderLabel");
+  label_ = new KEPDlgLabel(this, "connectedShader");
   label_->SetGridConstraints(0, 0, 1, 1, KEPDlgGridLeft);
   ShowParameterValue();
 }
@@ -24,20 +23,5 @@ KEPRshParameterShaderFrame::~KEPRshParameterShaderFrame() {
 }
 
 void KEPRshParameterShaderFrame::ShowParameterValue() {
-  if (!label_) return;
-  KEPIRshShader* connected = nullptr;
-  const HRESULT hr = GetParameter()->GetConnectedShader(connected);
-  const auto shader = KEP_var<KEPIRshShader>::Adopt(connected);
-  KEPUnicodeString text;
-  if (SUCCEEDED(hr) && shader) {
-    if (const KEP_var<KEPIAlias> alias = KEPQueryVar<KEPIAlias>(shader.Get()))
-      alias->GetAlias(text);
-    if (text.IsEmpty()) {
-      KEPString id;
-      shader->GetId(id);
-      text = KEPUnicodeString::FromUTF8(id);
-    }
-  }
-  if (text.IsEmpty()) text = KEPUnicodeString::FromUTF8(kNoShader);
-  label_->SetTitle(text);
+  if (label_) label_->SetTitle(KEPRshParameterShaderImmWidget::ConnectionText(GetParameter()));
 }

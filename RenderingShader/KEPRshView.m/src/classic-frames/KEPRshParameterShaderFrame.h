@@ -1,7 +1,6 @@
-// The classic frame of a connection-only parameter (a sub-shader slot, "KEPRmaVoid"): a label
-// "shaderLabel" naming the shader connected to the parameter (its alias), or "No shader". The
-// frame edits nothing itself: the shader frame's row buttons connect, disconnect and edit the
-// sub-shader. It follows the parameter's connection when it changes.
+// The classic frame of a connection-only (shader-valued) parameter: a label "connectedShader"
+// naming the node connected to the parameter ("No Shader Connected" when none), kept up to date
+// when the connection changes. The row's connection buttons, not this frame, change it.
 #pragma once
 
 #include "KEPRshParameterFrame.h"
@@ -11,9 +10,6 @@ class KEPDlgLabel;
 class KEPRshParameterShaderFrame : public KEPRshParameterFrame {
   KEP_DECLARE_CLASS
  public:
-  /// The label's text when nothing is connected.
-  static constexpr char kNoShader[] = "No shader";
-
   KEPRshParameterShaderFrame(KEPDialog* parent, KEPIRshParameter* parameter, const KEPString& name,
                              int style);
 
@@ -21,9 +17,8 @@ class KEPRshParameterShaderFrame : public KEPRshParameterFrame {
 
  protected:
   ~KEPRshParameterShaderFrame() override;
-
- private:
   void ShowParameterValue() override;
 
+ private:
   KEPDlgLabel* label_ = nullptr;  ///< child, or none in an empty frame
 };

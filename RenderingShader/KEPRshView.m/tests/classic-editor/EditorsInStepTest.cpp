@@ -97,17 +97,18 @@ class EditorsInStepTest : public ClassicTest {
   static std::vector<std::string> Shown(KEPRshShaderRootFrame* root) {
     const auto number = [](double v) { return std::to_string(v); };
     std::vector<std::string> shown;
-    shown.push_back(number(FrameOf<KEPRshParameterScalarFrame>(root, kSlider)->GetSlider()->GetValue()));
+    shown.push_back(
+        number(FrameOf<KEPRshParameterScalarFrame>(root, kSlider)->GetSlider()->GetValue()));
     shown.push_back(
         number(FrameOf<KEPRshParameterScalarFrame>(root, kLength)->GetSpinner()->GetValue()));
     shown.push_back(number(
         FrameOf<KEPRshParameterScalarFrame>(root, kTemperature)->GetBlackbodySlider()->GetValue()));
-    shown.push_back(
-        FrameOf<KEPRshParameterBooleanFrame>(root, kSwitch)->GetCheck()->GetState() == KEPDlgCheck
-            ? "on"
-            : "off");
-    shown.push_back(
-        std::to_string(FrameOf<KEPRshParameterIntegerFrame>(root, kChoice)->GetCombo()->GetSelect()));
+    shown.push_back(FrameOf<KEPRshParameterBooleanFrame>(root, kSwitch)->GetCheck()->GetState() ==
+                            KEPDlgCheck
+                        ? "on"
+                        : "off");
+    shown.push_back(std::to_string(
+        FrameOf<KEPRshParameterIntegerFrame>(root, kChoice)->GetCombo()->GetSelect()));
     auto* vector = FrameOf<KEPRshParameterVectorFrame>(root, kDirection);
     std::string components;
     for (int i = 0; i < 3; ++i) components += number(vector->GetSlider(i)->GetValue()) + " ";
@@ -156,8 +157,8 @@ TEST_F(EditorsInStepTest, EveryClassicFrameShowsAWriteOfTheModelWithoutWritingBa
       {"colour", [&] { P("col")->SetColorValue(0.5f, 0.25f, 1.0f, 1.0f); }, 6,
        std::to_string(0.5) + " " + std::to_string(0.25) + " " + std::to_string(1.0) + " "},
       {"profile",
-       [&] { KEPQueryVar<KEPIRshLightProfileParameter>(P("prof"))->SetLightProfile("b.ies"); },
-       7, "b.ies"},
+       [&] { KEPQueryVar<KEPIRshLightProfileParameter>(P("prof"))->SetLightProfile("b.ies"); }, 7,
+       "b.ies"},
   };
   std::vector<std::string> expected = before;
   for (const Case& c : cases) {
@@ -202,7 +203,8 @@ TEST_F(EditorsInStepTest, APersonsEditInOneClassicEditorShowsInTheOther) {
 
 TEST_F(EditorsInStepTest, ClassicAndImmersiveEditorsOfOneNodeStayInStep) {
   KEPRshShaderRootFrame* classic = Root(Node());
-  const auto layout = KEPQueryVar<KEPIRshShaderEditorImmLayout>(static_cast<KEPIRshShader*>(Node()));
+  const auto layout =
+      KEPQueryVar<KEPIRshShaderEditorImmLayout>(static_cast<KEPIRshShader*>(Node()));
   ASSERT_TRUE(layout);
   const auto grid = KEP_var<KEPVidLayGrid>::Adopt(new KEPVidLayGrid(nullptr, "immersiveRoot"));
   KEPVidWidget* immersive = nullptr;

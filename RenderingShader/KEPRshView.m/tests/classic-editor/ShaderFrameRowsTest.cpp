@@ -83,7 +83,7 @@ TEST_F(ShaderFrameRowsTest, RowsLeaveOutHiddenGroupedAndFramelessParameters) {
   EXPECT_EQ(Short(Child(frame, "parameterDialog1")), "Amount of a.");
   EXPECT_EQ(Short(Child(frame, "parameterLabel6")), "");
   EXPECT_NE(dynamic_cast<KEPRshParameterScalarFrame*>(Child(frame, "parameterDialog1")), nullptr);
-  EXPECT_EQ(Title(Child(frame, "shaderLabel")), "No shader");
+  EXPECT_EQ(Title(Child(frame, "connectedShader")), "No Shader Connected");
 }
 
 TEST_F(ShaderFrameRowsTest, ConnectionControlsShowWhetherAShaderIsConnected) {
@@ -116,8 +116,7 @@ TEST_F(ShaderFrameRowsTest, ConnectionControlsShowWhetherAShaderIsConnected) {
   };
   const Expected rows[] = {
       {1, "I_RmaChild", "I_RmaChildPressed", "Connected shader", "Connected shader", true},
-      {2, "I_RmaNewChild", "I_RmaNewChildPressed", "Connect a shader", "Connect a shader",
-       false}};
+      {2, "I_RmaNewChild", "I_RmaNewChildPressed", "Connect a shader", "Connect a shader", false}};
   for (const Expected& e : rows) {
     const std::string i = std::to_string(e.position);
     KEPDlgPushButton* button = Button(frame, "parameterButton" + i);
@@ -150,8 +149,8 @@ TEST_F(ShaderFrameRowsTest, ConnectionControlsShowWhetherAShaderIsConnected) {
   // A person edits the connected shader through the menu: the root frame shows it and its path
   // grows; back again, and disconnecting turns the row into an unconnected one.
   std::string error;
-  ASSERT_EQ(KEPVidInject(root, "parameterButton1/connectionMenu1/editItem", KEPVidAction::Press,
-                         "", error),
+  ASSERT_EQ(KEPVidInject(root, "parameterButton1/connectionMenu1/editItem", KEPVidAction::Press, "",
+                         error),
             S_OK)
       << error;
   EXPECT_EQ(root->GetPath(), (std::vector<KEPIRshShader*>{node, texture}));
@@ -159,8 +158,7 @@ TEST_F(ShaderFrameRowsTest, ConnectionControlsShowWhetherAShaderIsConnected) {
   EXPECT_EQ(Title(root), "Material - Texture");
   ASSERT_EQ(KEPVidInject(root, "parentButton", KEPVidAction::Press, "", error), S_OK) << error;
   frame = root->GetShaderFrame();
-  ASSERT_EQ(KEPVidInject(root, "disconnectButton1", KEPVidAction::Press, "", error), S_OK)
-      << error;
+  ASSERT_EQ(KEPVidInject(root, "disconnectButton1", KEPVidAction::Press, "", error), S_OK) << error;
   KEPDlgPushButton* button = Button(frame, "parameterButton1");
   EXPECT_EQ(button->GetIconName(), "I_RmaNewChild");
   EXPECT_EQ(button->GetHelp().ToUTF8(), "Connect a shader to this parameter");

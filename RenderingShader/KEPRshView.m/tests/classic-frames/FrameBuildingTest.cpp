@@ -40,6 +40,7 @@ TEST_F(FrameBuildingTest, EachTypeBuildsItsFrameWithTheFrameStyleAndName) {
       {KEPHostValue::Vector({1, 2, 3}), "KEPRshParameterVectorFrame"},
       {KEPHostValue::Texture(nullptr), "KEPRshParameterTextureFrame"},
       {LightProfile(), "KEPRshParameterLightProfileFrame"},
+      {KEPHostValue::Void(), "KEPRshParameterShaderFrame"},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(r.frameClass);
@@ -68,23 +69,21 @@ TEST_F(FrameBuildingTest, MissingArgumentsOrParameterFailGenerically) {
   EXPECT_EQ(Root()->GetChildCount(), 0u);
 }
 
-TEST_F(FrameBuildingTest, ConnectionOnlyParameterNamesItsConnectedShaderAndFollowsIt) {
+TEST_F(FrameBuildingTest, ConnectionOnlyFrameNamesTheConnectedNodeAndFollowsIt) {
+  TheModel().Add(Type("tex"));
+  KEPHostShaderNode* decal = TheModel().Node("tex", "decal");
   KEPHostParameter* slot = Param(KEPHostValue::Void());
   auto* frame = Build<KEPRshParameterShaderFrame>(slot);
   ASSERT_NE(frame, nullptr);
-  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "No shader");
-  // A shader connected elsewhere shows by its alias, or by its identifier without one.
-  KEPHostParameter* other = Param(KEPHostValue::Scalar(1.0f));
-  KEPHostShaderNode* node = other->Father();
-  ASSERT_NE(node, nullptr);
-  slot->SetConnectedShader(node);
-  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), node->Id());
-  node->SetAlias(KEPUnicodeString::FromUTF8("Bumps"));
-  slot->SetConnectedShader(nullptr);
-  slot->SetConnectedShader(node);
-  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "Bumps");
-  slot->SetConnectedShader(nullptr);
-  EXPECT_EQ(frame->GetLabel()->GetTitle().ToUTF8(), "No shader");
+  const auto shown = [frame] { return frame->GetLabel()->GetTitle().ToUTF8(); };
+  EXPECT_EQ(shown(), "No Shader Connected");
+  ASSERT_EQ(slot->SetConnectedShader(decal), S_OK);
+  EXPECT_EQ(shown(), "decal");
+  ASSERT_EQ(slot->SetConnectedShader(nullptr), S_OK);
+  EXPECT_EQ(shown(), "No Shader Connected");
+  // The frame goes first: later connections reach no observer of it.
+  Root()->DeleteChildren();
+  EXPECT_EQ(slot->SetConnectedShader(decal), S_OK);
 }
 
 TEST_F(FrameBuildingTest, FramesTraceTheirDestructionAtLevelTwo) {
