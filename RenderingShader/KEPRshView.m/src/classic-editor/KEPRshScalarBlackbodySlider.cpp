@@ -1,9 +1,5 @@
 #include "KEPRshScalarBlackbodySlider.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <vector>
-
 #include "KEP2DImagePixelRep.h"
 #include "KEPBlackbodyColor.h"
 #include "KEPDlgSpinner.h"
@@ -14,37 +10,6 @@
 KEP_IMPLEMENT_CLASS(KEPRshScalarBlackbodySlider, KEPDlgFrame, "RenderingShader")
 
 namespace {
-
-/// The colour of each of `columns` columns spanning `minimum` to `maximum` (3 bytes a column, RGB):
-/// column i shows the start of its share of the range, so the last one stops a step short. The
-/// black-body integral is costly and every colour temperature slider of an editor usually spans
-/// the same range at the same width, so the last few results are kept.
-const std::vector<std::uint8_t>& ColumnColours(double minimum, double maximum,
-                                               std::size_t columns) {
-  struct Entry {
-    double minimum, maximum;
-    std::size_t columns;
-    std::vector<std::uint8_t> colours;
-  };
-  constexpr std::size_t kKept = 8;
-  static std::vector<Entry> kept;
-  for (const Entry& entry : kept)
-    if (entry.minimum == minimum && entry.maximum == maximum && entry.columns == columns)
-      return entry.colours;
-  if (kept.size() == kKept) kept.erase(kept.begin());
-  Entry entry{minimum, maximum, columns, std::vector<std::uint8_t>(columns * 3)};
-  for (std::size_t i = 0; i < columns; ++i) {
-    const double kelvin =
-        minimum + (static_cast<double>(i) / static_cast<double>(columns)) * (maximum - minimum);
-    float r = 0.0f, g = 0.0f, b = 0.0f;
-    BlackbodyColor(static_cast<float>(kelvin), &r, &g, &b);
-    entry.colours[i * 3] = static_cast<std::uint8_t>(r * 255.0f);
-    entry.colours[i * 3 + 1] = static_cast<std::uint8_t>(g * 255.0f);
-    entry.colours[i * 3 + 2] = static_cast<std::uint8_t>(b * 255.0f);
-  }
-  kept.push_back(std::move(entry));
-  return kept.back().colours;
-}
 // Toolkit values of the parts.
 constexpr int kSliderStyle = 0xC0000;
 constexpr int kSpinnerFloatStyle = 0x40000;
@@ -195,11 +160,23 @@ void KEPRshScalarBlackbodySlider::SetSliderBackgroundGradient() {
   if (width <= 0 || height <= 0) return;
   const auto columns = static_cast<std::size_t>(width);
   const auto rows = static_cast<std::size_t>(height);
-  const std::vector<std::uint8_t>& colours = ColumnColours(minimum, maximum, columns);
-  pixels_.resize(columns * rows * 3);
-  for (std::size_t j = 0; j < rows; ++j)
-    std::copy(colours.begin(), colours.end(),
-              pixels_.begin() + static_cast<std::ptrdiff_t>(j * columns * 3));
+  pixels_.assign(columns * rows * 3, 0);
+  for (std::size_t i = 0; i < columns; ++i) {
+    // Column i shows the start of its share of the range: the last one stops a step short.
+    const double kelvin =
+        minimum + (static_cast<double>(i) / static_cast<double>(columns)) * (maximum - minimum);
+    float r = 0.0f, g = 0.0f, b = 0.0f;
+    BlackbodyColor(static_cast<float>(kelvin), &r, &g, &b);
+    const std::uint8_t rgb[3] = {static_cast<std::uint8_t>(r * 255.0f),
+                                 static_cast<std::uint8_t>(g * 255.0f),
+                                 static_cast<std::uint8_t>(b * 255.0f)};
+    for (std::size_t j = 0; j < rows; ++j) {
+      std::uint8_t* pixel = &pixels_[(j * columns + i) * 3];
+      pixel[0] = rgb[0];
+      pixel[1] = rgb[1];
+      pixel[2] = rgb[2];
+    }
+  }
   KEPPixelImage* image =
       KEPPixelImage::Create(width, height, KEPPixelFormat_RGB, pixels_.data(), kImageDeallocation);
   if (!image) return;
