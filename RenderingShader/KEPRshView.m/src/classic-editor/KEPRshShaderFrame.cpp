@@ -178,21 +178,15 @@ bool KEPRshShaderFrame::AddRow(int i, KEPIRshParameter* parameter, int row, cons
     label = KEPUnicodeString::FromUTF8(name);
   }
 
-  // The labels are made first so that a row reads label, blank, frame in the tree as on the
-  // screen; they go again when the parameter builds no frame.
-  auto* title = new KEPDlgLabel(this, PositionName("parameterLabel", i));
-  auto* blank = new KEPDlgLabel(this, PositionName("blankLabel", i));
+  // The frame comes first: a parameter that builds none gets no row at all.
   KEPDialog* frame = nullptr;
-  if (FAILED(behaviour->BuildFrame(this, PositionName("parameterDialog", i), &frame)) || !frame) {
-    for (KEPDlgLabel* made : {title, blank}) {
-      made->SetFather(nullptr);  // the reference comes back to us
-      made->Release();
-    }
+  if (FAILED(behaviour->BuildFrame(this, PositionName("parameterDialog", i), &frame)) || !frame)
     return false;
-  }
   const auto slot = static_cast<std::size_t>(i - 1);
   parameterFrames_[slot] = frame;
 
+  auto* title = new KEPDlgLabel(this, PositionName("parameterLabel", i));
+  auto* blank = new KEPDlgLabel(this, PositionName("blankLabel", i));
   title->SetTitle(label);
   title->SetGridConstraints(row, 0, 1, 1, KEPDlgGridLeft);
   blank->SetTitle(u"-");
@@ -367,10 +361,10 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   }
   const auto slot = static_cast<std::size_t>(i - 1);
   if (!parameterButtons_[slot]) return;
-  // The button now offers a new child: its title goes with the icon, its help with connecting.
-  // (The model's announcement has usually shown this already; showing it again is harmless.)
+  // The row shows what the model now holds (a host may keep or replace the connection), with
+  // the button's title and help going with its icon.
   const Texts texts;
-  ShowConnection(slot, false, texts);
+  ShowConnection(slot, IsConnected(parameter), texts);
 }
 
 void KEPRshShaderFrame::EditCB(KEPDialog* sender, KEPNotification*, KEPDlgClientData i) {

@@ -70,9 +70,15 @@ void KEPRshParameterColorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*
   if (!parameter || !spinners_[0] || IsShowingValue()) return;
   float r = 0.0f, g = 0.0f, b = 0.0f, alpha = 1.0f;
   parameter->GetColorValue(r, g, b, &alpha);
-  const OwnWrite own(*this);
-  const KEPRdgRenderLock lock;
-  parameter->SetColorValue(static_cast<float>(spinners_[0]->GetValue()),
-                           static_cast<float>(spinners_[1]->GetValue()),
-                           static_cast<float>(spinners_[2]->GetValue()), alpha);
+  const float rgb[3] = {static_cast<float>(spinners_[0]->GetValue()),
+                        static_cast<float>(spinners_[1]->GetValue()),
+                        static_cast<float>(spinners_[2]->GetValue())};
+  {
+    const OwnWrite own(*this);
+    const KEPRdgRenderLock lock;
+    if (FAILED(parameter->SetColorValue(rgb[0], rgb[1], rgb[2], alpha))) return;
+  }
+  // The model may keep something else (a clamped channel): the spinners then show it.
+  if (SUCCEEDED(parameter->GetColorValue(r, g, b)) && (r != rgb[0] || g != rgb[1] || b != rgb[2]))
+    ShowStoredValue();
 }

@@ -27,7 +27,12 @@ KEPRshParameterFrame::~KEPRshParameterFrame() {
 }
 
 void KEPRshParameterFrame::OnParameterChanged(KEPIRshParameter* changed) {
-  if (writing_ || showing_ || !changed || changed != parameter_.Get()) return;
+  if (writing_ || !changed || changed != parameter_.Get()) return;
+  ShowStoredValue();
+}
+
+void KEPRshParameterFrame::ShowStoredValue() {
+  if (showing_ || !parameter_) return;
   showing_ = true;
   ShowParameterValue();
   showing_ = false;

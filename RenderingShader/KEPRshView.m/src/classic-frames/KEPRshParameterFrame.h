@@ -44,6 +44,10 @@ class KEPRshParameterFrame : public KEPDlgFrame {
   /// person's edit and write nothing.
   bool IsShowingValue() const { return showing_; }
 
+  /// Shows the parameter's stored value as ShowParameterValue does, guarded the same way; a frame
+  /// calls it after its own write when the model kept something other than what it wrote.
+  void ShowStoredValue();
+
   /// Marks the frame's own write into the parameter for as long as it lives, so that the model's
   /// announcement of that write does not come back to the frame as someone else's.
   class OwnWrite {

@@ -152,7 +152,11 @@ void KEPRshParameterIntegerFrame::ParameterModifiedCB(KEPDialog*, KEPNotificatio
   } else {
     return;
   }
-  const OwnWrite own(*this);
-  const KEPRdgRenderLock lock;
-  parameter->SetIntegerValue(value);
+  {
+    const OwnWrite own(*this);
+    const KEPRdgRenderLock lock;
+    if (FAILED(parameter->SetIntegerValue(value))) return;
+  }
+  // The control shows the whole number kept (a spinner holding 2.7 wrote 2).
+  ShowStoredValue();
 }

@@ -175,6 +175,9 @@ void KEPRshParameterScalarFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
     written = parameter->SetScalarValue(value);
   }
   if (written == S_OK) SendModifyNotification();
+  float stored = value;
+  if (SUCCEEDED(written) && SUCCEEDED(parameter->GetScalarValue(stored)) && stored != value)
+    ShowStoredValue();
 }
 
 void KEPRshParameterScalarFrame::SendModifyNotification() const {

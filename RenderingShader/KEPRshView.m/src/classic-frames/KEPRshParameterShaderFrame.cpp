@@ -25,3 +25,8 @@ KEPRshParameterShaderFrame::~KEPRshParameterShaderFrame() {
 void KEPRshParameterShaderFrame::ShowParameterValue() {
   if (label_) label_->SetTitle(KEPRshParameterShaderImmWidget::ConnectionText(GetParameter()));
 }
+
+void KEPRshParameterShaderFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
+                                                     KEPDlgClientData) {
+  TraceCallback("KEPRshParameterShaderFrame::ParameterModifiedCB");
+}

@@ -15,6 +15,10 @@ class KEPRshParameterShaderFrame : public KEPRshParameterFrame {
 
   KEPDlgLabel* GetLabel() const { return label_; }
 
+  /// Nothing to write: the row's connection buttons change the parameter. Traced like the other
+  /// frames' callbacks.
+  void ParameterModifiedCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData data);
+
  protected:
   ~KEPRshParameterShaderFrame() override;
   void ShowParameterValue() override;

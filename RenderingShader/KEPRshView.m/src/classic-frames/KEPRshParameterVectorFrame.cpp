@@ -1,5 +1,8 @@
 #include "KEPRshParameterVectorFrame.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "KEPDlgLabel.h"
 #include "KEPDlgSpinner.h"
 #include "KEPIRshParameterDialog.h"
@@ -167,7 +170,16 @@ void KEPRshParameterVectorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
     if (ySpinner_) xyzw[1] = static_cast<float>(ySpinner_->GetValue());
     if (zSpinner_) xyzw[2] = static_cast<float>(zSpinner_->GetValue());
   }
-  const OwnWrite own(*this);
-  const KEPRdgRenderLock lock;
-  parameter->SetVectorValue(xyzw);
+  {
+    const OwnWrite own(*this);
+    const KEPRdgRenderLock lock;
+    if (FAILED(parameter->SetVectorValue(xyzw))) return;
+  }
+  // The model keeps only its vector's components (a z typed into a two-component vector is
+  // dropped): the controls then show what it kept. Values kept as written are not shown again,
+  // so a slider in a length unit stays where the person put it.
+  float stored[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+  if (SUCCEEDED(parameter->GetVectorValue(stored)) &&
+      !std::equal(std::begin(stored), std::end(stored), std::begin(xyzw)))
+    ShowStoredValue();
 }

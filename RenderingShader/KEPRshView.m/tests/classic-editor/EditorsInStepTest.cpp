@@ -171,6 +171,54 @@ TEST_F(EditorsInStepTest, EveryClassicFrameShowsAWriteOfTheModelWithoutWritingBa
   }
 }
 
+TEST_F(EditorsInStepTest, AModelWriteOutsideTheRangeIsShownButNeverWrittenBack) {
+  KEPRshShaderRootFrame* root = Root(Node());
+  WriteCount writes;
+  ASSERT_EQ(P("s")->SetScalarValue(50.0f), S_OK);
+  ASSERT_EQ(P("count")->SetIntegerValue(9), S_OK);
+  EXPECT_EQ(writes.count, 2);
+  float scalar = 0.0f;
+  int integer = 0;
+  P("s")->GetScalarValue(scalar);
+  P("count")->GetIntegerValue(integer);
+  EXPECT_EQ(scalar, 50.0f);
+  EXPECT_EQ(integer, 9);
+  EXPECT_LE(FrameOf<KEPRshParameterScalarFrame>(root, kSlider)->GetSlider()->GetValue(), 10.0);
+}
+
+TEST_F(EditorsInStepTest, AFrameShowsWhatTheModelKeptOfItsOwnWrite) {
+  Type type("kept");
+  type.Param("flat", Vector({1.0f, 2.0f}))
+      .Param("count", Integer(1))
+      .Param("offset", Vector({10.0f, 20.0f, 30.0f}));
+  TheWorld().Add(type);
+  Config("kept", {{"count.Widget", "spinner"},
+                  {"offset.Widget", "sliderx3"},
+                  {"offset.Unit", "mm"},
+                  {"offset.Min", "0"},
+                  {"offset.Max", "100"}});
+  KEPHostShaderNode* node = TheWorld().Node("kept");
+  KEPRshShaderRootFrame* root = Root(node);
+
+  // A two-component vector keeps no z: the spinner shows the z kept, not the one typed.
+  Act(root, "parameterDialog1/zSpinner", KEPVidAction::Set, "5");
+  EXPECT_EQ(FrameOf<KEPRshParameterVectorFrame>(root, 1)->GetSpinner(2)->GetValue(), 0.0);
+  // An integer spinner holding 2.7 wrote 2 and shows it.
+  Act(root, "parameterDialog2/integerSpinner", KEPVidAction::Set, "2.7");
+  int count = 0;
+  TheWorld().Param(node, "count")->GetIntegerValue(count);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(FrameOf<KEPRshParameterIntegerFrame>(root, 2)->GetSpinner()->GetValue(), 2.0);
+  // Sliders in a length unit write the value they hold, unscaled, and keep holding it: showing
+  // the stored value again would scale it a second time.
+  Act(root, "parameterDialog3/scalarSlider[1]", KEPVidAction::Set, "0.5");
+  const double held = FrameOf<KEPRshParameterVectorFrame>(root, 3)->GetSlider(1)->GetValue();
+  float xyzw[4] = {};
+  TheWorld().Param(node, "offset")->GetVectorValue(xyzw);
+  EXPECT_FLOAT_EQ(xyzw[1], static_cast<float>(held));
+  EXPECT_FLOAT_EQ(xyzw[0], 0.01f) << "10 mm shown as 0.01 and written back as it is held";
+}
+
 TEST_F(EditorsInStepTest, APersonsEditInOneClassicEditorShowsInTheOther) {
   KEPRshShaderRootFrame* first = Root(Node());
   KEPRshShaderRootFrame* second = new KEPRshShaderRootFrame(Parent(), "second", 0, Node());

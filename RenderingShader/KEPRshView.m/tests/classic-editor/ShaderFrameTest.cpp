@@ -102,6 +102,30 @@ TEST_F(ShaderFrameTest, ASlotRowNamesItsShaderAndPressingDisconnectResetsTheRow)
   EXPECT_FALSE(disconnect->IsSensitive());
 }
 
+TEST_F(ShaderFrameTest, RowButtonsFollowConnectionsMadeElsewhere) {
+  KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
+  KEPHostShaderNode* bump = Aliased("bump", "Bump");
+  TheWorld().Connectable("KEPRmaVoid", {{"bump", "Bump map"}});
+  KEPRshShaderFrame* frame = Frame(material);
+  auto* button = dynamic_cast<KEPDlgPushButton*>(frame->FindNamedChild("parameterButton1"));
+  auto* disconnect = dynamic_cast<KEPDlgPushButton*>(frame->FindNamedChild("disconnectButton1"));
+  ASSERT_NE(button, nullptr);
+  ASSERT_NE(disconnect, nullptr);
+  ASSERT_EQ(button->GetIconName(), "I_RmaNewChild");
+
+  // Another editor (here the model itself) connects and disconnects.
+  Connect(material, bump);
+  EXPECT_EQ(button->GetIconName(), "I_RmaChild");
+  EXPECT_EQ(button->GetTitle().ToUTF8(), "Connected shader");
+  EXPECT_EQ(disconnect->GetVisibility(), KEPDlgShow);
+  EXPECT_TRUE(disconnect->IsSensitive());
+  ASSERT_EQ(TheWorld().Param(material, "slot")->SetConnectedShader(nullptr), S_OK);
+  EXPECT_EQ(button->GetIconName(), "I_RmaNewChild");
+  EXPECT_EQ(button->GetTitle().ToUTF8(), "Connect a shader");
+  EXPECT_EQ(disconnect->GetVisibility(), KEPDlgHide);
+  EXPECT_FALSE(disconnect->IsSensitive());
+}
+
 TEST_F(ShaderFrameTest, ConnectOpensNothingYetAndSaysSo) {
   KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
   KEPRshShaderRootFrame* root = Root(material);
