@@ -38,7 +38,7 @@ void KEPRshParameterBooleanFrame::ParameterModifiedCB(KEPDialog*, KEPNotificatio
   KEPIRshParameter* parameter = GetParameter();
   if (!parameter || !check_ || IsShowingValue()) return;
   const unsigned char value = check_->GetState() == KEPDlgCheck ? 1 : 0;
-  const OwnWrite own(*this);
+  const KEPRshFlagScope own = OwnWrite();
   const KEPRdgRenderLock lock;
   parameter->SetBooleanValue(value);
 }

@@ -74,7 +74,7 @@ void KEPRshParameterColorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*
                         static_cast<float>(spinners_[1]->GetValue()),
                         static_cast<float>(spinners_[2]->GetValue())};
   {
-    const OwnWrite own(*this);
+    const KEPRshFlagScope own = OwnWrite();
     const KEPRdgRenderLock lock;
     if (FAILED(parameter->SetColorValue(rgb[0], rgb[1], rgb[2], alpha))) return;
   }

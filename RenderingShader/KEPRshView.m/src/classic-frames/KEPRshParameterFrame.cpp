@@ -33,9 +33,8 @@ void KEPRshParameterFrame::OnParameterChanged(KEPIRshParameter* changed) {
 
 void KEPRshParameterFrame::ShowStoredValue() {
   if (showing_ || !parameter_) return;
-  showing_ = true;
+  const KEPRshFlagScope showing(showing_, true);
   ShowParameterValue();
-  showing_ = false;
 }
 
 void KEPRshParameterFrame::SetSensitivity(int sensitivity) {

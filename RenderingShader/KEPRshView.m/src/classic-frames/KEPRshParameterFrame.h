@@ -13,6 +13,7 @@
 
 #include "KEPDlgFrame.h"
 #include "KEPIRshParameter.h"
+#include "KEPRshFlagScope.h"
 #include "KEP_var.h"
 
 class KEPRshParameterFrame : public KEPDlgFrame {
@@ -50,19 +51,7 @@ class KEPRshParameterFrame : public KEPDlgFrame {
 
   /// Marks the frame's own write into the parameter for as long as it lives, so that the model's
   /// announcement of that write does not come back to the frame as someone else's.
-  class OwnWrite {
-   public:
-    explicit OwnWrite(KEPRshParameterFrame& frame) : frame_(frame), previous_(frame.writing_) {
-      frame_.writing_ = true;
-    }
-    ~OwnWrite() { frame_.writing_ = previous_; }
-    OwnWrite(const OwnWrite&) = delete;
-    OwnWrite& operator=(const OwnWrite&) = delete;
-
-   private:
-    KEPRshParameterFrame& frame_;
-    bool previous_;
-  };
+  KEPRshFlagScope OwnWrite() { return KEPRshFlagScope(writing_, true); }
 
  private:
   void OnParameterChanged(KEPIRshParameter* changed);

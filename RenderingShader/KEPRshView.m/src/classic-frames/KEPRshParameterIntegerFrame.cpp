@@ -153,7 +153,7 @@ void KEPRshParameterIntegerFrame::ParameterModifiedCB(KEPDialog*, KEPNotificatio
     return;
   }
   {
-    const OwnWrite own(*this);
+    const KEPRshFlagScope own = OwnWrite();
     const KEPRdgRenderLock lock;
     if (FAILED(parameter->SetIntegerValue(value))) return;
   }

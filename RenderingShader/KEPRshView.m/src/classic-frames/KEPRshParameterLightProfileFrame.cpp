@@ -73,7 +73,7 @@ void KEPRshParameterLightProfileFrame::Write(const KEPString& path) {
   if (!parameter) return;
   if (const KEP_var<KEPIRshLightProfileParameter> profile =
           KEPQueryVar<KEPIRshLightProfileParameter>(parameter)) {
-    const OwnWrite own(*this);
+    const KEPRshFlagScope own = OwnWrite();
     const KEPRdgRenderLock lock;
     profile->SetLightProfile(path);
   }

@@ -170,7 +170,7 @@ void KEPRshParameterScalarFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
   value = static_cast<float>(value * KEPRshFrameUnitOutFactor(unit));
   HRESULT written = E_FAIL;
   {
-    const OwnWrite own(*this);
+    const KEPRshFlagScope own = OwnWrite();
     const KEPRdgRenderLock lock;
     written = parameter->SetScalarValue(value);
   }

@@ -7,6 +7,7 @@
 #include "KEPIRshParameterDialog.h"
 #include "KEPRbaImageDocImmSelector.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRshFlagScope.h"
 #include "KEPRshParameterServices.h"
 #include "KEPTrace.h"
 
@@ -29,18 +30,6 @@ std::vector<KEPString> SplitNames(const KEPString& text) {
   return names;
 }
 
-/// Clears a flag for as long as it lives.
-class Quiet {
- public:
-  explicit Quiet(bool& flag) : flag_(flag), previous_(flag) { flag_ = false; }
-  ~Quiet() { flag_ = previous_; }
-  Quiet(const Quiet&) = delete;
-  Quiet& operator=(const Quiet&) = delete;
-
- private:
-  bool& flag_;
-  bool previous_;
-};
 }  // namespace
 
 KEPRshParameterTextureFrame::KEPRshParameterTextureFrame(KEPDialog* parent,
@@ -82,7 +71,7 @@ KEPRshParameterTextureFrame::~KEPRshParameterTextureFrame() {
 void KEPRshParameterTextureFrame::ShowValue() {
   KEPIRshParameter* parameter = GetParameter();
   if (!parameter || !selector_) return;
-  const Quiet quiet(active_);
+  const KEPRshFlagScope quiet(active_, false);
   KEPString image;
   KEPIPLMDmtDocument* document = nullptr;
   if (SUCCEEDED(parameter->GetTextureValue(document)) && document) {
@@ -136,7 +125,7 @@ void KEPRshParameterTextureFrame::Write(const KEPString& image,
                                         const std::vector<KEPString>& groups, double dpi) {
   KEPIRshParameter* parameter = GetParameter();
   if (!parameter) return;
-  const OwnWrite own(*this);
+  const KEPRshFlagScope own = OwnWrite();
   if (image.empty()) {
     const KEPRdgRenderLock lock;
     parameter->SetTextureValue(nullptr);

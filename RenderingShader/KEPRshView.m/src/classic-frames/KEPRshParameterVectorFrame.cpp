@@ -171,7 +171,7 @@ void KEPRshParameterVectorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
     if (zSpinner_) xyzw[2] = static_cast<float>(zSpinner_->GetValue());
   }
   {
-    const OwnWrite own(*this);
+    const KEPRshFlagScope own = OwnWrite();
     const KEPRdgRenderLock lock;
     if (FAILED(parameter->SetVectorValue(xyzw))) return;
   }

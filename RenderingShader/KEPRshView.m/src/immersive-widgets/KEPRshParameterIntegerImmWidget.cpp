@@ -9,6 +9,7 @@
 #include "KEPIRshParameterImmLayout.h"
 #include "KEPIRshShader.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRshFlagScope.h"
 #include "KEPRshParameterServices.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlCheckBox.h"
@@ -54,23 +55,6 @@ KEPVidGridCell Cell(int column, int attach = KEPVidAttach_All) {
 
 }  // namespace
 
-/// Clears the widget's `active` flag for as long as it lives: what the widget does to its own
-/// controls, or writes itself, must not come back as a user edit.
-class KEPRshParameterIntegerImmWidget::Quiet {
- public:
-  explicit Quiet(KEPRshParameterIntegerImmWidget& widget)
-      : widget_(widget), saved_(widget.active_) {
-    widget_.active_ = false;
-  }
-  ~Quiet() { widget_.active_ = saved_; }
-  Quiet(const Quiet&) = delete;
-  Quiet& operator=(const Quiet&) = delete;
-
- private:
-  KEPRshParameterIntegerImmWidget& widget_;
-  bool saved_;
-};
-
 KEPRshParameterIntegerImmWidget::KEPRshParameterIntegerImmWidget(KEPIRshParameter* parameter,
                                                                  KEPVidWidget* parent,
                                                                  const KEPString& name)
@@ -79,7 +63,7 @@ KEPRshParameterIntegerImmWidget::KEPRshParameterIntegerImmWidget(KEPIRshParamete
   if (!parameter) return;
   {
     // Building sets the controls' values: none of that is a user edit.
-    const Quiet quiet(*this);
+    const KEPRshFlagScope quiet(active_, false);
     Build(parameter);
   }
   if (slider_ || spinner_ || check_ || combo_) {
@@ -304,7 +288,7 @@ int KEPRshParameterIntegerImmWidget::SliderPosition(int value) const {
 void KEPRshParameterIntegerImmWidget::Write(KEPIRshParameter* parameter, int value,
                                             bool tellMaterial) {
   const KEPRdgRenderLock lock;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   if (typeRule_ && tellMaterial) {
     // The material learns its new kind before the parameter says so.
     const auto shader =
@@ -324,7 +308,7 @@ void KEPRshParameterIntegerImmWidget::OnValueChanged() {
   if (slider_ && editor_) {
     const int position = slider_->GetValue();
     value = wholeUnit_ ? position : position / kHundredths;
-    const Quiet quiet(*this);
+    const KEPRshFlagScope quiet(active_, false);
     editor_->SetValue(value);
   } else if (spinner_) {
     value = spinner_->GetValue();
@@ -350,7 +334,7 @@ void KEPRshParameterIntegerImmWidget::OnEditorModified() {
   if (!parameter) return;
   const int value = EditorInteger(editor_->GetValue());
   if (slider_) {
-    const Quiet quiet(*this);
+    const KEPRshFlagScope quiet(active_, false);
     slider_->SetValue(SliderPosition(value));
   }
   // Typing in the editor writes the value only; the material hears of a "type" change from the
@@ -370,7 +354,7 @@ void KEPRshParameterIntegerImmWidget::OnParameterChanged(KEPIRshParameter* chang
 void KEPRshParameterIntegerImmWidget::Refresh(KEPIRshParameter* parameter) {
   int value = 0;
   if (FAILED(parameter->GetIntegerValue(value))) return;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   if (slider_ && editor_) {
     slider_->SetValue(SliderPosition(value));
     editor_->SetValue(value);

@@ -41,7 +41,6 @@ class KEPRshParameterIntegerImmWidget : public KEPRshParameterImmWidget {
 
  private:
   /// Clears `active` for as long as it lives and restores the previous state after.
-  class Quiet;
 
   void Build(KEPIRshParameter* parameter);
   void BuildCombo(KEPIRshParameter* parameter);

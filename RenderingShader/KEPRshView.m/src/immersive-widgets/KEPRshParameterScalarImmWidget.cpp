@@ -12,6 +12,7 @@
 #include "KEPMsgCatalog.h"
 #include "KEPParmDictionary.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRshFlagScope.h"
 #include "KEPRshParameterServices.h"
 #include "KEPTolerance.h"
 #include "KEPTrace.h"
@@ -56,22 +57,6 @@ KEPVidGridCell Cell(int column) {
 }
 
 }  // namespace
-
-/// Clears the widget's `active` flag for as long as it lives: what the widget does to its own
-/// controls, or writes itself, must not come back as a user edit.
-class KEPRshParameterScalarImmWidget::Quiet {
- public:
-  explicit Quiet(KEPRshParameterScalarImmWidget& widget) : widget_(widget), saved_(widget.active_) {
-    widget_.active_ = false;
-  }
-  ~Quiet() { widget_.active_ = saved_; }
-  Quiet(const Quiet&) = delete;
-  Quiet& operator=(const Quiet&) = delete;
-
- private:
-  KEPRshParameterScalarImmWidget& widget_;
-  bool saved_;
-};
 
 KEPRshParameterScalarImmWidget::KEPRshParameterScalarImmWidget(KEPIRshParameter* parameter,
                                                                KEPVidWidget* parent,
@@ -318,7 +303,7 @@ bool KEPRshParameterScalarImmWidget::InRange(double shown) const {
 template <class After>
 void KEPRshParameterScalarImmWidget::Write(KEPIRshParameter* parameter, double model, After after) {
   const KEPRdgRenderLock lock;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   parameter->SetScalarValue(Narrow(model));
   after();
 }
@@ -326,7 +311,7 @@ void KEPRshParameterScalarImmWidget::Write(KEPIRshParameter* parameter, double m
 void KEPRshParameterScalarImmWidget::ShowRefused(KEPIRshParameter* parameter) {
   double shown = 0.0;
   if (!ShownValue(parameter, shown)) return;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   editor_->SetValue(shown);
 }
 
@@ -400,7 +385,7 @@ void KEPRshParameterScalarImmWidget::OnParameterChanged(KEPIRshParameter* change
 void KEPRshParameterScalarImmWidget::Refresh(KEPIRshParameter* parameter) {
   double shown = 0.0;
   if (!ShownValue(parameter, shown)) return;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   if (slider_ && editor_) {
     slider_->SetValue(SliderPosition(shown));
     editor_->SetValue(shown);

@@ -39,7 +39,6 @@ class KEPRshParameterScalarImmWidget : public KEPRshParameterImmWidget {
 
  private:
   /// Clears `active` for as long as it lives and restores the previous state after.
-  class Quiet;
 
   void Build(KEPIRshParameter* parameter);
   /// The display unit of an angle or a length, its tooltip prefix, and the range converted to it

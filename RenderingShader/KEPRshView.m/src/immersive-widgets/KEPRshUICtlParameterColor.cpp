@@ -6,6 +6,7 @@
 
 #include "KEPRdgRenderLock.h"
 #include "KEPRshColorPickerModes.h"
+#include "KEPRshFlagScope.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlColorCompositePicker.h"
 #include "KEPVidCtlEditor.h"
@@ -44,22 +45,6 @@ int SliderPosition(const KEPVidCtlSlider& slider, float lightness) {
 
 }  // namespace
 
-/// Clears the widget's `active` flag for as long as it lives: what the widget does to its own
-/// controls, or writes itself, must not come back as a user edit.
-class KEPRshUICtlParameterColor::Quiet {
- public:
-  explicit Quiet(KEPRshUICtlParameterColor& widget) : widget_(widget), saved_(widget.active_) {
-    widget_.active_ = false;
-  }
-  ~Quiet() { widget_.active_ = saved_; }
-  Quiet(const Quiet&) = delete;
-  Quiet& operator=(const Quiet&) = delete;
-
- private:
-  KEPRshUICtlParameterColor& widget_;
-  bool saved_;
-};
-
 KEPRshUICtlParameterColor::KEPRshUICtlParameterColor(KEPIRshParameter* parameter,
                                                      KEPVidWidget* parent, const KEPString& name)
     : KEPRshParameterImmWidget(parameter, parent, name),
@@ -91,7 +76,7 @@ void KEPRshUICtlParameterColor::Build(KEPIRshParameter* parameter) {
   grid_->SetGridCell({0, 0, 1, 1, KEPVidAttach_All});
 
   // Nothing is shown while the controls are made: their notifications are no user edits.
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   BuildSlider();
   BuildEditor();
   BuildButton();
@@ -204,7 +189,7 @@ bool KEPRshUICtlParameterColor::ReadColor(KEPIRshParameter* parameter) {
 }
 
 void KEPRshUICtlParameterColor::Show(bool picker) {
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   const KEPVidColor shown{KEPVidChannelToByte(rgb_.red), KEPVidChannelToByte(rgb_.green),
                           KEPVidChannelToByte(rgb_.blue), 255};
   if (button_) button_->SetColor(shown);
@@ -215,7 +200,7 @@ void KEPRshUICtlParameterColor::Show(bool picker) {
 
 void KEPRshUICtlParameterColor::ShowLightness() {
   if (!editor_) return;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   const double lightness = static_cast<double>(hsl_.lightness);
   char text[32];
   const int written = std::snprintf(text, sizeof text, "%.2f", lightness);
@@ -236,7 +221,7 @@ void KEPRshUICtlParameterColor::TraceColor() const {
 
 void KEPRshUICtlParameterColor::Write(KEPIRshParameter* parameter, bool picker) {
   const KEPRdgRenderLock lock;
-  const Quiet quiet(*this);
+  const KEPRshFlagScope quiet(active_, false);
   if (FAILED(parameter->SetColorValue(rgb_.red, rgb_.green, rgb_.blue, alpha_)) &&
       ReadColor(parameter)) {
     // Refused: the controls go back to what the parameter holds.

@@ -41,7 +41,6 @@ class KEPRshUICtlParameterColor : public KEPRshParameterImmWidget {
 
  private:
   /// Clears `active` for as long as it lives and restores the previous state after.
-  class Quiet;
 
   // --- Construction
   void Build(KEPIRshParameter* parameter);
