@@ -95,8 +95,14 @@ void BM_SerialiseClassicEditor(benchmark::State& state) {
   }
   KEP_var<KEPDlgFrame> root;
   KEPDialog* editor = scene.Build(root);
-  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJsonText(editor));
+  std::size_t bytes = 0;
+  for (auto _ : state) {
+    const std::string text = KEPVidToJsonText(editor);
+    bytes = text.size();
+    benchmark::DoNotOptimize(text.data());
+  }
   state.SetComplexityN(state.range(0));
+  state.counters["bytes"] = static_cast<double>(bytes);
 }
 BENCHMARK(BM_SerialiseClassicEditor)
     ->Arg(100)

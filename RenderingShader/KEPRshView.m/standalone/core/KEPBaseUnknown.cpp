@@ -1,9 +1,40 @@
 #include "KEPBaseUnknown.h"
 
+#include <cstdint>
 #include <cstring>
+#include <functional>
+#include <typeinfo>
+#include <unordered_set>
 
 #include "KEPBaseUnknown_WR.h"
 #include "KEPExtensionRegistry.h"
+
+namespace {
+
+// A class that does not derive from an interface, and the cast that found it out. A cast is a
+// dynamic_cast (KEPCastTo), whose answer depends on the class of the object alone.
+struct OwnMiss {
+  const std::type_info* type;
+  void* (*cast)(KEPIUnknown*);
+  bool operator==(const OwnMiss&) const = default;
+};
+
+struct OwnMissHash {
+  std::size_t operator()(const OwnMiss& miss) const noexcept {
+    return std::hash<const void*>()(miss.type) * 31 +
+           std::hash<std::uintptr_t>()(reinterpret_cast<std::uintptr_t>(miss.cast));  // NOLINT
+  }
+};
+
+// The casts that failed, per class. Most queries of a component ask for an interface that one of
+// its extensions serves, and a dynamic_cast that fails walks the whole class hierarchy first:
+// remembering the miss sends the next query of that class straight to the extensions. Only
+// misses are kept. Whether a class derives from an interface never changes, while where the
+// interface lies does (an object under construction answers as its constructing base, laid out
+// inside the final class). One table per thread, so nothing is locked.
+thread_local std::unordered_set<OwnMiss, OwnMissHash> tOwnMisses;
+
+}  // namespace
 
 bool operator==(const KEPIID& a, const KEPIID& b) {
   return a.name == b.name || std::strcmp(a.name, b.name) == 0;
@@ -83,7 +114,12 @@ const std::shared_ptr<KEPWeakRemnant>& KEPBaseUnknown::GetRemnant() {
 }
 
 void* KEPBaseUnknown::QueryOwnInterface(const KEPIID& iid) {
-  return iid.cast ? iid.cast(static_cast<KEPIUnknown*>(this)) : nullptr;
+  if (!iid.cast) return nullptr;
+  const OwnMiss key{&typeid(*this), iid.cast};
+  if (tOwnMisses.contains(key)) return nullptr;
+  void* found = iid.cast(static_cast<KEPIUnknown*>(this));
+  if (!found) tOwnMisses.insert(key);
+  return found;
 }
 
 HRESULT KEPBaseUnknown::QueryInterface(const KEPIID& iid, void** out) {

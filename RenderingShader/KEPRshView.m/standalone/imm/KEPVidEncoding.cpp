@@ -3,6 +3,8 @@
 #include <utf8.h>
 
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -102,8 +104,24 @@ void KEPVidAppendEscaped(std::string& out, std::string_view text) {
 }
 
 bool KEPVidIsPlainText(std::string_view text) {
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
+  // Eight bytes at a time (names, paths and texts are mostly long runs of plain letters). In
+  // `(w - n * kOnes) & ~w & kHigh` a byte's high bit is set only if some byte of w is below n
+  // (n <= 0x80; a borrow starts only at such a byte), so the test of the word is exact; a quote
+  // or a backslash is a zero byte of w xor that byte repeated.
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr std::uint64_t kHigh = 0x8080808080808080ULL;
+  const auto below = [](std::uint64_t w, std::uint64_t n) { return (w - n * kOnes) & ~w & kHigh; };
+  std::size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    std::uint64_t w = 0;
+    std::memcpy(&w, text.data() + i, sizeof w);
+    const std::uint64_t bad = (w & kHigh) | below(w, 0x20) |
+                              below(w ^ (std::uint64_t{'"'} * kOnes), 1) |
+                              below(w ^ (std::uint64_t{'\\'} * kOnes), 1);
+    if (bad != 0) return false;
+  }
+  for (; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\') return false;
   }
   return true;

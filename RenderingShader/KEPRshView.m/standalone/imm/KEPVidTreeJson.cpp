@@ -22,6 +22,11 @@
 #include "KEPVidTree.h"
 #include "KEPVidWidget.h"
 
+// The small writes of the text sink are forced inline (both compilers take the attribute): most
+// of a tree is fixed keys and short texts, and with the length of a literal known at the call the
+// copy is a few moves rather than a call.
+#define KEP_JSON_INLINE [[gnu::always_inline]] inline
+
 namespace {
 
 // ---------------------------------------------------------------------------------------------
@@ -68,9 +73,16 @@ class TextSink {
   void Double(double value) {
     if (!std::isfinite(value)) return Null();
     Separate();
-    scratch_.clear();
-    KEPVidAppendDouble(scratch_, value);
-    Put(scratch_);
+    // The shortest form that reads back the same, straight into the text; a number written
+    // without a point or an exponent gets ".0" so that it reads back as a double
+    // (KEPVidAppendDouble's form).
+    char* at = Room(34);
+    char* end = std::to_chars(at, at + 32, value).ptr;
+    if (std::find_if(at, end, [](char c) { return c == '.' || c == 'e' || c == 'E'; }) == end) {
+      *end++ = '.';
+      *end++ = '0';
+    }
+    used_ += static_cast<std::size_t>(end - at);
   }
   void String(std::string_view utf8) {
     Separate();
@@ -78,7 +90,7 @@ class TextSink {
   }
   /// A key or a string known to be plain ASCII that needs no escape (class names, the fixed
   /// keys, paths made of plain names).
-  void KnownKey(std::string_view key) {
+  KEP_JSON_INLINE void KnownKey(std::string_view key) {
     char* at = Room(key.size() + 4);
     if (NeedsComma()) *at++ = ',';
     *at++ = '"';
@@ -88,7 +100,7 @@ class TextSink {
     *at++ = ':';
     used_ = static_cast<std::size_t>(at - out_.data());
   }
-  void KnownString(std::string_view text) {
+  KEP_JSON_INLINE void KnownString(std::string_view text) {
     char* at = Room(text.size() + 3);
     if (NeedsComma()) *at++ = ',';
     *at++ = '"';
@@ -105,11 +117,13 @@ class TextSink {
   }
 
  private:
-  char* Room(std::size_t bytes) {
-    if (out_.size() - used_ < bytes) out_.resize(std::max(out_.size() * 2, used_ + bytes));
+  KEP_JSON_INLINE char* Room(std::size_t bytes) {
+    if (out_.size() - used_ < bytes) [[unlikely]]
+      Grow(bytes);
     return out_.data() + used_;
   }
-  void Put(char c) {
+  void Grow(std::size_t bytes) { out_.resize(std::max(out_.size() * 2, used_ + bytes)); }
+  KEP_JSON_INLINE void Put(char c) {
     *Room(1) = c;
     ++used_;
   }
@@ -138,12 +152,12 @@ class TextSink {
     Put(escaped_);
   }
   // A comma before anything that follows a complete value or member.
-  bool NeedsComma() const {
+  KEP_JSON_INLINE bool NeedsComma() const {
     if (used_ == 0) return false;
     const char last = out_[used_ - 1];
     return last != '{' && last != '[' && last != ':';
   }
-  void Separate() {
+  KEP_JSON_INLINE void Separate() {
     if (NeedsComma()) Put(',');
   }
   std::string& out_;

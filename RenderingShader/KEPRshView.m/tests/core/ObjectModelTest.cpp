@@ -56,6 +56,22 @@ KEP_IMPLEMENT_CLASS_EX(Behaviour, KEPBaseUnknown, "KEPNull", "Test", KEPClassKin
 KEP_DEFINE_TIE(ITalk, Behaviour)
 KEP_DEFINE_TIE(IWalk, Behaviour)
 
+// A class that is no talker and asks for ITalk while it is being built, and a talker built on
+// it: while its base part is built a talker is not one yet.
+class Mute : public KEPBaseUnknown {
+ public:
+  Mute() {
+    ITalk* talk = KEPQuery<ITalk>(this);
+    heardWhileBuilt = talk != nullptr;
+    if (talk) talk->Release();
+  }
+  bool heardWhileBuilt = true;
+};
+class Talker : public Mute, public ITalk {
+ public:
+  int Say() override { return 7; }
+};
+
 }  // namespace objtest
 
 namespace {
@@ -208,6 +224,30 @@ TEST(Traces, ChannelsAndModuleLevels) {
   EXPECT_EQ(KEPTraceSink::Format(capture.Entries()[1]),
             "[KEPRmaUI] error: { value = 1.500 } (src/A:12)");
   EXPECT_EQ(capture.Entries()[2].text, "(A::~A) Destructor\n");
+}
+
+// A query that a class answers no to is remembered per class: another class that has the
+// interface, even one built on the first, still answers itself, and a class without it keeps
+// reaching its extension query after query.
+TEST_F(ObjectModel, AnInterfaceOneClassLacksIsStillFoundOnOthers) {
+  auto talker = KEP_var<Talker>::Adopt(new Talker());
+  EXPECT_FALSE(talker->heardWhileBuilt) << "a base under construction is no talker";
+  for (int round = 0; round < 2; ++round) {
+    auto talk = KEPQueryVar<ITalk>(static_cast<KEPBaseUnknown*>(talker.Get()));
+    ASSERT_TRUE(talk) << round;
+    EXPECT_EQ(talk->Say(), 7) << "the talker's own interface";
+    EXPECT_EQ(talker->GetExtensionCount(), 0u);
+
+    auto mute = KEP_var<Mute>::Adopt(new Mute());
+    EXPECT_FALSE(KEPQueryVar<ITalk>(mute)) << round;
+    mute->SetLateType("Animal");
+    for (int query = 0; query < 2; ++query) {
+      auto served = KEPQueryVar<ITalk>(mute);
+      ASSERT_TRUE(served) << round << " " << query;
+      EXPECT_EQ(served->Say(), 42) << "the extension's";
+    }
+    EXPECT_EQ(mute->GetExtensionCount(), 1u);
+  }
 }
 
 }  // namespace
