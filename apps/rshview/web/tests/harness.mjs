@@ -3,10 +3,11 @@
 // when a test fails (build/web-test-artifacts/).
 
 import { spawn } from 'node:child_process';
-import { cpSync, existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { cpSync, existsSync, mkdirSync, mkdtempSync, readFileSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
+import zlib from 'node:zlib';
 import { chromium } from 'playwright-core';
 
 const here = dirname(fileURLToPath(import.meta.url));
@@ -124,4 +125,63 @@ export async function canvasPixels(page) {
 
 export function readDoc(file) {
   return JSON.parse(readFileSync(file, 'utf8'));
+}
+
+/** Decodes an 8-bit RGB or RGBA PNG (not interlaced) to {width, height, data: RGBA bytes}. */
+export function decodePng(buffer) {
+  const { inflateSync } = zlib;
+  if (buffer.readUInt32BE(0) !== 0x89504e47) throw new Error('not a PNG');
+  let at = 8;
+  let width = 0, height = 0, colorType = 0;
+  const idat = [];
+  while (at < buffer.length) {
+    const length = buffer.readUInt32BE(at);
+    const type = buffer.toString('latin1', at + 4, at + 8);
+    const chunk = buffer.subarray(at + 8, at + 8 + length);
+    if (type === 'IHDR') {
+      width = chunk.readUInt32BE(0);
+      height = chunk.readUInt32BE(4);
+      colorType = chunk[9];
+      if (chunk[8] !== 8 || chunk[12] !== 0 || (colorType !== 2 && colorType !== 6)) throw new Error('unsupported PNG');
+    } else if (type === 'IDAT') idat.push(chunk);
+    at += 12 + length;
+  }
+  const channels = colorType === 6 ? 4 : 3;
+  const raw = inflateSync(Buffer.concat(idat));
+  const stride = width * channels;
+  const out = Buffer.alloc(width * height * 4);
+  let previous = Buffer.alloc(stride);
+  for (let y = 0; y < height; y++) {
+    const filter = raw[y * (stride + 1)];
+    const line = Buffer.from(raw.subarray(y * (stride + 1) + 1, (y + 1) * (stride + 1)));
+    for (let i = 0; i < stride; i++) {
+      const a = i >= channels ? line[i - channels] : 0;
+      const b = previous[i];
+      const c = i >= channels ? previous[i - channels] : 0;
+      let p = 0;
+      if (filter === 1) p = a;
+      else if (filter === 2) p = b;
+      else if (filter === 3) p = (a + b) >> 1;
+      else if (filter === 4) {
+        const e = a + b - c;
+        const pa = Math.abs(e - a), pb = Math.abs(e - b), pc = Math.abs(e - c);
+        p = pa <= pb && pa <= pc ? a : pb <= pc ? b : c;
+      }
+      line[i] = (line[i] + p) & 255;
+    }
+    for (let x = 0; x < width; x++) {
+      for (let k = 0; k < 4; k++) out[(y * width + x) * 4 + k] = k < channels ? line[x * channels + k] : 255;
+    }
+    previous = line;
+  }
+  return { width, height, data: out };
+}
+
+/** How many pixels differ by more than `tolerance` in some channel. */
+export function differingPixels(a, b, tolerance = 0) {
+  let count = 0;
+  for (let i = 0; i < a.length; i += 4) {
+    if (Math.abs(a[i] - b[i]) > tolerance || Math.abs(a[i + 1] - b[i + 1]) > tolerance || Math.abs(a[i + 2] - b[i + 2]) > tolerance) count++;
+  }
+  return count;
 }
