@@ -453,7 +453,6 @@ const popup = {
     const s = w.state || {};
     const open = !!s.open && w.visible !== false;
     el.classList.toggle('open', open);
-    el._offset = s.offset || [0, 0];
     el._anchorName = s.anchor || '';
     if (open) {
       requestAnimationFrame(() => placePopup(el));
@@ -478,19 +477,25 @@ function anchorOf(el) {
   return parent ? [...parent.children].find((c) => c.dataset.name === el._anchorName) || null : null;
 }
 
+/** Places an open popup below its anchor (above when there is no room), inside the window. */
 function placePopup(el) {
   const anchor = anchorOf(el);
-  const host = el.offsetParent || document.body;
-  const [dx, dy] = el._offset || [0, 0];
-  if (!anchor) return;
+  if (!anchor || !el.classList.contains('open')) return;
   const a = anchor.getBoundingClientRect();
-  const p = host.getBoundingClientRect();
-  let left = a.left - p.left + host.scrollLeft + Math.min(dx, 8);
-  const top = a.bottom - p.top + host.scrollTop + Math.min(dy, 8);
   const width = el.offsetWidth;
-  if (a.left + width > window.innerWidth - 8) left = Math.max(0, a.right - p.left + host.scrollLeft - width);
+  const height = el.offsetHeight;
+  const left = Math.max(8, Math.min(a.left, window.innerWidth - width - 8));
+  const below = a.bottom + 4;
+  const top = below + height > window.innerHeight - 8 ? Math.max(8, a.top - height - 4) : below;
   el.style.left = `${left}px`;
   el.style.top = `${top}px`;
+}
+
+// An open popup follows its anchor when the editor scrolls or the window changes size.
+const replace = () => document.querySelectorAll('.popup.open').forEach(placePopup);
+if (typeof window !== 'undefined') {
+  window.addEventListener('scroll', replace, true);
+  window.addEventListener('resize', replace);
 }
 
 const imageSelector = {

@@ -52,8 +52,8 @@ export function sampleCopy() {
 }
 
 /** Starts `rshview serve --port 0` and resolves with {url, stop, output, dir, doc}. */
-export async function startServer({ doc, dir, prefs, extra = [] } = sampleCopy()) {
-  const child = spawn(rshviewBinary(), ['serve', '--port', '0', '--doc', doc, ...extra], {
+export async function startServer({ doc, dir, prefs, port = 0, extra = [] } = sampleCopy()) {
+  const child = spawn(rshviewBinary(), ['serve', '--port', String(port), '--doc', doc, ...extra], {
     env: { ...process.env, KEPRSH_PREFERENCES: prefs, XDG_CONFIG_HOME: dir },
     stdio: ['ignore', 'pipe', 'pipe'],
   });
