@@ -173,6 +173,7 @@ const grid = {
     if (typeof s.horizontalSpacing === 'number') el.style.columnGap = `${s.horizontalSpacing}px`;
     if (typeof s.verticalSpacing === 'number') el.style.rowGap = `${s.verticalSpacing}px`;
     el._weights = s.columnWeights || [];
+    el.classList.toggle('classic-frame', 'tabulations' in s || 'rectangle' in s);
     if (w.class === 'KEPRshUIScalarSoftHardRange' && w.properties) {
       const p = w.properties;
       el.dataset.beyondSoft = p.Value > p.SoftMaximum ? 'above' : p.Value < p.SoftMinimum ? 'below' : '';

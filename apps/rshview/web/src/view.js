@@ -20,9 +20,12 @@ function applyCommon(el, w) {
   el.classList.toggle('is-invisible', w.visible === false && !!w.layoutWhenInvisible);
   el.classList.toggle('is-disabled', w.sensitive === false);
   el.inert = w.sensitive === false;
-  if (w.tooltip) el.title = w.tooltip;
-  else if (el.title && el._tooltipSet) el.removeAttribute('title');
-  el._tooltipSet = Boolean(w.tooltip);
+  if (w.tooltip) {
+    el.dataset.tooltip = w.tooltip;
+    el.dataset.tooltipDelay = String(w.tooltipDelay ?? 0.5);
+  } else {
+    delete el.dataset.tooltip;
+  }
   const cell = w.cell;
   if (cell) {
     el.style.gridRow = `${cell.row + 1} / span ${Math.max(cell.rowSpan, 1)}`;
@@ -48,6 +51,40 @@ function applyCommon(el, w) {
   }
 }
 
+/**
+ * A classic frame may place widgets by its tabulation lines rather than by cells: widgets that
+ * share a cell get the columns of the vertical lines that hold their start edge ("v2 kind=1:
+ * spinner"; kind 5 holds both edges), in line order.
+ */
+export function tabulationColumns(w) {
+  const tabs = w.state?.tabulations;
+  const children = w.children || [];
+  if (!Array.isArray(tabs) || children.length < 2) return null;
+  const cells = children.map((c) => `${c.cell?.row},${c.cell?.column}`);
+  if (new Set(cells).size === cells.length) return null;
+  const starts = new Map();
+  for (const t of tabs) {
+    const m = /^v(\d+) kind=(\d+): (.*)$/.exec(t);
+    if (!m || (m[2] !== '1' && m[2] !== '5')) continue;
+    for (const name of m[3].split(', ')) if (!starts.has(name)) starts.set(name, Number(m[1]));
+  }
+  if (starts.size === 0) return null;
+  const lines = [...new Set(starts.values())].sort((a, b) => a - b);
+  const columns = new Map();
+  for (const [name, line] of starts) columns.set(name, lines.indexOf(line));
+  return { columns, count: lines.length };
+}
+
+function placeByTabulations(host, w) {
+  const tab = tabulationColumns(w);
+  if (!tab) return;
+  for (const el of host.children) {
+    const column = tab.columns.get(el.dataset.name);
+    if (column !== undefined) el.style.gridColumn = String(column + 1);
+  }
+  host.style.gridTemplateColumns = `repeat(${tab.count}, auto)`;
+}
+
 function sameShape(a, b) {
   const ca = a.children || [];
   const cb = b.children || [];
@@ -58,6 +95,51 @@ function sameShape(a, b) {
   return true;
 }
 
+/**
+ * Tooltips: a widget's tooltip shows after its own delay while the pointer rests on it, or at
+ * once while it has the keyboard focus; Escape or leaving hides it.
+ */
+function installTooltips(root) {
+  const tip = document.createElement('div');
+  tip.className = 'tooltip';
+  tip.setAttribute('role', 'tooltip');
+  tip.hidden = true;
+  document.body.append(tip);
+  let timer = null;
+  let owner = null;
+  const hide = () => {
+    clearTimeout(timer);
+    tip.hidden = true;
+    owner = null;
+  };
+  const show = (el) => {
+    owner = el;
+    tip.textContent = el.dataset.tooltip;
+    tip.hidden = false;
+    const r = el.getBoundingClientRect();
+    tip.style.left = `${Math.max(4, Math.min(r.left, window.innerWidth - tip.offsetWidth - 4))}px`;
+    tip.style.top = `${r.bottom + 4 + tip.offsetHeight > window.innerHeight ? r.top - tip.offsetHeight - 4 : r.bottom + 4}px`;
+  };
+  root.addEventListener('pointerover', (e) => {
+    const el = e.target.closest('[data-tooltip]');
+    if (!el || el === owner) return;
+    hide();
+    timer = setTimeout(() => show(el), Math.max(0, Number(el.dataset.tooltipDelay) || 0) * 1000 + 150);
+  });
+  root.addEventListener('pointerout', (e) => {
+    const el = e.target.closest('[data-tooltip]');
+    if (el && !el.contains(e.relatedTarget)) hide();
+  });
+  root.addEventListener('pointerdown', hide);
+  root.addEventListener('focusin', (e) => {
+    const el = e.target.closest('[data-tooltip]');
+    if (el && e.target.matches(':focus-visible')) show(el);
+    else hide();
+  });
+  root.addEventListener('focusout', hide);
+  root.addEventListener('keydown', (e) => { if (e.key === 'Escape' && !tip.hidden) hide(); });
+}
+
 export class EditorView {
   constructor(root, ctx) {
     this.root = root;
@@ -65,6 +147,7 @@ export class EditorView {
     this.byPath = new Map();
     this.tree = null;
     this.filterText = '';
+    installTooltips(root);
   }
 
   /** Draws a whole tree, replacing what was shown. */
@@ -93,7 +176,10 @@ export class EditorView {
     const host = el._childHost || el;
     const children = w.children || [];
     for (const child of children) host.append(this.build(child));
-    if (host.classList.contains('grid')) layoutGrid(host, children);
+    if (host.classList.contains('grid')) {
+      layoutGrid(host, children);
+      placeByTabulations(host, w);
+    }
     return el;
   }
 
@@ -111,7 +197,10 @@ export class EditorView {
     const host = el._childHost || el;
     const elements = [...host.children].filter((c) => c._w);
     (w.children || []).forEach((child, i) => this.update(elements[i], child));
-    if (host.classList.contains('grid')) layoutGrid(host, w.children || []);
+    if (host.classList.contains('grid')) {
+      layoutGrid(host, w.children || []);
+      placeByTabulations(host, w);
+    }
     return el;
   }
 
