@@ -3,7 +3,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ clang libclang-rt-dev clang-format clang-tidy googletest libgtest-dev
-          libbenchmark-dev nlohmann-json3-dev libpng-dev libutfcpp-dev)
+          libbenchmark-dev nlohmann-json3-dev libpng-dev libutfcpp-dev pkg-config libcpp-httplib-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
