@@ -5,7 +5,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ clang libclang-rt-dev clang-format clang-tidy googletest libgtest-dev
-          libbenchmark-dev nlohmann-json3-dev libpng-dev libutfcpp-dev)
+          libbenchmark-dev nlohmann-json3-dev libpng-dev libutfcpp-dev pkg-config libcpp-httplib-dev)
 if [ "${1:-}" = "--browser" ]; then
   packages+=(chromium)
   # Node.js and npm build the front-end; a machine that has them from elsewhere keeps its own.

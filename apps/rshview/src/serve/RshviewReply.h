@@ -1,0 +1,21 @@
+// One answer of the HTTP API: status, body and content type, made on whichever thread computed it
+// and sent by the HTTP layer.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+struct RshviewReply {
+  int status = 200;
+  std::string body;
+  std::string contentType = "application/json";
+
+  /// A JSON answer.
+  static RshviewReply Json(const nlohmann::ordered_json& json, int status = 200);
+  /// An error answer: {"error": error, "detail": detail}.
+  static RshviewReply Error(int status, const std::string& error,
+                            const nlohmann::ordered_json& detail);
+};
+
+/// JSON text on one line; invalid UTF-8 in texts is replaced rather than refused.
+std::string RshviewJsonText(const nlohmann::ordered_json& json);
