@@ -89,12 +89,20 @@ Json Widget(const char* path, int value, Json children = Json::array()) {
 }
 
 std::vector<std::string> ChangedPaths(const Json& before, const Json& after) {
+  // Both trees come from one writer, as the server's do: spacing and key order alike.
+  const RshviewWidgetText old(before.dump()), now(after.dump());
+  EXPECT_TRUE(old.Valid());
+  EXPECT_TRUE(now.Valid());
   std::vector<std::string> paths;
-  for (const Json& changed : RshviewChangedWidgets(before, after)) {
-    EXPECT_EQ(changed["widget"]["path"].is_null() ? changed["path"] : changed["widget"]["path"],
-              changed["path"]);
-    paths.push_back(changed["path"]);
+  const auto changed = RshviewChangedWidgets(old, now);
+  for (const RshviewChangedWidget& widget : changed) {
+    // The subtree is the widget's own text, and it names its path.
+    const Json subtree = Json::parse(widget.widget);
+    EXPECT_EQ(subtree["path"], widget.path);
+    paths.push_back(widget.path);
   }
+  const Json listed = Json::parse(RshviewChangedWidgetsJson(changed));
+  EXPECT_EQ(listed.size(), changed.size());
   return paths;
 }
 
@@ -119,6 +127,12 @@ TEST(RshviewServeDiff, ReportsTheHighestChangedWidgetOfEachBranch) {
   Json root = base;
   root["visible"] = false;
   EXPECT_EQ(ChangedPaths(base, root), std::vector<std::string>{""});
+  // Texts with escapes and brackets inside strings are read as texts.
+  Json tricky = base;
+  tricky["children"][1]["state"]["label"] = "a \"[quoted]\" {b}\\";
+  EXPECT_EQ(ChangedPaths(base, tricky), std::vector<std::string>{"h"});
+  EXPECT_FALSE(RshviewWidgetText("{\"children\": [1]}").Valid());
+  EXPECT_FALSE(RshviewWidgetText("{\"path\": \"a\"").Valid());
 }
 
 TEST(RshviewServeQueue, RunsTasksOnTheUiThreadAndTimesOutOrClosesOtherwise) {

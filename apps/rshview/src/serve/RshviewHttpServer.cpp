@@ -61,6 +61,7 @@ bool RshviewHttpServer::Start(std::string& error) {
     return new httplib::ThreadPool(RshviewEventStream::kMaxSubscribers + 8);
   };
   server_->set_payload_max_length(kMaxBody);
+  server_->set_tcp_nodelay(true);  // small answers go out at once
   const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
     Handle(request, response);
   };

@@ -173,7 +173,10 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
                   {"revision", Revision()}};
   std::string text = RshviewJsonText(head);
   text.pop_back();  // the closing brace
-  text += ",\"editor\":" + KEPVidToJsonText(open->editor.Editor()) + "}";
+  auto tree = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open->editor.Editor()));
+  text += ",\"editor\":" + tree->Text() + "}";
+  open->snapshot = std::move(tree);
+  open->snapshotStamp = stamp_;
   return RshviewReply{200, std::move(text), "application/json"};
 }
 
@@ -191,19 +194,24 @@ RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEdit
   OpenEditor* open = OpenEditorOf(node, event.editor == "classic", event.restricted, reply);
   if (!open) return reply;
   KEPVidWidget* editor = open->editor.Editor();
-  const nlohmann::json before = KEPVidToJson(editor);
+  if (!open->snapshot || open->snapshotStamp != stamp_)
+    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
   writes_ = Json::array();
   client_ = client;
   std::string error;
   const HRESULT hr = KEPVidInject(editor, event.path, action, event.argument, error);
   client_.clear();
+  ++stamp_;
   if (FAILED(hr)) return RshviewReply::Error(422, "refused event", error);
-  const nlohmann::json after = KEPVidToJson(editor);
-  Json answer{{"writes", std::move(writes_)},
-              {"changed", Json(RshviewChangedWidgets(before, after))},
-              {"revision", Revision()}};
+  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  // Written as text: the changed subtrees go out as the tree's own text.
+  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
+                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open->snapshot, *after)) +
+                     ",\"revision\":" + std::to_string(Revision()) + "}";
   writes_ = Json::array();
-  return RshviewReply::Json(answer);
+  open->snapshot = std::move(after);
+  open->snapshotStamp = stamp_;
+  return RshviewReply{200, std::move(text), "application/json"};
 }
 
 RshviewReply RshviewServeSession::Material(const std::string& id) {
@@ -287,6 +295,7 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
   if (persist && !RshviewStoreUnits(message))
     return RshviewReply::Error(500, "internal error", message);
   // The editors show values in the display units they were built with: build them afresh.
+  ++stamp_;
   for (auto& [key, open] : editors_) {
     KEPHostShaderNode* node = context_.document->FindNode(open->node);
     std::string error;

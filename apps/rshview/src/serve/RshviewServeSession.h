@@ -13,6 +13,7 @@
 
 #include "RshviewCommand.h"
 #include "RshviewEditor.h"
+#include "RshviewEditorDiff.h"
 #include "RshviewEventStream.h"
 #include "RshviewReply.h"
 #include "RshviewValueLog.h"
@@ -59,6 +60,10 @@ class RshviewServeSession {
     bool classic = false;
     bool restricted = false;
     RshviewEditor editor;
+    /// The editor's tree as last written, while nothing changed it since (snapshotStamp equals
+    /// the session's stamp_): the "before" of the next event, so each event writes the tree once.
+    std::unique_ptr<RshviewWidgetText> snapshot;
+    std::uint64_t snapshotStamp = 0;
   };
   /// The node `id`, or null with `reply` set to the 404 answer.
   KEPHostShaderNode* FindNode(const std::string& id, RshviewReply& reply) const;
@@ -74,6 +79,7 @@ class RshviewServeSession {
   int observer_ = 0;
   std::map<std::string, std::unique_ptr<OpenEditor>> editors_;
   std::atomic<std::uint64_t> revision_{0};
+  std::uint64_t stamp_ = 0;  ///< grows with every event and every rebuild of the editors
   bool dirty_ = false;
   std::string client_;             ///< the client whose request is running
   nlohmann::ordered_json writes_;  ///< the writes of the event that is running
