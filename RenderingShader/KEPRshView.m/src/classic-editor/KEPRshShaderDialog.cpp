@@ -8,7 +8,7 @@
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshShaderDialog, KEPBaseUnknown, "KEPNull", "RenderingShader",
-                       KEPClassKind_Extension, KEPRshShaderLateType)
+                       KEPClassKind_Extension, KEPRmaShaderLateType)
 
 KEP_DEFINE_TIE(KEPIRshShaderEditorDialog, KEPRshShaderDialog)
 

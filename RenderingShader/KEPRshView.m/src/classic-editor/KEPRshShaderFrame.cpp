@@ -15,6 +15,7 @@
 #include "KEPIRshShaderSupport.h"
 #include "KEPISpecObject.h"
 #include "KEPMsgCatalog.h"
+#include "KEPRdgRenderLock.h"
 #include "KEPRshModelEvents.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshShaderRootFrame.h"
@@ -312,7 +313,11 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   begin.changeClass = "KEPIGraphicMaterial";
   begin.attributeKind = 2;
   KEPRshModelEvents::SendBegin(begin);
-  parameter->SetConnectedShader(nullptr);
+  HRESULT written = E_FAIL;
+  {
+    const KEPRdgRenderLock lock;
+    written = parameter->SetConnectedShader(nullptr);
+  }
   KEPRbaEndShaderModifyNotification end;
   end.shader = shader_.Get();
   end.changeClass = "KEPIGraphicMaterial";
@@ -320,9 +325,19 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   end.flag = 1;
   KEPRshModelEvents::SendEnd(end);
 
+  // A refused write leaves the row as it was: it still shows the shader that stays connected.
+  if (FAILED(written)) {
+    KEPModuleTrace::Trace(5,
+                          "(KEPRshShaderFrame::DisconnectCB) Parameter %d refused the "
+                          "disconnection (0x%08x)\n",
+                          static_cast<int>(i), static_cast<unsigned>(written));
+    return;
+  }
   const auto slot = static_cast<std::size_t>(i - 1);
   if (!parameterButtons_[slot]) return;
   ShowConnected(slot, false);
+  // The button now offers a new child: its title goes with the icon, its help with connecting.
+  parameterButtons_[slot]->SetTitle(HelpTexts(kIconCatalog, "newChild").title);
   const HelpTexts connect(kFrameCatalog, "connect");
   connect.ApplyHelp(parameterButtons_[slot]);
 }

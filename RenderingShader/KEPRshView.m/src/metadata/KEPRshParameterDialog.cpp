@@ -59,7 +59,7 @@ HRESULT KEPRshParameterDialog::BuildFrame(KEPDialog* parent, const KEPString& na
   const KEP_var<KEPIRshParameter> parameter = KEPQueryVar<KEPIRshParameter>(GetExtendedObject());
   if (!parameter) return E_FAIL;
   KEPDialog* built = CreateFrame(parameter.Get(), parent, name, kFrameStyle);
-  if (!built) return E_NOTIMPL;
+  if (!built) return E_FAIL;
   *frame = built;
   return S_OK;  // the temporary reference to the parameter goes with `parameter`
 }

@@ -1,5 +1,6 @@
 #include "KEPRshParameterShaderDialog.h"
 
+#include "KEPRshParameterShaderFrame.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS_EX(KEPRshParameterShaderDialog, KEPRshParameterDialog, "KEPNull",
@@ -23,4 +24,9 @@ const char* KEPRshParameterShaderDialog::DefaultWidgetKind() const {
 
 std::vector<KEPString> KEPRshParameterShaderDialog::WidgetKinds() const {
   return {};
+}
+
+KEPDialog* KEPRshParameterShaderDialog::CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent,
+                                                    const KEPString& name, int style) {
+  return new KEPRshParameterShaderFrame(parent, parameter, name, style);
 }

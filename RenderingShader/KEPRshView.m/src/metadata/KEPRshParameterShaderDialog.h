@@ -17,6 +17,8 @@ class KEPRshParameterShaderDialog : public KEPRshParameterDialog {
   ~KEPRshParameterShaderDialog() override;
   const char* DefaultWidgetKind() const override;
   std::vector<KEPString> WidgetKinds() const override;
+  KEPDialog* CreateFrame(KEPIRshParameter* parameter, KEPDialog* parent, const KEPString& name,
+                         int style) override;
 };
 
 KEP_DECLARE_TIE(KEPIRshParameterDialog, KEPRshParameterShaderDialog)

@@ -134,9 +134,11 @@ std::string KEPDlgFormatNumber(double value, const std::string& format, int deci
     std::string conversion = "%" + c.flagsWidthPrecision;
     int written = 0;
     if (c.letter == 'd' || c.letter == 'i' || c.letter == 'u') {
-      // An integer conversion shows the nearest integer (within the range of long long).
+      // An integer conversion shows the value cut toward zero, as the frames that read an
+      // integer out of a control do, so that what is shown is what gets written (within the
+      // range of long long).
       constexpr double kLimit = 9.0e18;
-      const double rounded = std::round(std::fmax(-kLimit, std::fmin(kLimit, value)));
+      const double rounded = std::trunc(std::fmax(-kLimit, std::fmin(kLimit, value)));
       conversion += "lld";
       written = std::snprintf(buffer, sizeof buffer, conversion.c_str(),  // NOLINT: checked format
                               static_cast<long long>(rounded));

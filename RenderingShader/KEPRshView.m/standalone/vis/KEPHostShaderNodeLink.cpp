@@ -32,6 +32,7 @@ HRESULT KEPHostShaderNodeLink::GetShader(KEPIRshShader*& out) {
 KEP_DEFINE_TIE(KEPIRshShaderLink, KEPHostShaderNodeLink)
 
 void KEPRegisterShaderNodeLink() {
+  KEPExtensionRegistry::DeclareParent(KEPRshShaderLateType, KEPRmaShaderLateType);
   KEPExtensionRegistry::DeclareParent(KEPRshTextureShaderLateType, KEPRshShaderLateType);
   KEPExtensionRegistry::Register(
       {KEPRshShaderLateType, KEPIRshShaderLink::IID().name, KEPHostShaderNodeLink::ClassName(),

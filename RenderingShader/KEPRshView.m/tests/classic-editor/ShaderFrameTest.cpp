@@ -1,7 +1,12 @@
 // The shader frame: which shaders get rows, and what its connect, disconnect and edit actions do
 // to the model.
 #include "ClassicTestSupport.h"
+#include "KEPDlgLabel.h"
+#include "KEPDlgPushButton.h"
+#include "KEPMsgCatalog.h"
 #include "KEPRshModelEvents.h"
+#include "KEPRshParameterShaderFrame.h"
+#include "KEPVidTree.h"
 
 namespace keptest {
 namespace {
@@ -65,6 +70,36 @@ TEST_F(ShaderFrameTest, DisconnectIsOneAnnouncedModification) {
   KEPIRshShader* connected = nullptr;
   EXPECT_TRUE(FAILED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
   EXPECT_EQ(connected, nullptr);
+}
+
+TEST_F(ShaderFrameTest, ASlotRowNamesItsShaderAndPressingDisconnectResetsTheRow) {
+  KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
+  KEPHostShaderNode* bump = Aliased("bump", "Bump");
+  TheWorld().Connectable("KEPRmaVoid", {{"bump", "Bump map"}});
+  Connect(material, bump);
+  KEPRshShaderFrame* frame = Frame(material);
+  const auto* slotFrame =
+      dynamic_cast<KEPRshParameterShaderFrame*>(frame->FindNamedChild("parameterDialog1"));
+  ASSERT_NE(slotFrame, nullptr) << "a connection-only parameter has a row of its own";
+  EXPECT_EQ(slotFrame->GetLabel()->GetTitle().ToUTF8(), "Bump");
+  auto* button = dynamic_cast<KEPDlgPushButton*>(frame->FindNamedChild("parameterButton1"));
+  auto* disconnect = dynamic_cast<KEPDlgPushButton*>(frame->FindNamedChild("disconnectButton1"));
+  ASSERT_NE(button, nullptr);
+  ASSERT_NE(disconnect, nullptr);
+  EXPECT_EQ(button->GetIconName(), "I_RmaChild");
+  EXPECT_EQ(button->GetTitle().ToUTF8(), "Connected shader");
+  EXPECT_EQ(disconnect->GetVisibility(), KEPDlgShow);
+
+  std::string error;
+  ASSERT_EQ(KEPVidInject(frame, "disconnectButton1", KEPVidAction::Press, "", error), S_OK)
+      << error;
+  EXPECT_EQ(slotFrame->GetLabel()->GetTitle().ToUTF8(), "No Shader Connected");
+  EXPECT_EQ(button->GetIconName(), "I_RmaNewChild");
+  EXPECT_EQ(button->GetPressedIconName(), "I_RmaNewChildPressed");
+  EXPECT_EQ(button->GetTitle().ToUTF8(), "Connect a shader") << "the title goes with the icon";
+  EXPECT_EQ(button->GetHelp(), KEPMsgCatalog::BuildMessage("KEPRshShaderFrame", "connect.Help"));
+  EXPECT_EQ(disconnect->GetVisibility(), KEPDlgHide);
+  EXPECT_FALSE(disconnect->IsSensitive());
 }
 
 TEST_F(ShaderFrameTest, ConnectOpensNothingYetAndSaysSo) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FramesTestSupport.h"
+#include "KEPDlgLabel.h"
 #include "KEPDlgSpinner.h"
 #include "KEPRshParameterBooleanFrame.h"
 #include "KEPRshParameterColorFrame.h"
@@ -10,6 +11,7 @@
 #include "KEPRshParameterLightProfileFrame.h"
 #include "KEPRshParameterScalarDialog.h"
 #include "KEPRshParameterScalarFrame.h"
+#include "KEPRshParameterShaderFrame.h"
 #include "KEPRshParameterTextureFrame.h"
 #include "KEPRshParameterVectorFrame.h"
 #include "KEPRshSetOKNotif.h"
@@ -38,6 +40,7 @@ TEST_F(FrameBuildingTest, EachTypeBuildsItsFrameWithTheFrameStyleAndName) {
       {KEPHostValue::Vector({1, 2, 3}), "KEPRshParameterVectorFrame"},
       {KEPHostValue::Texture(nullptr), "KEPRshParameterTextureFrame"},
       {LightProfile(), "KEPRshParameterLightProfileFrame"},
+      {KEPHostValue::Void(), "KEPRshParameterShaderFrame"},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(r.frameClass);
@@ -66,13 +69,21 @@ TEST_F(FrameBuildingTest, MissingArgumentsOrParameterFailGenerically) {
   EXPECT_EQ(Root()->GetChildCount(), 0u);
 }
 
-TEST_F(FrameBuildingTest, ConnectionOnlyParameterBuildsNothing) {
-  KEPDialog* frame = Root();
-  EXPECT_EQ(KEPQueryVar<KEPIRshParameterDialog>(Param(KEPHostValue::Void()))
-                ->BuildFrame(Root(), "f", &frame),
-            E_NOTIMPL);
-  EXPECT_EQ(frame, Root());
-  EXPECT_EQ(Root()->GetChildCount(), 0u);
+TEST_F(FrameBuildingTest, ConnectionOnlyFrameNamesTheConnectedNodeAndFollowsIt) {
+  TheModel().Add(Type("tex"));
+  KEPHostShaderNode* decal = TheModel().Node("tex", "decal");
+  KEPHostParameter* slot = Param(KEPHostValue::Void());
+  auto* frame = Build<KEPRshParameterShaderFrame>(slot);
+  ASSERT_NE(frame, nullptr);
+  const auto shown = [frame] { return frame->GetLabel()->GetTitle().ToUTF8(); };
+  EXPECT_EQ(shown(), "No Shader Connected");
+  ASSERT_EQ(slot->SetConnectedShader(decal), S_OK);
+  EXPECT_EQ(shown(), "decal");
+  ASSERT_EQ(slot->SetConnectedShader(nullptr), S_OK);
+  EXPECT_EQ(shown(), "No Shader Connected");
+  // The frame goes first: later connections reach no observer of it.
+  Root()->DeleteChildren();
+  EXPECT_EQ(slot->SetConnectedShader(decal), S_OK);
 }
 
 TEST_F(FrameBuildingTest, FramesTraceTheirDestructionAtLevelTwo) {

@@ -56,6 +56,7 @@ class FrameTest : public Fixture {
     return world_->Param(world_->Node(type), "p");
   }
   KEPHostShaderDocument* Document() { return world_->Document(); }
+  World& TheModel() { return *world_; }
   /// Every node and parameter goes; the frames stay.
   void DropModel() { world_.reset(); }
 

@@ -1,15 +1,12 @@
 // The classic scalar frame: the control each widget kind builds, the unit table both ways, the
-// write under the render lock, the model notification after a successful write only, and a
-// parameter that outlives its node or has no place in the model.
-#include <future>
-#include <thread>
+// model notification after a successful write only, and a parameter that outlives its node or
+// has no place in the model (the render lock is RenderLockTest's).
 
 #include "FramesTestSupport.h"
 #include "KEPDlgSpinner.h"
 #include "KEPIRshShaderSupport.h"
 #include "KEPRbaScalarSlider.h"
 #include "KEPRbaScalarWheel.h"
-#include "KEPRdgRenderLock.h"
 #include "KEPRshParameterScalarFrame.h"
 #include "KEPRshScalarBlackbodySlider.h"
 
@@ -185,24 +182,6 @@ TEST_F(ScalarFrameTest, SuccessfulWriteAloneNotifiesTheOwnerOfTheShader) {
   p->SetValue(KEPHostValue::Color(1, 1, 1));  // a scalar write now fails
   Act(frame->GetSpinner(), KEPVidAction::Set, "3");
   EXPECT_EQ(log.sent.size(), 1u);
-}
-
-TEST_F(ScalarFrameTest, WriteWaitsForAReaderHoldingTheRenderLock) {
-  KEPHostParameter* p = Param(KEPHostValue::Scalar(1.0f));
-  auto* spinner = Build<KEPRshParameterScalarFrame>(p)->GetSpinner();
-  std::promise<void> locked;
-  std::promise<float> seenBeforeRelease;
-  std::thread reader([&] {
-    std::lock_guard<std::recursive_mutex> hold(KEPRdgRenderLock::Mutex());
-    locked.set_value();
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    seenBeforeRelease.set_value(p->Value().scalar);
-  });
-  locked.get_future().wait();
-  Act(spinner, KEPVidAction::Set, "7");  // blocks until the reader lets go
-  reader.join();
-  EXPECT_EQ(seenBeforeRelease.get_future().get(), 1.0f);
-  EXPECT_EQ(Scalar(p), 7.0f);
 }
 
 TEST_F(ScalarFrameTest, ParameterOutlivesItsNodeAndNoOwnerIsNotified) {

@@ -170,8 +170,8 @@ TEST_F(DlgControls, FormatsAreAppliedSafely) {
     const char* text;
   };
   const Case cases[] = {
-      {"%d", "3"},   // an integer conversion shows the nearest integer
-      {"%ld", "3"},  // a length modifier does not change the reading
+      {"%d", "2"},   // an integer conversion cuts toward zero, as frames reading an int do
+      {"%ld", "2"},  // a length modifier does not change the reading
       {"%5.1f", "  2.6"},  {"%.2f%%", "2.60%"},
       {"x=%g!", "x=2.6!"}, {"%s", "x=2.6!"},  // refused: the previous format stays
       {"%n", "x=2.6!"},    {"%f %f", "x=2.6!"},
