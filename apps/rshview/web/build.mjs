@@ -15,8 +15,11 @@ await copyFile(join(here, 'src', 'index.html'), join(dist, 'index.html'));
 // The widgets' icons are the module's own resources, served beside the page.
 const icons = join(here, '..', '..', '..', 'RenderingShader', 'KEPRshView.m', 'resources', 'icons');
 await mkdir(join(dist, 'assets', 'icons'), { recursive: true });
+const shipped = [];
 for (const name of await readdir(icons)) {
-  if (name.endsWith('.png')) await copyFile(join(icons, name), join(dist, 'assets', 'icons', name));
+  if (!name.endsWith('.png')) continue;
+  await copyFile(join(icons, name), join(dist, 'assets', 'icons', name));
+  shipped.push(name.slice(0, -4));
 }
 
 const options = {
@@ -29,6 +32,7 @@ const options = {
   minify: !watch,
   sourcemap: true,
   logLevel: 'warning',
+  define: { __RSHVIEW_ICONS__: JSON.stringify(shipped.sort()) },
 };
 if (watch) {
   const context = await esbuild.context(options);

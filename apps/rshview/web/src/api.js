@@ -35,6 +35,7 @@ export class Api {
     this.queue = [];
     this.sending = false;
     this.online = true;
+    this.waitingShown = 0;
     this.retryTimer = null;
   }
 
@@ -71,9 +72,11 @@ export class Api {
     }
   }
 
+  /** Tells of a change of state; while offline, also of every change of what waits. */
   setOnline(online) {
-    if (this.online === online) return;
+    if (this.online === online && (online || this.waitingShown === this.queue.length)) return;
     this.online = online;
+    this.waitingShown = this.queue.length;
     this.onOnline(online, this.queue.length);
   }
 

@@ -14,7 +14,23 @@ export function iconUrl(icon) {
   return `assets/icons/${encodeURIComponent(/\.\w+$/.test(base) ? base : `${base}.png`)}`;
 }
 
+// The icons the build copied beside the page (the bundler writes their names in); null where
+// the list is unknown (the unit tests), and then every icon is asked for.
+const SHIPPED = typeof __RSHVIEW_ICONS__ !== 'undefined' ? new Set(__RSHVIEW_ICONS__) : null;
+// Glyphs for the icons the classic frames name but no resource draws.
+const GLYPHS = { I_RmaParent: '↰', I_RmaChild: '↳', I_RmaNewChild: '+' };
+
+/** The icon's file name without folder and extension: 'I_RmaChild'. */
+export function iconName(icon) {
+  return String(icon).split(/[\\/]/).pop().replace(/\.\w+$/, '');
+}
+
 function icon(name) {
+  const base = iconName(name);
+  if (SHIPPED && !SHIPPED.has(base)) {
+    const glyph = GLYPHS[base.replace(/(Pressed|Focused)$/, '')];
+    return h('span', { class: glyph ? 'icon glyph' : 'icon missing', 'aria-hidden': 'true' }, glyph ?? '');
+  }
   const img = h('img', { class: 'icon', src: iconUrl(name), alt: '' });
   img.addEventListener('error', () => img.classList.add('missing'));
   return img;

@@ -4,6 +4,7 @@ import { Api, ApiError, NetworkError } from './api.js';
 import { h } from './dom.js';
 import { NodeList } from './nodes.js';
 import { Preview, loadTexture, sphereMaterial } from './preview.js';
+import { leadingNumber } from './controls.js';
 import { EditorView } from './view.js';
 import { describeWrite } from './values.js';
 
@@ -78,6 +79,14 @@ async function sendEvent(action, path, argument) {
     view.patch(answer.changed);
     noteRevision(answer.revision);
     const writes = answer.writes || [];
+    const own = view.element(path);
+    if (own && !(answer.changed || []).some((c) => path === c.path || path.startsWith(`${c.path}/`))) {
+      // The widget did not take what was typed (out of its range, not a number): it shows its
+      // state again and the person is told why.
+      const refused = writes.length === 0 && typedDiffers(own._w, action, argument);
+      view.update(own, own._w);
+      if (refused) showError(`${nodeLabel(node)}: '${argument}' was not taken${own._w.tooltip ? ` (${own._w.tooltip})` : ''}`);
+    }
     if (writes.length > 0) {
       setStatus(writes.map(describeWrite).join('; '));
       setSaved(false);
@@ -93,6 +102,17 @@ async function sendEvent(action, path, argument) {
       showError(e);
     }
   }
+}
+
+/** Whether a typed or set value differs from what the widget holds (so its refusal shows). */
+function typedDiffers(w, action, argument) {
+  if (action !== 'type' && action !== 'set') return false;
+  const typed = Number(argument);
+  const text = String(w?.state?.text ?? '');
+  if (!Number.isFinite(typed)) return text !== String(argument);
+  // A value is held in model units and may be shown in others: either one matching is no refusal.
+  const near = (held) => typeof held === 'number' && Math.abs(held - typed) <= 1e-6 * Math.max(1, Math.abs(held));
+  return !near(w?.state?.value) && !near(leadingNumber(text));
 }
 
 function noteRevision(revision) {
@@ -154,6 +174,7 @@ async function loadEditor({ keepScroll = true } = {}) {
     const top = pane.scrollTop;
     const focused = document.activeElement?.closest?.('[data-path]')?.dataset.path;
     view.load(answer.editor);
+    showIfEmpty(pane, kind, id);
     if (keepScroll) pane.scrollTop = top;
     if (focused !== undefined && pane.contains(document.activeElement) === false && keepScroll) view.focusPath(focused);
     noteRevision(answer.revision);
@@ -164,6 +185,14 @@ async function loadEditor({ keepScroll = true } = {}) {
   } catch (e) {
     if (ticket === app.editorRequest) showError(e);
   }
+}
+
+/** A note in place of an editor that has nothing a person could see or use. */
+function showIfEmpty(pane, kind, id) {
+  const usable = pane.querySelectorAll('input, select, button, [role="slider"], .label');
+  const seen = (el) => el.offsetParent !== null && getComputedStyle(el).visibility !== 'hidden';
+  if ([...usable].some(seen)) return;
+  pane.append(h('p', { class: 'editor-empty' }, `The ${kind} editor of ${nodeLabel(id)} shows no parameters.`));
 }
 
 async function refreshMaterial() {

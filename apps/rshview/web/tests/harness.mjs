@@ -88,6 +88,10 @@ export async function openPage(browser, url, { hash = '' } = {}) {
   page.consoleErrors = [];
   page.on('console', (m) => { if (m.type() === 'error') page.consoleErrors.push(m.text()); });
   page.on('pageerror', (e) => page.consoleErrors.push(String(e)));
+  page.failedRequests = [];
+  page.on('response', (r) => {
+    if (r.status() >= 400 && !new URL(r.url()).pathname.startsWith('/api/')) page.failedRequests.push(`${r.status()} ${r.url()}`);
+  });
   await page.goto(url + hash);
   await page.waitForSelector('body[data-ready="true"]', { timeout: 20000 });
   return page;
