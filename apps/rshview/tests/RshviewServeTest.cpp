@@ -194,6 +194,15 @@ TEST(RshviewServe, EditorIsTheDumpTreeAndEventsReportWritesAndChangedWidgets) {
   EXPECT_EQ(editor["editorKind"], "immersive");
   EXPECT_EQ(editor["revision"], 0);
   EXPECT_EQ(editor["editor"], Json::parse(dump.out)["editor"]);
+  // A browser accepts compressed answers; the server sends them as they are (compressing a large
+  // tree at the library's quality took seconds), and the page's script likewise.
+  for (const char* path : {"/api/nodes/red_paint/editor", "/api/document"}) {
+    auto plain = server.Client().Get(path, {{"Accept-Encoding", "gzip, deflate, br"}});
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->status, 200);
+    EXPECT_FALSE(plain->has_header("Content-Encoding")) << path;
+    EXPECT_EQ(plain->get_header_value("Content-Type"), "application/json; charset=utf-8");
+  }
 
   auto moved = server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"),
                            {{"X-Rshview-Client", "tab-1"}});
@@ -432,10 +441,11 @@ TEST(RshviewServe, StaticFilesStayInsideTheFrontEndFolder) {
   ASSERT_TRUE(index);
   EXPECT_EQ(index->status, 200);
   EXPECT_EQ(index->body, "<html>front-end</html>");
-  auto script = server.Client().Get("/assets/app.js");
+  auto script = server.Client().Get("/assets/app.js", {{"Accept-Encoding", "br, gzip"}});
   ASSERT_TRUE(script);
   EXPECT_EQ(script->status, 200);
-  EXPECT_EQ(script->get_header_value("Content-Type"), "text/javascript; charset=utf-8");
+  EXPECT_EQ(script->get_header_value("Content-Type"), "application/javascript; charset=utf-8");
+  EXPECT_FALSE(script->has_header("Content-Encoding"));
 
   const std::string host = "Host: " + server.Address() + "\r\n\r\n";
   for (const char* path : {"/../secret.txt", "/assets/../../secret.txt", "/%2e%2e/secret.txt",

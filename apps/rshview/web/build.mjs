@@ -29,7 +29,7 @@ const options = {
   bundle: true,
   format: 'esm',
   target: ['chrome110', 'firefox115', 'safari16'],
-  minify: !watch,
+  minify: !watch && !process.argv.includes('--dev'),
   sourcemap: true,
   logLevel: 'warning',
   define: { __RSHVIEW_ICONS__: JSON.stringify(shipped.sort()) },

@@ -80,7 +80,7 @@ bool RshviewHttpServer::Start(std::string& error) {
         return httplib::Server::HandlerResponse::Handled;
       }));
   server_->set_exception_handler(
-      [](const httplib::Request&, httplib::Response& response, std::exception_ptr failure) {
+      [](const httplib::Request&, httplib::Response& response, const std::exception_ptr& failure) {
         std::string detail = "unknown failure";
         try {
           if (failure) std::rethrow_exception(failure);
@@ -244,7 +244,7 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
     if (!RshviewEditorKindValid(kind))
       return RshviewReply::Error(400, "bad request",
                                  "editor must be immersive or classic, not '" + kind + "'");
-    if (restricted != "" && restricted != "0" && restricted != "1")
+    if (!restricted.empty() && restricted != "0" && restricted != "1")
       return RshviewReply::Error(400, "bad request",
                                  "restricted must be 0 or 1, not '" + restricted + "'");
     if (restricted == "1" && kind == "classic")

@@ -31,7 +31,7 @@ struct RshviewServerOptions {
 class RshviewHttpServer {
  public:
   /// The largest request body.
-  static constexpr std::size_t kMaxBody = 64 * 1024;
+  static constexpr std::size_t kMaxBody = std::size_t{64} * 1024;
 
   RshviewHttpServer(RshviewServeSession& session, RshviewUiQueue& queue, RshviewEventStream& events,
                     const RshviewStaticFiles& statics, RshviewServerOptions options);

@@ -5,7 +5,7 @@ std::string RshviewJsonText(const nlohmann::ordered_json& json) {
 }
 
 RshviewReply RshviewReply::Json(const nlohmann::ordered_json& json, int status) {
-  return RshviewReply{status, RshviewJsonText(json), "application/json"};
+  return RshviewReply{status, RshviewJsonText(json), kRshviewJsonType};
 }
 
 RshviewReply RshviewReply::Error(int status, const std::string& error,

@@ -177,7 +177,7 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
   text += ",\"editor\":" + tree->Text() + "}";
   open->snapshot = std::move(tree);
   open->snapshotStamp = stamp_;
-  return RshviewReply{200, std::move(text), "application/json"};
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 
 RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEditorEvent& event,
@@ -211,7 +211,7 @@ RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEdit
   writes_ = Json::array();
   open->snapshot = std::move(after);
   open->snapshotStamp = stamp_;
-  return RshviewReply{200, std::move(text), "application/json"};
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 
 RshviewReply RshviewServeSession::Material(const std::string& id) {
@@ -279,9 +279,11 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
       persist = value.get<bool>();
       continue;
     }
-    if (!current.contains(key))
-      return RshviewReply::Error(400, "bad request",
-                                 "unknown key '" + key + "' (keys: " + keys + ")");
+    if (!current.contains(key)) {
+      std::string message = "unknown key '";
+      message.append(key).append("' (keys: ").append(keys).append(")");
+      return RshviewReply::Error(400, "bad request", message);
+    }
     if (!value.is_string())
       return RshviewReply::Error(400, "bad request", "'" + key + "' must be a unit's name");
     list += (list.empty() ? "" : ",") + key + "=" + value.get<std::string>();

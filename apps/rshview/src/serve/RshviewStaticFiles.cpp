@@ -67,11 +67,12 @@ RshviewReply RshviewStaticFiles::Get(const std::string& path) const {
 std::string RshviewStaticFiles::ContentType(const std::string& name) {
   static const std::pair<const char*, const char*> kTypes[] = {
       {".html", "text/html; charset=utf-8"},
-      {".js", "text/javascript; charset=utf-8"},
-      {".mjs", "text/javascript; charset=utf-8"},
+      // Not text/javascript, which the HTTP library would compress (see kRshviewJsonType).
+      {".js", "application/javascript; charset=utf-8"},
+      {".mjs", "application/javascript; charset=utf-8"},
       {".css", "text/css; charset=utf-8"},
-      {".json", "application/json"},
-      {".map", "application/json"},
+      {".json", kRshviewJsonType},
+      {".map", kRshviewJsonType},
       {".svg", "image/svg+xml"},
       {".png", "image/png"},
       {".jpg", "image/jpeg"},

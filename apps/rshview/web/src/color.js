@@ -99,9 +99,18 @@ export const colorPicker = {
     const state = { hsv: [0, 0, 0], alpha: 1 };
     el._state = state;
 
+    // The square and the palettes are drawn only while the picker shows (in an open popup):
+    // an editor holds a closed picker per colour, and drawing them all would slow its first draw.
+    const shows = () => {
+      const popup = el.closest('.popup');
+      return el.isConnected && (!popup || popup.classList.contains('open'));
+    };
     const showLocal = () => {
       const rgb = hsvToRgb(...state.hsv);
-      drawSquare(square, state.hsv[0]);
+      if (shows() && square._hue !== state.hsv[0]) {
+        drawSquare(square, state.hsv[0]);
+        square._hue = state.hsv[0];
+      }
       squareMark.style.left = `${state.hsv[1] * 100}%`;
       squareMark.style.top = `${(1 - state.hsv[2]) * 100}%`;
       hueMark.style.left = `${state.hsv[0] * 100}%`;
@@ -157,7 +166,8 @@ export const colorPicker = {
       }));
     };
     el._palettes = () => {
-      const modes = w.state?.modes || [];
+      if (!shows()) return;
+      const modes = el._w?.state?.modes || w.state?.modes || [];
       palette.hidden = !modes.includes('ColorPaletteSimpleColors');
       recent.hidden = !modes.includes('ColorHistory') || history.length === 0;
       swatches(palette, PALETTE);

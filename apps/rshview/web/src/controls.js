@@ -472,7 +472,15 @@ const popup = {
     el.classList.toggle('open', open);
     el._anchorName = s.anchor || '';
     if (open) {
-      requestAnimationFrame(() => placePopup(el));
+      requestAnimationFrame(() => {
+        // What draws only while shown (a colour picker's square) draws now, then the popup,
+        // at its full size, is placed.
+        for (const picker of el.querySelectorAll('.picker')) {
+          picker._showLocal?.();
+          picker._palettes?.();
+        }
+        placePopup(el);
+      });
       el._outside ??= (e) => {
         if (!el.isConnected) return document.removeEventListener('pointerdown', el._outside, true);
         if (!el.classList.contains('open') || !(el._w.state?.options?.[1] ?? 1)) return;

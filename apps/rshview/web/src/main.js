@@ -5,7 +5,7 @@ import { h } from './dom.js';
 import { NodeList } from './nodes.js';
 import { Preview, loadTexture, sphereMaterial } from './preview.js';
 import { leadingNumber } from './controls.js';
-import { EditorView } from './view.js';
+import { EditorView, showsSomething } from './view.js';
 import { describeWrite } from './values.js';
 
 const $ = (id) => document.getElementById(id);
@@ -174,7 +174,7 @@ async function loadEditor({ keepScroll = true } = {}) {
     const top = pane.scrollTop;
     const focused = document.activeElement?.closest?.('[data-path]')?.dataset.path;
     view.load(answer.editor);
-    showIfEmpty(pane, kind, id);
+    showIfEmpty(pane, kind, id, answer.editor);
     if (keepScroll) pane.scrollTop = top;
     if (focused !== undefined && pane.contains(document.activeElement) === false && keepScroll) view.focusPath(focused);
     noteRevision(answer.revision);
@@ -188,10 +188,8 @@ async function loadEditor({ keepScroll = true } = {}) {
 }
 
 /** A note in place of an editor that has nothing a person could see or use. */
-function showIfEmpty(pane, kind, id) {
-  const usable = pane.querySelectorAll('input, select, button, [role="slider"], .label');
-  const seen = (el) => el.offsetParent !== null && getComputedStyle(el).visibility !== 'hidden';
-  if ([...usable].some(seen)) return;
+function showIfEmpty(pane, kind, id, tree) {
+  if (showsSomething(tree)) return;
   pane.append(h('p', { class: 'editor-empty' }, `The ${kind} editor of ${nodeLabel(id)} shows no parameters.`));
 }
 

@@ -3,7 +3,7 @@
 // A patch updates the elements in place while a subtree keeps its shape, and rebuilds it only
 // when its children changed; focus is given back to the widget that had it.
 
-import { layoutGrid, rendererFor } from './controls.js';
+import { isContainer, layoutGrid, rendererFor } from './controls.js';
 
 /** CSS self-alignment for a cell's attached sides: both sides stretch, one side holds to it. */
 export function alignment(attach, first, second) {
@@ -49,6 +49,14 @@ function applyCommon(el, w) {
     const [r, g, b, a = 255] = w.background;
     el.style.backgroundColor = `rgba(${r}, ${g}, ${b}, ${(a / 255) * 0.25})`;
   }
+}
+
+/** Whether a widget tree shows a person anything but empty layouts (read from the tree). */
+export function showsSomething(w) {
+  if (!w || w.visible === false) return false;
+  const children = w.children || [];
+  if (children.length === 0) return !isContainer(w);
+  return children.some(showsSomething);
 }
 
 /**
@@ -140,6 +148,17 @@ function installTooltips(root) {
   root.addEventListener('keydown', (e) => { if (e.key === 'Escape' && !tip.hidden) hide(); });
 }
 
+/** The nearest element that scrolls `el` (null: the window). */
+function scrollerOf(el) {
+  for (let e = el; e; e = e.parentElement) {
+    if (/(auto|scroll)/.test(getComputedStyle(e).overflowY)) return e;
+  }
+  return null;
+}
+
+/** How many widgets an editor draws at once; groups beyond are drawn as they scroll near. */
+export const EAGER_WIDGETS = 800;
+
 export class EditorView {
   constructor(root, ctx) {
     this.root = root;
@@ -153,10 +172,47 @@ export class EditorView {
   /** Draws a whole tree, replacing what was shown. */
   load(tree) {
     this.byPath.clear();
+    this.observer?.disconnect();
+    this.deferred = new Set();
+    this.budget = EAGER_WIDGETS;
     this.tree = tree;
     const el = this.build(tree);
+    this.budget = Infinity; // what a patch rebuilds is drawn whole
     this.root.replaceChildren(el);
+    if (this.deferred.size > 0) this.watchDeferred();
     this.applyFilter();
+  }
+
+  /** Count of widgets in a subtree. */
+  static size(w) {
+    return 1 + (w.children || []).reduce((n, c) => n + EditorView.size(c), 0);
+  }
+
+  /** Fills the deferred groups as they come near the editor's visible part. */
+  watchDeferred() {
+    this.observer = new IntersectionObserver((entries) => {
+      for (const entry of entries) if (entry.isIntersecting) this.fill(entry.target);
+    }, { root: scrollerOf(this.root), rootMargin: '600px 0px' });
+    for (const el of this.deferred) this.observer.observe(el);
+  }
+
+  /** Builds the children of a group whose drawing was put off. */
+  fill(el) {
+    if (!this.deferred?.has(el)) return;
+    this.deferred.delete(el);
+    this.observer?.unobserve(el);
+    const host = el._childHost;
+    host.classList.remove('deferred');
+    host.style.minHeight = '';
+    const children = el._w.children || [];
+    for (const child of children) host.append(this.build(child));
+    if (host.classList.contains('grid')) layoutGrid(host, children);
+    this.applyFilter();
+  }
+
+  /** Builds every group still put off (a filter or a focus needs the whole editor). */
+  fillAll() {
+    for (const el of [...(this.deferred || [])]) if (el.isConnected) this.fill(el);
   }
 
   build(w) {
@@ -173,8 +229,17 @@ export class EditorView {
     }
     applyCommon(el, w);
     renderer.update?.(el, w, this.ctx);
+    this.budget -= 1;
     const host = el._childHost || el;
     const children = w.children || [];
+    if (el.classList.contains('expander') && this.budget <= 0 && children.length > 0) {
+      // A large editor draws its first screens at once and the rest of its groups as they
+      // scroll near: a placeholder of about their height stands for them meanwhile.
+      this.deferred.add(el);
+      host.classList.add('deferred');
+      host.style.minHeight = `${Math.min(EditorView.size(w) * 4, 4000)}px`;
+      return el;
+    }
     for (const child of children) host.append(this.build(child));
     if (host.classList.contains('grid')) {
       layoutGrid(host, children);
@@ -194,6 +259,11 @@ export class EditorView {
     el._w = w;
     applyCommon(el, w);
     el._renderer.update?.(el, w, this.ctx);
+    if (this.deferred?.has(el)) {
+      // Built from el._w when it comes near, or now when it was just opened.
+      if (el.classList.contains('open')) this.fill(el);
+      return el;
+    }
     const host = el._childHost || el;
     const elements = [...host.children].filter((c) => c._w);
     (w.children || []).forEach((child, i) => this.update(elements[i], child));
@@ -207,6 +277,9 @@ export class EditorView {
   forget(el) {
     if (el.dataset?.path !== undefined) this.byPath.delete(el.dataset.path);
     for (const c of el.querySelectorAll('[data-path]')) this.byPath.delete(c.dataset.path);
+    for (const d of [el, ...el.querySelectorAll('.expander')]) {
+      if (this.deferred?.delete(d)) this.observer?.unobserve(d);
+    }
   }
 
   /** Patches the changed widgets of an event's answer: [{path, widget}]. */
@@ -247,6 +320,7 @@ export class EditorView {
 
   focusPath(path) {
     if (path === undefined || path === null) return;
+    if (!this.byPath.has(path)) this.fillAll();
     const el = this.byPath.get(path);
     if (!el) return;
     const target = el.matches('input, select, button, [tabindex]') ? el : el.querySelector('input, select, button, [tabindex]');
@@ -256,6 +330,7 @@ export class EditorView {
   /** Hides the parameter rows whose label does not contain the text (case-insensitive). */
   filter(text) {
     this.filterText = text.trim().toLowerCase();
+    if (this.filterText) this.fillAll();
     this.applyFilter();
   }
 

@@ -8,12 +8,12 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { describe, test } from 'node:test';
 import { fromHex, hsvToRgb, rgbToHsv, toHex } from '../src/color.js';
-import { formatNumber, leadingNumber } from '../src/controls.js';
+import { formatNumber, iconName, leadingNumber } from '../src/controls.js';
 import { nodeForest } from '../src/nodes.js';
 import { renderSphere, sphereMaterial } from '../src/preview.js';
 import { scrubStep } from '../src/scrub.js';
 import { describeWrite } from '../src/values.js';
-import { alignment } from '../src/view.js';
+import { alignment, showsSomething } from '../src/view.js';
 import { decodePng, differingPixels, repo, rshviewBinary } from './harness.mjs';
 
 describe('number texts', () => {
@@ -47,6 +47,26 @@ describe('colours', () => {
 test('cell attachments become CSS self-alignment', () => {
   const cases = [[['left', 'right'], 'stretch'], [['left'], 'start'], [['right'], 'end'], [[], 'center'], [['top'], 'center']];
   for (const [attach, want] of cases) assert.equal(alignment(attach, 'left', 'right'), want, attach.join());
+});
+
+describe('what an editor shows', () => {
+  const grid = (children, extra = {}) => ({ class: 'KEPVidLayGrid', state: { rows: 1 }, children, ...extra });
+  const frame = (children) => ({ class: 'KEPRshShaderFrame', state: { tabulations: [] }, children });
+  const leaf = (extra = {}) => ({ class: 'KEPDlgPushButton', state: { title: 'x' }, ...extra });
+  test('an editor of empty layouts and hidden widgets shows nothing; one visible control is enough', () => {
+    const cases = [
+      ['empty frame', grid([leaf({ visible: false }), grid([frame([])])]), false],
+      ['nothing at all', null, false],
+      ['a control deep down', grid([grid([frame([leaf()])])]), true],
+      ['a control under a hidden layout', grid([grid([leaf()], { visible: false })]), false],
+      ['a class nobody knows, without children', grid([{ class: 'Mystery', state: {} }]), true],
+    ];
+    for (const [name, tree, want] of cases) assert.equal(showsSomething(tree), want, name);
+  });
+  test('an icon is named by its file name without folder or extension', () => {
+    const cases = [['I_RmaChild', 'I_RmaChild'], ['icons/I_RmaConnect.png', 'I_RmaConnect'], ['C:\\x\\a.b.png', 'a.b']];
+    for (const [text, want] of cases) assert.equal(iconName(text), want, text);
+  });
 });
 
 test('the node forest nests sub-shaders under their parents and keeps document order', () => {
