@@ -12,6 +12,7 @@
 
 #include <string>
 
+#include "BenchMixedNode.h"
 #include "KEPHostConfiguration.h"
 #include "KEPHostContext.h"
 #include "KEPHostShaderDocument.h"
@@ -23,93 +24,37 @@
 
 namespace {
 
-constexpr int kGroups = 32;
+using bench::kGroups;
 
 enum class Mix { Scalars, Mixed };
-
-/// Configures parameter `name` of kind `slot` (0..9) of the mixed node and returns its value.
-KEPHostValue MixedParameter(const std::string& id, const std::string& name, int slot) {
-  const auto set = [&](const char* key, const std::string& value) {
-    KEPHostConfiguration::SetValue(id, name + key, value);
-  };
-  switch (slot) {
-    case 0:
-      set(".Min", "0");
-      set(".Max", "10");
-      set(".Step", "0.01");
-      set(".Widget", "slider");
-      return KEPHostValue::Scalar(0.5f);
-    case 1:
-      set(".Min", "0");
-      set(".Max", "2");
-      set(".Widget", "combo");
-      set(".Enum0", "Draft");
-      set(".Enum1", "Medium");
-      set(".Enum2", "High");
-      set(".ComboConfiguration", "0:Draft;1:Medium;2:High");
-      return KEPHostValue::Integer(1);
-    case 2:
-      set(".Min", "1");
-      set(".Max", "64");
-      set(".Widget", "spinner");
-      return KEPHostValue::Integer(8);
-    case 3:
-      return KEPHostValue::Boolean(true);
-    case 4:
-      set(".Widget", "color");
-      return KEPHostValue::Color(0.8f, 0.4f, 0.2f);
-    case 5:
-      set(".Widget", "scalar-spinner");
-      set(".Min", "0");
-      set(".Max", "1");
-      set(".Step", "0.01");
-      return KEPHostValue::Color(0.5f, 0.5f, 0.5f);
-    case 6:
-      set(".Widget", "sliderx3");
-      set(".Min", "-1000");
-      set(".Max", "1000");
-      set(".Unit", "cm");
-      return KEPHostValue::Vector({10.0f, 20.0f, 30.0f});
-    case 7:
-      return KEPHostValue::Vector({1.0f, 0.0f, 0.0f});
-    case 8:
-      return KEPHostValue::Texture(nullptr);
-    default:
-      return KEPHostValue::Void();
-  }
-}
 
 /// A host session with one node of `count` parameters spread over 32 groups.
 struct Scene {
   explicit Scene(int count, Mix mix = Mix::Scalars) {
     KEPRshViewRegister();
-    const std::string id = mix == Mix::Scalars ? "bench_scalars" : "bench_mixed";
-    KEPHostConfiguration::SetValue(id, "GroupCount", std::to_string(kGroups));
-    KEPHostConfiguration::SetValue(id, "GlobalShaderSortingOrder.Status", "yes");
-    for (int g = 0; g < kGroups; ++g) {
-      const std::string key = "Group" + std::to_string(g);
-      KEPHostConfiguration::SetValue(id, key + ".Name", "Group " + std::to_string(g));
-      KEPHostConfiguration::SetValue(id, key + ".Order", std::to_string(kGroups - g));
-      KEPHostConfiguration::SetValue(id, key + ".CollapsedByDefault", "no");
-    }
     KEPHostShaderTypeDefinition type;
-    type.name = id;
-    for (int i = 0; i < count; ++i) {
-      const std::string name = "p" + std::to_string(i);
-      KEPHostConfiguration::SetValue(id, name + ".Group", "Group" + std::to_string(i % kGroups));
-      KEPHostConfiguration::SetValue(id, name + ".SortingOrder", std::to_string(count - i));
-      if (mix == Mix::Mixed) {
-        type.parameters.push_back({name, MixedParameter(id, name, i % 10), {}});
-        continue;
-      }
-      type.parameters.push_back({name, KEPHostValue::Scalar(0.5f), {}});
-      KEPHostConfiguration::SetValue(id, name + ".Min", "0");
-      KEPHostConfiguration::SetValue(id, name + ".Max", "10");
-      KEPHostConfiguration::SetValue(id, name + ".Step", "0.01");
-      KEPHostConfiguration::SetValue(id, name + ".Widget", "slider");
-      if (i % 10 == 0) {
-        KEPHostConfiguration::SetValue(id, name + ".Unit", "mm");
-        KEPHostConfiguration::SetValue(id, name + ".Magnitude", "length");
+    if (mix == Mix::Mixed) {
+      type = bench::MixedType("bench_mixed", count);
+    } else {
+      const std::string id = "bench_scalars";
+      bench::ConfigureGroups(id);
+      type.name = id;
+      for (int i = 0; i < count; ++i) {
+        const std::string name = "p" + std::to_string(i);
+        const auto set = [&](const std::string& key, const std::string& value) {
+          KEPHostConfiguration::SetValue(id, name + key, value);
+        };
+        set(".Group", "Group" + std::to_string(i % kGroups));
+        set(".SortingOrder", std::to_string(count - i));
+        type.parameters.push_back({name, KEPHostValue::Scalar(0.5f), {}});
+        set(".Min", "0");
+        set(".Max", "10");
+        set(".Step", "0.01");
+        set(".Widget", "slider");
+        if (i % 10 == 0) {
+          set(".Unit", "mm");
+          set(".Magnitude", "length");
+        }
       }
     }
     KEPICkeMagnitude* length = KEPParmDictionary::FindMagnitude(KEPParmDictionary::LengthType);

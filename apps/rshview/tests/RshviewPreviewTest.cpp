@@ -152,6 +152,101 @@ TEST(RshviewClassicEditor, DriveRunsOnTheClassicTree) {
   EXPECT_NE(run.err.find(script + ":2: "), std::string::npos) << run.err;
 }
 
+TEST(RshviewClassicEditor, EveryKindOfParameterIsEditedAsAPersonWouldAndSurvivesAReload) {
+  // The floor's scalars (slider, spin box, a length in centimetres), boolean, integers, vector
+  // and colour; its texture node, reached through the edit item of the connected slot, with an
+  // image and a layer; then the light's colour temperature, length slider, vector sliders one by
+  // one and profile, on the document the first run saved.
+  Scratch scratch;
+  const std::string floor = scratch.Path("floor.txt"), light = scratch.Path("light.txt");
+  std::ofstream(floor) << "set parameterDialog2/scalarSlider 0.25\n"
+                          "set parameterDialog10/scalarSpinner 1.8\n"
+                          "# cutout_thickness is shown in centimetres: 0.5 cm is 5 mm\n"
+                          "set parameterDialog11/scalarSpinner 0.5\n"
+                          "toggle parameterDialog8/booleanCheck off\n"
+                          "set parameterDialog7/integerSlider 40\n"
+                          "select parameterDialog15/integerCombo Cubical\n"
+                          "set parameterDialog12/ySpinner 0.5\n"
+                          "set parameterDialog1/greenSpinner 0.6\n"
+                          "press parameterButton14/connectionMenu14/editItem\n"
+                          "choose parameterDialog1/textureSelector "
+                          "image=../startup/textures/tiles.png groups=Stripes dpi=300\n"
+                          "select parameterDialog1/svgLayersSelector Layers\n"
+                          "press parentButton\n";
+  std::ofstream(light) << "set parameterDialog2/scalarBlackbodySliderBlackbodySlider 4500\n"
+                          "set parameterDialog4/scalarSlider 2.5\n"
+                          "set parameterDialog5/scalarSlider 50\n"
+                          "set parameterDialog5/scalarSlider[1] 20\n"
+                          "set parameterDialog5/scalarSlider[2] 70\n"
+                          "type parameterDialog6/lightProfileEditor profiles/wide.ies\n";
+  const std::string first = scratch.Path("first.rshdoc.json"),
+                    second = scratch.Path("second.rshdoc.json");
+  const std::string library = std::string(RSHVIEW_TEST_SAMPLES) + "/library";
+  const Outcome floorRun =
+      Rshview({"drive", "--editor", "classic", "--node", "floor", floor, "--save", first});
+  ASSERT_EQ(floorRun.code, 0) << floorRun.err;
+  for (const char* write :
+       {"1: floor.diffuse_weight: 1.0 -> 0.25\n", "2: floor.refr_ior: 1.4 -> 1.8\n",
+        "4: floor.cutout_thickness: 0.8 -> 5.0\n", "5: floor.brdf_fresnel: true -> false\n",
+        "6: floor.refl_gloss_samples: 16 -> 40\n", "7: floor._uv_mapping: 0 -> 3\n",
+        "8: floor.anisotropy_direction: [0.0,1.0,0.0] -> [0.0,0.5,0.0]\n",
+        "9: floor.diffuse: [0.42,0.4,0.37,1.0] -> [0.42,0.6,0.37,1.0]\n",
+        "11: floor.tiles.texture: {\"image\":\"../startup/textures/checker.png\"} -> "
+        "{\"image\":\"../startup/textures/tiles.png\",\"dpi\":300.0,\"groups\":[\"Stripes\"]}\n",
+        "12: floor.tiles.texture: {\"image\":\"../startup/textures/tiles.png\",\"dpi\":300.0,"
+        "\"groups\":[\"Stripes\"]} -> {\"image\":\"../startup/textures/tiles.png\",\"dpi\":300.0,"
+        "\"groups\":[\"Layers\"]}\n"})
+    EXPECT_NE(floorRun.out.find(write), std::string::npos) << write << floorRun.out;
+
+  const Outcome lightRun = Rshview({"drive", "--editor", "classic", "--doc", first, "--library",
+                                    library, "--node", "key_light", light, "--save", second});
+  ASSERT_EQ(lightRun.code, 0) << lightRun.err;
+  // The vector's sliders write what they hold, in metres: the frame's rule for lengths.
+  for (const char* write :
+       {"1: key_light.temperature: 5200.0 -> 4500.0\n", "2: key_light.radius: 10.0 -> 25.0\n",
+        "3: key_light.position: [1500.0,-800.0,2600.0,1.0] -> [0.5,0.0,1.0,0.0]\n",
+        "4: key_light.position: [0.5,0.0,1.0,0.0] -> [0.5,0.2,1.0,0.0]\n",
+        "5: key_light.position: [0.5,0.2,1.0,0.0] -> [0.5,0.2,0.7,0.0]\n",
+        "6: key_light.profile: null -> \"profiles/wide.ies\"\n"})
+    EXPECT_NE(lightRun.out.find(write), std::string::npos) << write << lightRun.out;
+
+  const auto reloaded = [&](const char* node) {
+    const Outcome dump = Rshview(
+        {"dump", "--editor", "classic", "--doc", second, "--library", library, "--node", node});
+    EXPECT_EQ(dump.code, 0) << dump.err;
+    return dump.out;
+  };
+  const std::string floorDump = reloaded("floor"), tiles = reloaded("floor.tiles"),
+                    lamp = reloaded("key_light");
+  for (const char* shown :
+       {"value=0.25 text=0.25", "value=1.8 text=1.80", "text=\"0.50 cm\"",
+        "parameterDialog8 [7,2] style=786432 attachment=90\n        KEPDlgCheckButton booleanCheck "
+        "[0,0] style=0 checked=false",
+        "value=40 text=40", "selected=3", "value=0.5 text=0.5000", "value=0.6 text=0.600",
+        "connectedShader [0,0] style=0 title=\"Floor tiles\""})
+    EXPECT_NE(floorDump.find(shown), std::string::npos) << shown;
+  EXPECT_NE(tiles.find("tiles.png groups=[Layers] dpi=300"), std::string::npos) << tiles;
+  EXPECT_NE(tiles.find("lines=[Layers] selected=0"), std::string::npos) << tiles;
+  for (const char* shown :
+       {"value=4500 text=4500.00", "text=\"2.50 cm\"", "text=\"0.02 cm\"", "profiles/wide.ies"})
+    EXPECT_NE(lamp.find(shown), std::string::npos) << shown;
+}
+
+TEST(RshviewClassicEditor, DumpReadsRowByRowForEveryNode) {
+  for (const char* node : {"red_paint", "red_paint.decal", "floor", "floor.tiles", "plaster_wall",
+                           "plaster_wall.bump", "plaster_wall.plaster", "window", "key_light"}) {
+    const Outcome dump = Rshview({"dump", "--editor", "classic", "--node", node});
+    ASSERT_EQ(dump.code, 0) << node << ": " << dump.err;
+    // A row reads label, blank, frame, as a person sees it; numbers read as they were given.
+    const std::size_t label = dump.out.find("parameterLabel1 "),
+                      frame = dump.out.find("parameterDialog1 ");
+    if (frame != std::string::npos) {
+      EXPECT_LT(label, frame) << node;
+    }
+    EXPECT_EQ(dump.out.find("0.00999999"), std::string::npos) << node;
+  }
+}
+
 TEST(RshviewClassicEditor, EditorOptionIsChecked) {
   EXPECT_EQ(Rshview({"dump", "--editor", "modern"}).code, 2);
   EXPECT_EQ(Rshview({"dump", "--editor", "classic", "--restricted"}).code, 2);

@@ -1,5 +1,6 @@
 #include "KEPRshShaderFrame.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <map>
@@ -112,10 +113,20 @@ KEPRshShaderFrame::KEPRshShaderFrame(KEPDialog* parent, const KEPString& name, i
   shader->AddRef();
   shader_ = KEP_var<KEPIRshShader>::Adopt(shader);
   Build();
+  if (std::any_of(parameterButtons_.begin(), parameterButtons_.end(),
+                  [](const KEPDlgPushButton* button) { return button != nullptr; })) {
+    // Connections made or undone elsewhere (another editor, the model) show on the row buttons.
+    // The destructor removes the observer, so it never reaches a frame that is gone.
+    observer_ = KEPRshModelEvents::AddParameterObserver(
+        [this](KEPIRshParameter* changed, KEPRshParameterChangeKind kind) {
+          if (kind == KEPRshParameterChangeKind::Connection) OnConnectionChanged(changed);
+        });
+  }
 }
 
 KEPRshShaderFrame::~KEPRshShaderFrame() {
   KEPModuleTrace::Trace(2, "(KEPRshShaderFrame::~KEPRshShaderFrame) Destructor\n");
+  if (observer_) KEPRshModelEvents::RemoveObserver(observer_);
   DetachShader();
   KEPModuleTrace::Trace(2, "(KEPRshShaderFrame::~KEPRshShaderFrame) Done\n");
 }
@@ -167,16 +178,23 @@ bool KEPRshShaderFrame::AddRow(int i, KEPIRshParameter* parameter, int row, cons
     label = KEPUnicodeString::FromUTF8(name);
   }
 
+  // The labels are made first so that a row reads label, blank, frame in the tree as on the
+  // screen; they go again when the parameter builds no frame.
+  auto* title = new KEPDlgLabel(this, PositionName("parameterLabel", i));
+  auto* blank = new KEPDlgLabel(this, PositionName("blankLabel", i));
   KEPDialog* frame = nullptr;
-  if (FAILED(behaviour->BuildFrame(this, PositionName("parameterDialog", i), &frame)) || !frame)
+  if (FAILED(behaviour->BuildFrame(this, PositionName("parameterDialog", i), &frame)) || !frame) {
+    for (KEPDlgLabel* made : {title, blank}) {
+      made->SetFather(nullptr);  // the reference comes back to us
+      made->Release();
+    }
     return false;
+  }
   const auto slot = static_cast<std::size_t>(i - 1);
   parameterFrames_[slot] = frame;
 
-  auto* title = new KEPDlgLabel(this, PositionName("parameterLabel", i));
   title->SetTitle(label);
   title->SetGridConstraints(row, 0, 1, 1, KEPDlgGridLeft);
-  auto* blank = new KEPDlgLabel(this, PositionName("blankLabel", i));
   blank->SetTitle(u"-");
   blank->SetVisibility(KEPDlgHide);
   blank->SetGridConstraints(row, 1, 1, 1, KEPDlgGridLeft);
@@ -233,13 +251,27 @@ void KEPRshShaderFrame::AddConnectionControls(int i, KEPIRshParameter* parameter
   disconnectButtons_[slot] = disconnect;
   disconnectItems_[slot] = disconnectItem;
   editItems_[slot] = editItem;
-  const bool connected = IsConnected(parameter);
+  ShowConnection(slot, IsConnected(parameter), texts);
+}
+
+void KEPRshShaderFrame::ShowConnection(std::size_t slot, bool connected, const Texts& texts) {
   ShowConnected(slot, connected);
+  KEPDlgPushButton* button = parameterButtons_[slot];
   if (connected) {
     texts.child.Apply(button);
   } else {
     texts.newChild.Apply(button);
     texts.connect.ApplyHelp(button);
+  }
+}
+
+void KEPRshShaderFrame::OnConnectionChanged(KEPIRshParameter* changed) {
+  if (!parameters_ || !changed) return;
+  for (int i = 1; i <= parameters_->Size(); ++i) {
+    const auto slot = static_cast<std::size_t>(i - 1);
+    if ((*parameters_)[i] != changed || !parameterButtons_[slot]) continue;
+    const Texts texts;
+    ShowConnection(slot, IsConnected(changed), texts);
   }
 }
 
@@ -335,11 +367,10 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   }
   const auto slot = static_cast<std::size_t>(i - 1);
   if (!parameterButtons_[slot]) return;
-  ShowConnected(slot, false);
   // The button now offers a new child: its title goes with the icon, its help with connecting.
-  parameterButtons_[slot]->SetTitle(HelpTexts(kIconCatalog, "newChild").title);
-  const HelpTexts connect(kFrameCatalog, "connect");
-  connect.ApplyHelp(parameterButtons_[slot]);
+  // (The model's announcement has usually shown this already; showing it again is harmless.)
+  const Texts texts;
+  ShowConnection(slot, false, texts);
 }
 
 void KEPRshShaderFrame::EditCB(KEPDialog* sender, KEPNotification*, KEPDlgClientData i) {

@@ -58,6 +58,10 @@ class KEPRshShaderFrame : public KEPDlgFrame {
   /// The object owning the parameter's node, climbing the model's fathers, or null.
   static KEP_var<KEPIRshShaderSupport> FindShaderSupport(KEPIRshParameter* parameter);
   void ShowConnected(std::size_t slot, bool connected);
+  /// The row's button icons, sensitivities and texts for a connected or unconnected parameter.
+  void ShowConnection(std::size_t slot, bool connected, const Texts& texts);
+  /// A connection of a parameter of the node changed: its row shows the new state.
+  void OnConnectionChanged(KEPIRshParameter* changed);
 
   struct ListDeleter {
     void operator()(KEPListP<KEPIRshParameter>* list) const;
@@ -72,4 +76,5 @@ class KEPRshShaderFrame : public KEPDlgFrame {
   std::vector<KEPDlgPushButton*> disconnectButtons_;
   std::vector<KEPDlgPushItem*> disconnectItems_;
   std::vector<KEPDlgPushItem*> editItems_;
+  int observer_ = 0;  ///< token of the model observer (rows with buttons only), 0 when none
 };

@@ -26,12 +26,19 @@ KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame() {
   KEPModuleTrace::Trace(2, "(KEPRshParameterBooleanFrame::~KEPRshParameterBooleanFrame) Done\n");
 }
 
+void KEPRshParameterBooleanFrame::ShowParameterValue() {
+  unsigned char value = 0;
+  if (check_ && SUCCEEDED(GetParameter()->GetBooleanValue(value)))
+    check_->SetState(value != 0 ? KEPDlgCheck : KEPDlgUncheck);
+}
+
 void KEPRshParameterBooleanFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                       KEPDlgClientData) {
   TraceCallback("KEPRshParameterBooleanFrame::ParameterModifiedCB");
   KEPIRshParameter* parameter = GetParameter();
-  if (!parameter || !check_) return;
+  if (!parameter || !check_ || IsShowingValue()) return;
   const unsigned char value = check_->GetState() == KEPDlgCheck ? 1 : 0;
+  const OwnWrite own(*this);
   const KEPRdgRenderLock lock;
   parameter->SetBooleanValue(value);
 }

@@ -20,5 +20,7 @@ class KEPRshParameterBooleanFrame : public KEPRshParameterFrame {
   ~KEPRshParameterBooleanFrame() override;
 
  private:
+  void ShowParameterValue() override;
+
   KEPDlgCheckButton* check_ = nullptr;  ///< child, or none in an empty frame
 };

@@ -57,13 +57,20 @@ KEPDlgSpinner* KEPRshParameterColorFrame::GetSpinner(int channel) const {
   return spinners_[static_cast<std::size_t>(channel)];
 }
 
+void KEPRshParameterColorFrame::ShowParameterValue() {
+  float rgb[3] = {0.0f, 0.0f, 0.0f};
+  if (!spinners_[0] || FAILED(GetParameter()->GetColorValue(rgb[0], rgb[1], rgb[2]))) return;
+  for (std::size_t i = 0; i < 3; ++i) spinners_[i]->SetValue(rgb[i]);
+}
+
 void KEPRshParameterColorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                     KEPDlgClientData) {
   TraceCallback("KEPRshParameterColorFrame::ParameterModifiedCB");
   KEPIRshParameter* parameter = GetParameter();
-  if (!parameter || !spinners_[0]) return;
+  if (!parameter || !spinners_[0] || IsShowingValue()) return;
   float r = 0.0f, g = 0.0f, b = 0.0f, alpha = 1.0f;
   parameter->GetColorValue(r, g, b, &alpha);
+  const OwnWrite own(*this);
   const KEPRdgRenderLock lock;
   parameter->SetColorValue(static_cast<float>(spinners_[0]->GetValue()),
                            static_cast<float>(spinners_[1]->GetValue()),

@@ -24,5 +24,7 @@ class KEPRshParameterColorFrame : public KEPRshParameterFrame {
   ~KEPRshParameterColorFrame() override;
 
  private:
+  void ShowParameterValue() override;
+
   std::array<KEPDlgSpinner*, 3> spinners_{};
 };

@@ -1,5 +1,6 @@
 #include "KEPRshParameterFrame.h"
 
+#include "KEPRshModelEvents.h"
 #include "KEPTrace.h"
 
 KEP_IMPLEMENT_CLASS(KEPRshParameterFrame, KEPDlgFrame, "RenderingShader")
@@ -9,11 +10,27 @@ KEPRshParameterFrame::KEPRshParameterFrame(KEPDialog* parent, const KEPString& n
 
 KEPRshParameterFrame::KEPRshParameterFrame(KEPDialog* parent, KEPIRshParameter* parameter,
                                            const KEPString& name, int style)
-    : KEPDlgFrame(parent, name, style), parameter_(parameter) {}
+    : KEPDlgFrame(parent, name, style), parameter_(parameter) {
+  if (!parameter) return;
+  // The observer reaches the frame through `this`: the destructor removes it, and removal is safe
+  // during a dispatch, so it never runs on a frame that is gone.
+  observer_ = KEPRshModelEvents::AddParameterObserver(
+      [this](KEPIRshParameter* changed, KEPRshParameterChangeKind) {
+        OnParameterChanged(changed);
+      });
+}
 
 KEPRshParameterFrame::~KEPRshParameterFrame() {
   KEPModuleTrace::Trace(2, "(KEPRshParameterFrame::~KEPRshParameterFrame) Destructor\n");
+  if (observer_) KEPRshModelEvents::RemoveObserver(observer_);
   KEPModuleTrace::Trace(2, "(KEPRshParameterFrame::~KEPRshParameterFrame) Done\n");
+}
+
+void KEPRshParameterFrame::OnParameterChanged(KEPIRshParameter* changed) {
+  if (writing_ || showing_ || !changed || changed != parameter_.Get()) return;
+  showing_ = true;
+  ShowParameterValue();
+  showing_ = false;
 }
 
 void KEPRshParameterFrame::SetSensitivity(int sensitivity) {

@@ -107,17 +107,34 @@ void KEPRshParameterIntegerFrame::BuildCombo(KEPIRshParameterDialog* behaviour, 
   }
   combo_->SetLine(lines.data(), static_cast<int>(lines.size()), -1, KEPDlgLineReplace);
 
-  if (!hasValue) return;
+  if (hasValue) combo_->SetSelect(ComboIndex(behaviour, value));
+}
+
+int KEPRshParameterIntegerFrame::ComboIndex(KEPIRshParameterDialog* behaviour, int value) {
   int index = value;
   if (behaviour) behaviour->GetEnumIndex(value, index);
-  combo_->SetSelect(index);
+  return index;
+}
+
+void KEPRshParameterIntegerFrame::ShowParameterValue() {
+  KEPIRshParameter* parameter = GetParameter();
+  int value = 0;
+  if (FAILED(parameter->GetIntegerValue(value))) return;
+  if (slider_) slider_->SetValue(value);
+  if (spinner_) spinner_->SetValue(value);
+  if (check_) check_->SetState(value != 0 ? KEPDlgCheck : KEPDlgUncheck);
+  if (combo_) {
+    const KEP_var<KEPIRshParameterDialog> behaviour =
+        KEPQueryVar<KEPIRshParameterDialog>(parameter);
+    combo_->SetSelect(ComboIndex(behaviour.Get(), value));
+  }
 }
 
 void KEPRshParameterIntegerFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                       KEPDlgClientData) {
   TraceCallback("KEPRshParameterIntegerFrame::ParameterModifiedCB");
   KEPIRshParameter* parameter = GetParameter();
-  if (!parameter) return;
+  if (!parameter || IsShowingValue()) return;
   int value = 0;
   if (slider_) {
     value = static_cast<int>(slider_->GetValue());
@@ -135,6 +152,7 @@ void KEPRshParameterIntegerFrame::ParameterModifiedCB(KEPDialog*, KEPNotificatio
   } else {
     return;
   }
+  const OwnWrite own(*this);
   const KEPRdgRenderLock lock;
   parameter->SetIntegerValue(value);
 }

@@ -37,6 +37,9 @@ class KEPRshParameterIntegerFrame : public KEPRshParameterFrame {
 
  private:
   void BuildCombo(KEPIRshParameterDialog* behaviour, int value, bool hasValue);
+  void ShowParameterValue() override;
+  /// The combo line of `value`: the enumeration's index when it has one, else the value itself.
+  static int ComboIndex(KEPIRshParameterDialog* behaviour, int value);
 
   KEPRbaScalarSlider* slider_ = nullptr;  ///< child, or none
   KEPDlgSpinner* spinner_ = nullptr;      ///< child, or none

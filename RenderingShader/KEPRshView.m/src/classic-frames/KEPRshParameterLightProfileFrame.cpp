@@ -33,7 +33,7 @@ KEPRshParameterLightProfileFrame::KEPRshParameterLightProfileFrame(KEPDialog* pa
   clear_->SetGridConstraints(0, 1, 1, 1, KEPDlgGridLeft);
   ShowValue();
   editorHandler_ = editor_->AddHandler(KEPVidEvent::EditModify, [this](KEPVidWidget*, KEPVidEvent) {
-    if (active_) Write(Trimmed(editor_->GetText().ToUTF8()));
+    if (active_ && !IsShowingValue()) Write(Trimmed(editor_->GetText().ToUTF8()));
   });
   AddCallback(clear_, clear_->GetActivateNotification(), this,
               &KEPRshParameterLightProfileFrame::ParameterModifiedCB);
@@ -65,7 +65,7 @@ void KEPRshParameterLightProfileFrame::ShowValue() {
 void KEPRshParameterLightProfileFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                            KEPDlgClientData) {
   TraceCallback("KEPRshParameterLightProfileFrame::ParameterModifiedCB");
-  if (active_) Write(KEPString());
+  if (active_ && !IsShowingValue()) Write(KEPString());
 }
 
 void KEPRshParameterLightProfileFrame::Write(const KEPString& path) {
@@ -73,6 +73,7 @@ void KEPRshParameterLightProfileFrame::Write(const KEPString& path) {
   if (!parameter) return;
   if (const KEP_var<KEPIRshLightProfileParameter> profile =
           KEPQueryVar<KEPIRshLightProfileParameter>(parameter)) {
+    const OwnWrite own(*this);
     const KEPRdgRenderLock lock;
     profile->SetLightProfile(path);
   }

@@ -26,6 +26,7 @@ class KEPRshParameterLightProfileFrame : public KEPRshParameterFrame {
 
  private:
   void ShowValue();
+  void ShowParameterValue() override { ShowValue(); }
   void Write(const KEPString& path);
 
   KEPVidCtlEditor* editor_ = nullptr;  ///< child, or none in an empty frame

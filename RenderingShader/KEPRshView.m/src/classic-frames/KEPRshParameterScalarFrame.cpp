@@ -85,6 +85,7 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
     slider_->SetFormat("%.2f");
     slider_->SetVisibleTextWidth(4);
     slider_->SetTrackSettings(1.0, 1.0, 1.0, 100);
+    factor_ = unit.factor;
     if (hasValue) slider_->SetValue(value * unit.factor);
   } else if (widget == "blackbody") {
     blackbodySlider_ = new KEPRshScalarBlackbodySlider(this, "scalarBlackbodySlider", kSliderWidth,
@@ -117,6 +118,7 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
                      range.step * unit.factor);
     wheel_->SetPrecision(4);
     wheel_->SetVisibleTextWidth(4);
+    factor_ = unit.factor;
     if (hasValue) wheel_->SetValue(value * unit.factor);
   } else {
     spinner_ = new KEPDlgSpinner(this, "scalarSpinner", kSpinnerStyle);
@@ -129,15 +131,25 @@ void KEPRshParameterScalarFrame::Build(KEPIRshParameter* parameter) {
                             range.step * unit.factor);
     spinner_->SetFormat("%.2f");
     spinner_->SetVisibleTextWidth(4);
+    factor_ = unit.factor;
     if (hasValue) spinner_->SetValue(value * unit.factor);
   }
+}
+
+void KEPRshParameterScalarFrame::ShowParameterValue() {
+  float value = 0.0f;
+  if (FAILED(GetParameter()->GetScalarValue(value))) return;
+  if (slider_) slider_->SetValue(value * factor_);
+  if (blackbodySlider_) blackbodySlider_->SetValue(value);
+  if (wheel_) wheel_->SetValue(value * factor_);
+  if (spinner_) spinner_->SetValue(value * factor_);
 }
 
 void KEPRshParameterScalarFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                      KEPDlgClientData) {
   TraceCallback("KEPRshParameterScalarFrame::ParameterModifiedCB");
   KEPIRshParameter* parameter = GetParameter();
-  if (!parameter) return;
+  if (!parameter || IsShowingValue()) return;
   float value = 0.0f;
   int unit = KEPDlgUnitNone;
   if (slider_) {
@@ -158,6 +170,7 @@ void KEPRshParameterScalarFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
   value = static_cast<float>(value * KEPRshFrameUnitOutFactor(unit));
   HRESULT written = E_FAIL;
   {
+    const OwnWrite own(*this);
     const KEPRdgRenderLock lock;
     written = parameter->SetScalarValue(value);
   }

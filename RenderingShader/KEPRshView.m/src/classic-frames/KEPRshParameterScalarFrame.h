@@ -34,12 +34,14 @@ class KEPRshParameterScalarFrame : public KEPRshParameterFrame {
 
  private:
   void Build(KEPIRshParameter* parameter);
+  void ShowParameterValue() override;
   void SendModifyNotification() const;
 
   KEPRbaScalarSlider* slider_ = nullptr;                    ///< child, or none
   KEPRshScalarBlackbodySlider* blackbodySlider_ = nullptr;  ///< child, or none
   KEPRbaScalarWheel* wheel_ = nullptr;                      ///< child, or none
   KEPDlgSpinner* spinner_ = nullptr;                        ///< child, or none
+  double factor_ = 1.0;  ///< from the parameter's value to the control's (the unit's factor)
   /// Weak: the owner (a document or a shader) may go before the frame.
   KEPBaseUnknown_WR ownerFeature_;
 };

@@ -1,7 +1,6 @@
 #include "KEPRshParameterShaderFrame.h"
 
 #include "KEPDlgLabel.h"
-#include "KEPRshModelEvents.h"
 #include "KEPRshParameterShaderImmWidget.h"
 #include "KEPTrace.h"
 
@@ -14,23 +13,15 @@ KEPRshParameterShaderFrame::KEPRshParameterShaderFrame(KEPDialog* parent,
   if (!parameter) return;
   label_ = new KEPDlgLabel(this, "connectedShader");
   label_->SetGridConstraints(0, 0, 1, 1, KEPDlgGridLeft);
-  ShowConnection();
-  // The frame dies before the model events forget it (the destructor removes the observer), so
-  // the observer may call back into it.
-  observer_ = KEPRshModelEvents::AddParameterObserver(
-      [this](KEPIRshParameter* changed, KEPRshParameterChangeKind kind) {
-        if (kind == KEPRshParameterChangeKind::Connection && changed == GetParameter())
-          ShowConnection();
-      });
+  ShowParameterValue();
 }
 
 KEPRshParameterShaderFrame::~KEPRshParameterShaderFrame() {
   KEPModuleTrace::Trace(2,
                         "(KEPRshParameterShaderFrame::~KEPRshParameterShaderFrame) Destructor\n");
-  if (observer_) KEPRshModelEvents::RemoveObserver(observer_);
   KEPModuleTrace::Trace(2, "(KEPRshParameterShaderFrame::~KEPRshParameterShaderFrame) Done\n");
 }
 
-void KEPRshParameterShaderFrame::ShowConnection() {
+void KEPRshParameterShaderFrame::ShowParameterValue() {
   if (label_) label_->SetTitle(KEPRshParameterShaderImmWidget::ConnectionText(GetParameter()));
 }

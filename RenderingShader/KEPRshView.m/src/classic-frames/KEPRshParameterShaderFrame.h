@@ -17,10 +17,8 @@ class KEPRshParameterShaderFrame : public KEPRshParameterFrame {
 
  protected:
   ~KEPRshParameterShaderFrame() override;
+  void ShowParameterValue() override;
 
  private:
-  void ShowConnection();
-
   KEPDlgLabel* label_ = nullptr;  ///< child, or none in an empty frame
-  int observer_ = 0;              ///< model-events token, 0 when none
 };

@@ -64,7 +64,7 @@ KEPRshParameterTextureFrame::KEPRshParameterTextureFrame(KEPDialog* parent,
   ShowValue();
   selectorHandler_ =
       selector_->AddHandler(KEPVidEvent::EditModify, [this](KEPVidWidget*, KEPVidEvent) {
-        if (active_) SelectorModified();
+        if (active_ && !IsShowingValue()) SelectorModified();
       });
   AddCallback(layers_, layers_->GetListSelectNotification(), this,
               &KEPRshParameterTextureFrame::ParameterModifiedCB);
@@ -125,7 +125,7 @@ void KEPRshParameterTextureFrame::SelectorModified() {
 void KEPRshParameterTextureFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                       KEPDlgClientData) {
   TraceCallback("KEPRshParameterTextureFrame::ParameterModifiedCB");
-  if (!active_ || !selector_) return;
+  if (!active_ || !selector_ || IsShowingValue()) return;
   const int index = layers_->GetSelect();
   std::vector<KEPString> groups;
   if (index >= 0) groups.push_back(layers_->GetLine(index).ToUTF8());
@@ -136,6 +136,7 @@ void KEPRshParameterTextureFrame::Write(const KEPString& image,
                                         const std::vector<KEPString>& groups, double dpi) {
   KEPIRshParameter* parameter = GetParameter();
   if (!parameter) return;
+  const OwnWrite own(*this);
   if (image.empty()) {
     const KEPRdgRenderLock lock;
     parameter->SetTextureValue(nullptr);

@@ -35,6 +35,7 @@ class KEPRshParameterTextureFrame : public KEPRshParameterFrame {
  private:
   /// Shows the parameter's texture in the controls (without writing it back).
   void ShowValue();
+  void ShowParameterValue() override { ShowValue(); }
   /// The selector's image, groups and resolution were chosen.
   void SelectorModified();
   void Write(const KEPString& image, const std::vector<KEPString>& groups, double dpi);

@@ -114,6 +114,7 @@ void KEPRshParameterVectorFrame::BuildSliders(KEPIRshParameter* parameter, int c
   const KEPRshFrameUnit unit = KEPRshFrameUnitOf(unitName, KEPRshFrameControl::Slider);
 
   sliderCount_ = count;
+  factor_ = unit.factor;
   for (int i = 0; i < count; ++i) {
     const auto slot = static_cast<std::size_t>(i);
     auto* slider = new KEPRbaScalarSlider(this, "scalarSlider", 110, 16, kSliderStyle);
@@ -138,11 +139,23 @@ void KEPRshParameterVectorFrame::BuildSliders(KEPIRshParameter* parameter, int c
   }
 }
 
+void KEPRshParameterVectorFrame::ShowParameterValue() {
+  float xyzw[4] = {0.0f, 0.0f, 0.0f, 0.0f};
+  if (FAILED(GetParameter()->GetVectorValue(xyzw))) return;
+  for (int i = 0; i < sliderCount_; ++i) {
+    const auto slot = static_cast<std::size_t>(i);
+    sliders_[slot]->SetValue(xyzw[slot] * factor_);
+  }
+  if (xSpinner_) xSpinner_->SetValue(xyzw[0]);
+  if (ySpinner_) ySpinner_->SetValue(xyzw[1]);
+  if (zSpinner_) zSpinner_->SetValue(xyzw[2]);
+}
+
 void KEPRshParameterVectorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification*,
                                                      KEPDlgClientData) {
   TraceCallback("KEPRshParameterVectorFrame::ParameterModifiedCB");
   KEPIRshParameter* parameter = GetParameter();
-  if (!parameter) return;
+  if (!parameter || IsShowingValue()) return;
   float xyzw[4] = {0.0f, 0.0f, 0.0f, 0.0f};
   if (sliderCount_ > 0) {
     for (int i = 0; i < sliderCount_; ++i) {
@@ -154,6 +167,7 @@ void KEPRshParameterVectorFrame::ParameterModifiedCB(KEPDialog*, KEPNotification
     if (ySpinner_) xyzw[1] = static_cast<float>(ySpinner_->GetValue());
     if (zSpinner_) xyzw[2] = static_cast<float>(zSpinner_->GetValue());
   }
+  const OwnWrite own(*this);
   const KEPRdgRenderLock lock;
   parameter->SetVectorValue(xyzw);
 }

@@ -36,6 +36,7 @@ class KEPRshParameterVectorFrame : public KEPRshParameterFrame {
  private:
   void BuildSpinners(KEPIRshParameter* parameter);
   void BuildSliders(KEPIRshParameter* parameter, int count);
+  void ShowParameterValue() override;
 
   KEPDlgSpinner* xSpinner_ = nullptr;
   KEPDlgSpinner* ySpinner_ = nullptr;
@@ -44,5 +45,6 @@ class KEPRshParameterVectorFrame : public KEPRshParameterFrame {
   std::array<KEPDlgLabel*, 4> subLabels_{};
   std::array<KEPDlgLabel*, 4> sepLabels_{};
   int sliderCount_ = 0;
+  double factor_ = 1.0;  ///< from a component to its slider's value (the unit's factor)
   KEPString widget_;
 };

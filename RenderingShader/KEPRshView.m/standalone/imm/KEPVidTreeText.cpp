@@ -35,7 +35,12 @@ void AppendNumber(std::string& out, double value) {
     return;
   }
   char text[32];
-  const char* end = std::to_chars(text, text + sizeof text, value).ptr;
+  // A value that is exactly a single-precision number (most values of the model are) is written
+  // as that number's shortest form: 0.42, not 0.41999998688697815. Both read back to that value.
+  const auto single = static_cast<float>(value);
+  const char* end = static_cast<double>(single) == value
+                        ? std::to_chars(text, text + sizeof text, single).ptr
+                        : std::to_chars(text, text + sizeof text, value).ptr;
   out.append(text, static_cast<std::size_t>(end - text));
 }
 

@@ -106,7 +106,7 @@ TEST_F(ImmPaths, SiblingsOfOneNameAreToldApartByIndexInPathsAndJson) {
                                   "parameterDialog1/scalarSlider[2]"};
   const nlohmann::json json = nlohmann::json::parse(KEPVidToJsonText(root.Get()));
   std::string error;
-  for (int i = 0; i < 3; ++i) {
+  for (std::size_t i = 0; i < 3; ++i) {
     EXPECT_EQ(KEPVidPathOf(root.Get(), sliders[i]), expected[i]);
     EXPECT_EQ(json["children"][0]["children"][0]["children"][i]["path"], expected[i]);
     EXPECT_EQ(KEPVidFindByPath(root.Get(), expected[i], error), sliders[i]) << error;
