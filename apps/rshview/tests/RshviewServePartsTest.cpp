@@ -108,9 +108,13 @@ std::vector<std::string> ChangedPaths(const Json& before, const Json& after) {
 
 TEST(RshviewServeDiff, ReportsTheHighestChangedWidgetOfEachBranch) {
   const auto tree = [](int a, int b, int c, int unnamed) {
-    return Widget("", 0,
-                  {Widget("g", 0, {Widget("g/a", a), Widget("g/b", b)}),
-                   Widget("h", 0, {Widget(nullptr, unnamed, {Widget("h/c", c)})})});
+    // Json::array: a braced list of one json is a copy of it for some compilers.
+    return Widget(
+        "", 0,
+        Json::array(
+            {Widget("g", 0, Json::array({Widget("g/a", a), Widget("g/b", b)})),
+             Widget("h", 0,
+                    Json::array({Widget(nullptr, unnamed, Json::array({Widget("h/c", c)}))}))}));
   };
   const Json base = tree(1, 2, 3, 4);
   EXPECT_TRUE(ChangedPaths(base, base).empty());
