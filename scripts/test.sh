@@ -2,13 +2,20 @@
 # Installs what is missing, checks formatting, builds and runs every test: in the optimised GCC
 # build and in the Clang build with the address and undefined-behaviour sanitizers, warnings
 # being errors in both; then clang-tidy over the sources, and each fuzz target for a short while
-# ($KEPRSH_FUZZ_SECONDS, default 20 s; any crash, leak or sanitizer report fails).
+# ($KEPRSH_FUZZ_SECONDS, default 20 s; any crash, leak or sanitizer report fails). After the
+# optimised build, the browser tests of `rshview serve` run in Chromium (KEPRSH_BROWSER_TESTS=0
+# leaves them out).
 #   scripts/test.sh                both builds and every check
 #   scripts/test.sh release        only one build (release | asan | clang | debug | fuzz), no tidy
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-deps.sh
+browser_tests=${KEPRSH_BROWSER_TESTS:-1}
+if [ "$browser_tests" != 0 ]; then
+  scripts/install-deps.sh --browser
+else
+  scripts/install-deps.sh
+fi
 scripts/check-format.sh
 
 presets=("$@")
@@ -30,6 +37,11 @@ for preset in "${presets[@]}"; do
   cmake --build --preset "$preset" -j "$jobs"
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
+  if [ "$preset" = release ] && [ "$browser_tests" != 0 ]; then
+    echo "=== ${preset}: browser tests"
+    scripts/build-web.sh
+    (cd apps/rshview/web && RSHVIEW_BIN="$PWD/../../../build/release/bin/rshview" npm test)
+  fi
 done
 if [ "$full" = 1 ]; then
   echo "=== clang-tidy"

@@ -24,6 +24,10 @@ struct RshviewOptions {
   std::string editor = "immersive";    ///< dump, drive: "immersive" or "classic"
   std::string size;                    ///< preview: the picture's side in pixels (text)
   std::string out;                     ///< preview: the PNG file to write
+  std::string port;                    ///< serve: the port (text; default 8642, 0: any free one)
+  std::string host;                    ///< serve: the address to listen on (default 127.0.0.1)
+  std::string web;                     ///< serve: the front-end's built folder
+  bool open = false;                   ///< serve: open the address in a browser
   std::vector<std::string> arguments;  ///< what is left after the options
 };
 
@@ -56,6 +60,10 @@ struct RshviewCommand {
 /// without material).
 int RshviewSelectNodes(RshviewContext& context, const char* command,
                        std::vector<KEPHostShaderNode*>& nodes);
+
+/// Loads the library (with its configuration) and the document of `context.options`, printing
+/// every error to `context.err`; returns 0, or the exit code.
+int RshviewLoad(RshviewContext& context);
 
 /// Every command, in the order `rshview --help` lists them.
 const std::vector<RshviewCommand>& RshviewCommands();

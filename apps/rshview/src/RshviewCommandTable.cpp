@@ -1,7 +1,10 @@
 #include "RshviewCommands.h"
+#include "RshviewServe.h"
 
 const std::vector<RshviewCommand>& RshviewCommands() {
   static const std::vector<RshviewCommand> commands = {
+      {"serve", "the editors of a document in a browser (HTTP on this machine)", kRshviewServeHelp,
+       &RunServeCommand, true},
       {"params", "each parameter's metadata as the editors resolve it", kRshviewParamsHelp,
        &RunParamsCommand, false},
       {"material", "the viewer's material answers for a node", kRshviewMaterialHelp,

@@ -3,18 +3,17 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <sstream>
 
 #include "KEPHostShaderNode.h"
-#include "KEPHostValueJson.h"
 #include "KEPRshModelEvents.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPVidTree.h"
 #include "RshviewCommands.h"
 #include "RshviewEditor.h"
+#include "RshviewValueLog.h"
 
 const char* const kRshviewDriveHelp =
     "Usage: rshview drive [--library DIR] [--doc FILE] [--node ID] [--restricted]\n"
@@ -52,39 +51,6 @@ const char* const kRshviewDriveHelp =
 
 namespace {
 using Json = nlohmann::ordered_json;
-
-/// The text form of every parameter of the document, to tell old values from new ones.
-class ValueLog {
- public:
-  explicit ValueLog(const KEPHostShaderDocument& document, std::string baseDir)
-      : baseDir_(std::move(baseDir)) {
-    for (const auto& node : document.Nodes())
-      for (const auto& parameter : node->Parameters()) values_[parameter.Get()] = Text(*parameter);
-  }
-  /// The write of `parameter`: {node, parameter, old, new}; the log keeps the new value.
-  Json Write(KEPIRshParameter* parameter) {
-    auto* host = dynamic_cast<KEPHostParameter*>(parameter);
-    Json write{{"node", nullptr}, {"parameter", nullptr}, {"old", nullptr}, {"new", nullptr}};
-    if (!host) return write;
-    KEPString name;
-    host->GetName(name);
-    write["node"] = host->Father() ? host->Father()->Id() : "";
-    write["parameter"] = name;
-    std::string now = Text(*host);
-    auto found = values_.find(host);
-    if (found != values_.end()) write["old"] = Json::parse(found->second, nullptr, false);
-    write["new"] = Json::parse(now, nullptr, false);
-    values_[host] = std::move(now);
-    return write;
-  }
-
- private:
-  std::string Text(const KEPHostParameter& parameter) const {
-    return KEPHostValueJson::Write(parameter.Value(), baseDir_);
-  }
-  std::string baseDir_;
-  std::map<const KEPHostParameter*, std::string> values_;
-};
 
 std::string Compact(const Json& value) {
   return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
@@ -145,7 +111,7 @@ int RunDriveCommand(RshviewContext& context) {
     return 1;
   }
 
-  ValueLog log(*context.document, std::filesystem::path(options.doc).parent_path().string());
+  RshviewValueLog log(*context.document, std::filesystem::path(options.doc).parent_path().string());
   std::vector<Json> writes;
   const int observer = KEPRshModelEvents::AddParameterObserver(
       [&](KEPIRshParameter* parameter, KEPRshParameterChangeKind) {

@@ -128,6 +128,10 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
       parsed.options.restricted = true;
       continue;
     }
+    if (arg == "--open") {
+      parsed.options.open = true;
+      continue;
+    }
     if (arg.starts_with('-') && arg.size() > 1) {
       std::string name = arg;
       std::string value;
@@ -156,6 +160,12 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
         target = &parsed.options.size;
       else if (name == "--out")
         target = &parsed.options.out;
+      else if (name == "--port")
+        target = &parsed.options.port;
+      else if (name == "--host")
+        target = &parsed.options.host;
+      else if (name == "--web")
+        target = &parsed.options.web;
       else
         return UsageError(err, "unknown option '" + name + "'");
       if (!inlineValue) {
@@ -200,12 +210,17 @@ int Parse(const std::vector<std::string>& args, Parsed& parsed, std::ostream& er
   if ((!parsed.options.size.empty() || !parsed.options.out.empty()) && parsed.command &&
       command != "preview")
     return UsageError(err, "--size and --out apply to the preview command only");
+  if ((!parsed.options.port.empty() || !parsed.options.host.empty() ||
+       !parsed.options.web.empty() || parsed.options.open) &&
+      parsed.command && command != "serve")
+    return UsageError(err, "--port, --host, --web and --open apply to the serve command only");
   return 0;
 }
+}  // namespace
 
 // Library, configuration and document, with every error printed as it is found. Warnings do not
 // stop the command: they are kept for it, and a line on standard error says how many there are.
-int Load(RshviewContext& context) {
+int RshviewLoad(RshviewContext& context) {
   RshviewOptions& options = context.options;
   std::size_t warningCount = 0;
   auto report = [&](const KEPLoadResult& result) {
@@ -237,7 +252,6 @@ int Load(RshviewContext& context) {
                 << " (run 'rshview lint' to list them)\n";
   return 0;
 }
-}  // namespace
 
 namespace {
 int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
@@ -271,7 +285,7 @@ int Main(const std::vector<std::string>& args, std::ostream& out, std::ostream& 
     if (!RshviewApplyUnits(parsed.options.units, message)) return UsageError(err, message);
   }
   if (!parsed.command->loadsFiles)
-    if (const int code = Load(context)) return code;
+    if (const int code = RshviewLoad(context)) return code;
   const int code = parsed.command->run(context);
   context.document = NULL_var;
   return code;

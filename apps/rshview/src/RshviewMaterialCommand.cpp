@@ -21,6 +21,7 @@
 #include "KEPRshViewModule.h"
 #include "RshviewCommands.h"
 #include "RshviewNumber.h"
+#include "RshviewViewer.h"
 
 const char* const kRshviewMaterialHelp =
     "Usage: rshview material [--library DIR] [--doc FILE] [--node ID|all] [--format text|json]\n"
@@ -59,16 +60,6 @@ Json Num(double value) {
 Json WithCode(Json value, HRESULT hr) {
   return Json{{"value", SUCCEEDED(hr) ? std::move(value) : Json(nullptr)},
               {"result", KEPResultName(hr)}};
-}
-
-// For this run only: the real environment stays as it is, and the next run decides afresh.
-void EnsureStartupPath(const RshviewContext& context) {
-  KEPString value;
-  if (SUCCEEDED(KEPGetEnv("KEPStartupPath", value))) return;
-  std::error_code ec;
-  fs::path startup = fs::path(context.options.library) / ".." / "startup";
-  if (!fs::is_directory(startup, ec)) startup = fs::path(RshviewSamplesDirectory()) / "startup";
-  KEPHostContext::SetEnvironment("KEPStartupPath", fs::weakly_canonical(startup, ec).string());
 }
 
 // --- Text form
@@ -291,7 +282,9 @@ const Answer kAnswers[] = {
      [](Viewer& v) { return CodedNumber(v.mapping.Get(), &Mapping::GetSize); }},
 };
 
-Json Answers(KEPHostShaderNode& node, bool sticker) {
+}  // namespace
+
+Json RshviewMaterialAnswers(KEPHostShaderNode& node, bool sticker) {
   Json json;
   json["id"] = node.Id();
   json["type"] = node.TypeName();
@@ -311,6 +304,19 @@ Json Answers(KEPHostShaderNode& node, bool sticker) {
   for (const Answer& answer : kAnswers) json[answer.group][answer.key] = answer.ask(viewer);
   return json;
 }
+
+// For this host session only: the real environment stays as it is, and the next run decides
+// afresh.
+void RshviewEnsureStartupPath(const std::string& library) {
+  KEPString value;
+  if (SUCCEEDED(KEPGetEnv("KEPStartupPath", value))) return;
+  std::error_code ec;
+  fs::path startup = fs::path(library) / ".." / "startup";
+  if (!fs::is_directory(startup, ec)) startup = fs::path(RshviewSamplesDirectory()) / "startup";
+  KEPHostContext::SetEnvironment("KEPStartupPath", fs::weakly_canonical(startup, ec).string());
+}
+
+namespace {
 
 void Row(std::ostream& out, const Answer& answer, const Json& value) {
   std::string line = "  " + std::string(answer.label);
@@ -343,9 +349,10 @@ int RunMaterialCommand(RshviewContext& context) {
   if (const int code = RshviewSelectNodes(context, "material", nodes)) return code;
   const std::string& wanted = context.options.node;
 
-  EnsureStartupPath(context);
+  RshviewEnsureStartupPath(context.options.library);
   Json all = Json::array();
-  for (KEPHostShaderNode* node : nodes) all.push_back(Answers(*node, context.options.sticker));
+  for (KEPHostShaderNode* node : nodes)
+    all.push_back(RshviewMaterialAnswers(*node, context.options.sticker));
   if (context.options.format == "json") {
     context.out << (wanted == "all" ? Json{{"nodes", all}} : all.front())
                        .dump(2, ' ', false, Json::error_handler_t::replace)

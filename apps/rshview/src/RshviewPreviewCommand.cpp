@@ -13,6 +13,7 @@
 #include "KEPRshPreviewFrame.h"
 #include "RshviewCommands.h"
 #include "RshviewSphere.h"
+#include "RshviewViewer.h"
 
 const char* const kRshviewPreviewHelp =
     "Usage: rshview preview [--library DIR] [--doc FILE] [--node ID] [--size N] --out FILE\n"
@@ -31,8 +32,19 @@ namespace {
 
 constexpr int kMaxSize = 4096;
 
-/// The viewer's answers for `node`, through a delegate linked to it as the viewer makes one.
-bool AskMaterial(KEPIRshShader* node, RshviewSphereMaterial& m) {
+bool ParseSize(const std::string& text, int& size) {
+  if (text.empty()) {
+    size = 256;
+    return true;
+  }
+  const char* end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, size);
+  return error == std::errc() && last == end && size >= 1 && size <= kMaxSize;
+}
+
+}  // namespace
+
+bool RshviewAskSphereMaterial(KEPIRshShader* node, RshviewSphereMaterial& m) {
   auto delegate = KEP_var<KEPBaseUnknown>::Adopt(KEPCreateComponent("KEPRshShaderDelegate"));
   auto link = KEPQueryVar<KEPIRshShaderLink>(delegate);
   auto material = KEPQueryVar<KEPIHardwareMaterial>(delegate);
@@ -60,17 +72,28 @@ bool AskMaterial(KEPIRshShader* node, RshviewSphereMaterial& m) {
   return true;
 }
 
-bool ParseSize(const std::string& text, int& size) {
-  if (text.empty()) {
-    size = 256;
-    return true;
+bool RshviewWritePreview(KEPIRshShader* node, int size, const std::string& path,
+                         std::string& error) {
+  RshviewSphereMaterial material;
+  if (!RshviewAskSphereMaterial(node, material)) {
+    error = "the module's hardware material is not registered";
+    return false;
   }
-  const char* end = text.data() + text.size();
-  const auto [last, error] = std::from_chars(text.data(), end, size);
-  return error == std::errc() && last == end && size >= 1 && size <= kMaxSize;
+  const std::vector<std::uint8_t> pixels = RshviewRenderSphere(material, size);
+  auto image = KEP_var<KEPPixelImage>::Adopt(
+      KEPPixelImage::Create(size, size, KEPPixelFormat_RGBA, pixels.data(), 0));
+  if (!image) {
+    error = "cannot make a " + std::to_string(size) + " x " + std::to_string(size) + " image";
+    return false;
+  }
+  // The picture lives in a preview frame, which owns its representation, as an editor shows it.
+  auto dialog = KEP_var<KEPDlgFrame>::Adopt(new KEPDlgFrame(nullptr, "rshview"));
+  auto* frame = new KEPRshPreviewFrame(dialog.Get(), "preview", size, size);
+  frame->SetBackgroundRep(new KEP2DImagePixelRep(image.Get(), 0.0, 0.0), 1);
+  const auto* shown = dynamic_cast<const KEP2DImagePixelRep*>(frame->GetBackgroundRep());
+  return SUCCEEDED(KEPRbaImageServices::WritePNG(shown ? shown->GetImage() : nullptr,
+                                                 KEPUnicodeString::FromUTF8(path), error));
 }
-
-}  // namespace
 
 int RunPreviewCommand(RshviewContext& context) {
   const RshviewOptions& options = context.options;
@@ -91,27 +114,8 @@ int RunPreviewCommand(RshviewContext& context) {
   std::vector<KEPHostShaderNode*> nodes;
   if (const int code = RshviewSelectNodes(context, "preview", nodes)) return code;
 
-  RshviewSphereMaterial material;
-  if (!AskMaterial(nodes.front(), material)) {
-    context.err << "rshview preview: the module's hardware material is not registered\n";
-    return 1;
-  }
-  const std::vector<std::uint8_t> pixels = RshviewRenderSphere(material, size);
-  auto image = KEP_var<KEPPixelImage>::Adopt(
-      KEPPixelImage::Create(size, size, KEPPixelFormat_RGBA, pixels.data(), 0));
-  if (!image) {
-    context.err << "rshview preview: cannot make a " << size << " x " << size << " image\n";
-    return 1;
-  }
-  // The picture lives in a preview frame, which owns its representation, as an editor shows it.
-  auto dialog = KEP_var<KEPDlgFrame>::Adopt(new KEPDlgFrame(nullptr, "rshview"));
-  auto* frame = new KEPRshPreviewFrame(dialog.Get(), "preview", size, size);
-  frame->SetBackgroundRep(new KEP2DImagePixelRep(image.Get(), 0.0, 0.0), 1);
-  const auto* shown = dynamic_cast<const KEP2DImagePixelRep*>(frame->GetBackgroundRep());
-
   std::string error;
-  if (FAILED(KEPRbaImageServices::WritePNG(shown ? shown->GetImage() : nullptr,
-                                           KEPUnicodeString::FromUTF8(options.out), error))) {
+  if (!RshviewWritePreview(nodes.front(), size, options.out, error)) {
     context.err << "rshview preview: " << error << "\n";
     return 1;
   }

@@ -93,3 +93,31 @@ bool RshviewApplyUnits(const std::string& list, std::string& message) {
   for (auto& [magnitude, unit] : choices) magnitude->SetCurrentUnit(unit);
   return true;
 }
+
+nlohmann::ordered_json RshviewUnitsJson() {
+  nlohmann::ordered_json json = nlohmann::ordered_json::object();
+  for (KEPICkeMagnitude* magnitude : KEPParmDictionary::Magnitudes()) {
+    nlohmann::ordered_json choices = nlohmann::ordered_json::array();
+    for (KEPICkeUnit* unit : KEPParmDictionary::UnitsOf(magnitude))
+      choices.push_back(unit->Name().ToUTF8());
+    json[KEPToLower(magnitude->Name().ToUTF8())] = {
+        {"unit", magnitude->CurrentUnit()->Name().ToUTF8()}, {"units", choices}};
+  }
+  return json;
+}
+
+bool RshviewStoreUnits(std::string& message) {
+  KEPSysPreferenceRepository* repository =
+      KEPSysPreferenceRepository::GetRepository(kRshviewUnitsRepository);
+  if (!repository) {
+    message = "the preference repository is not available (set KEPRSH_PREFERENCES or HOME)";
+    return false;
+  }
+  for (KEPICkeMagnitude* magnitude : KEPParmDictionary::Magnitudes())
+    repository->SetValue(magnitude->Name().ToUTF8(), magnitude->CurrentUnit()->Name().ToUTF8());
+  if (FAILED(repository->Commit())) {
+    message = "the choice could not be saved (see the trace above)";
+    return false;
+  }
+  return true;
+}

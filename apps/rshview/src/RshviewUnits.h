@@ -4,6 +4,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <nlohmann/json.hpp>
 #include <string>
 
 /// The preference repository that keeps the chosen display units.
@@ -16,3 +17,11 @@ void RshviewApplyStoredUnits(std::ostream& err);
 /// Sets display units from "magnitude=unit[,magnitude=unit...]" (magnitude names in any case).
 /// False with `message` naming the bad entry and the choices; nothing is changed then.
 bool RshviewApplyUnits(const std::string& list, std::string& message);
+
+/// Each magnitude (lower-case name) with its display unit and the units to choose from:
+/// {"length": {"unit": "mm", "units": ["mm", ...]}, ...}.
+nlohmann::ordered_json RshviewUnitsJson();
+
+/// Keeps the current display units for good in the preference repository (committed
+/// atomically); false with `message` set when that fails.
+bool RshviewStoreUnits(std::string& message);

@@ -3,8 +3,6 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
-#include "KEPParmDictionary.h"
-#include "KEPSysPreferenceRepository.h"
 #include "RshviewCommands.h"
 #include "RshviewUnits.h"
 
@@ -30,37 +28,24 @@ int RunUnitsCommand(RshviewContext& context) {
       context.err << "rshview units: " << message.substr(message.find(' ') + 1) << "\n";
       return 2;
     }
-    KEPSysPreferenceRepository* repository =
-        KEPSysPreferenceRepository::GetRepository(kRshviewUnitsRepository);
-    if (!repository) {
-      context.err << "rshview units: the preference repository is not available (set "
-                     "KEPRSH_PREFERENCES or HOME)\n";
-      return 1;
-    }
-    for (KEPICkeMagnitude* magnitude : KEPParmDictionary::Magnitudes())
-      repository->SetValue(magnitude->Name().ToUTF8(), magnitude->CurrentUnit()->Name().ToUTF8());
-    if (FAILED(repository->Commit())) {
-      context.err << "rshview units: the choice could not be saved (see the trace above)\n";
+    if (!RshviewStoreUnits(message)) {
+      context.err << "rshview units: " << message << "\n";
       return 1;
     }
   }
-  nlohmann::ordered_json json = nlohmann::ordered_json::object();
-  for (KEPICkeMagnitude* magnitude : KEPParmDictionary::Magnitudes()) {
-    nlohmann::ordered_json choices = nlohmann::ordered_json::array();
-    for (KEPICkeUnit* unit : KEPParmDictionary::UnitsOf(magnitude))
-      choices.push_back(unit->Name().ToUTF8());
-    const std::string name = KEPToLower(magnitude->Name().ToUTF8());
-    const std::string current = magnitude->CurrentUnit()->Name().ToUTF8();
-    json[name] = {{"unit", current}, {"units", choices}};
-    if (context.options.format == "text") {
-      std::string list;
-      for (const auto& choice : choices)
-        list += (list.empty() ? "" : ", ") + choice.get<std::string>();
-      context.out << name << std::string(name.size() < 8 ? 8 - name.size() : 1, ' ') << current
-                  << std::string(current.size() < 4 ? 4 - current.size() : 1, ' ') << "(" << list
-                  << ")\n";
-    }
+  const nlohmann::ordered_json json = RshviewUnitsJson();
+  if (context.options.format == "json") {
+    context.out << json.dump(2) << "\n";
+    return 0;
   }
-  if (context.options.format == "json") context.out << json.dump(2) << "\n";
+  for (const auto& [name, magnitude] : json.items()) {
+    const std::string current = magnitude["unit"].get<std::string>();
+    std::string list;
+    for (const auto& choice : magnitude["units"])
+      list += (list.empty() ? "" : ", ") + choice.get<std::string>();
+    context.out << name << std::string(name.size() < 8 ? 8 - name.size() : 1, ' ') << current
+                << std::string(current.size() < 4 ? 4 - current.size() : 1, ' ') << "(" << list
+                << ")\n";
+  }
   return 0;
 }

@@ -1,0 +1,214 @@
+// `rshview serve`: loads the document, then answers the HTTP API while the calling thread, which
+// owns the host, runs the requests handed to it, until Ctrl-C, SIGTERM or the control stops it.
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <ostream>
+
+#include "KEPShaderDocumentWriter.h"
+#include "RshviewHttpServer.h"
+#include "RshviewServe.h"
+
+extern char** environ;
+
+const char* const kRshviewServeHelp =
+    "Usage: rshview serve [--library DIR] [--doc FILE] [--port N] [--host ADDR] [--web DIR]\n"
+    "                     [--open]\n"
+    "\n"
+    "Serves the editors of a document to a browser: the front-end's pages and the JSON API of\n"
+    "docs/api.md (the document and its nodes, each node's immersive and classic editor, user\n"
+    "events with the parameter writes they make, the viewer's material answers, a preview\n"
+    "picture, the display units, saving, and a stream of the changes for every open tab).\n"
+    "Prints the address to open and runs until Ctrl-C.\n"
+    "\n"
+    "Without --doc it edits a working copy of the bundled showroom,\n"
+    "$XDG_DATA_HOME/rshview/showroom.rshdoc.json (~/.local/share/... when XDG_DATA_HOME is not\n"
+    "set, $RSHVIEW_DATA/... when that is), made on first use; saving writes there, never into\n"
+    "the bundled samples. With --doc FILE, saving writes FILE (atomically).\n"
+    "\n"
+    "  --port N     the port; default 8642; 0 picks a free one\n"
+    "  --host ADDR  the address to listen on; default 127.0.0.1 (this machine only)\n"
+    "  --web DIR    the front-end's built folder; default: share/KEPRshView/web beside the\n"
+    "               program (apps/rshview/web/dist in a build tree), or $RSHVIEW_WEB\n"
+    "  --open       open the address in the desktop's browser (xdg-open)\n";
+
+namespace {
+namespace fs = std::filesystem;
+
+RshviewServeControl* gControl = nullptr;
+volatile std::sig_atomic_t gSignalled = 0;
+
+extern "C" void OnStopSignal(int) {
+  gSignalled = 1;
+}
+
+/// Catches SIGINT and SIGTERM while alive, restoring the previous handlers.
+class StopSignals {
+ public:
+  StopSignals() {
+    gSignalled = 0;
+    struct sigaction action {};
+    action.sa_handler = &OnStopSignal;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previousInt_);
+    sigaction(SIGTERM, &action, &previousTerm_);
+  }
+  ~StopSignals() {
+    sigaction(SIGINT, &previousInt_, nullptr);
+    sigaction(SIGTERM, &previousTerm_, nullptr);
+  }
+  StopSignals(const StopSignals&) = delete;
+  StopSignals& operator=(const StopSignals&) = delete;
+
+ private:
+  struct sigaction previousInt_ {};
+  struct sigaction previousTerm_ {};
+};
+
+/// Starts `xdg-open URL` with its output discarded; the child's pid, or -1.
+pid_t OpenInBrowser(const std::string& url) {
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
+  std::string program = "xdg-open", argument = url;
+  char* argv[] = {program.data(), argument.data(), nullptr};
+  pid_t pid = -1;
+  const int failed = posix_spawnp(&pid, "xdg-open", &actions, nullptr, argv, environ);
+  posix_spawn_file_actions_destroy(&actions);
+  return failed ? -1 : pid;
+}
+
+/// The document to edit: --doc, else the working copy (made from the bundled showroom on first
+/// use). Loads it into `context`; returns 0 or the exit code.
+int LoadDocument(RshviewContext& context) {
+  RshviewOptions& options = context.options;
+  if (!options.doc.empty()) return RshviewLoad(context);
+  const std::string copy = RshviewWorkingCopyPath();
+  if (copy.empty()) {
+    context.err << "rshview serve: no place for the working copy (set HOME, XDG_DATA_HOME or "
+                   "RSHVIEW_DATA), or give --doc FILE\n";
+    return 1;
+  }
+  std::error_code ec;
+  if (fs::exists(copy, ec)) {
+    options.doc = copy;
+    return RshviewLoad(context);
+  }
+  // First use: the bundled showroom, written to the copy with its paths (library, images) made
+  // relative to the copy's directory, so that the copy reads the same files.
+  if (const int code = RshviewLoad(context)) return code;
+  fs::create_directories(fs::path(copy).parent_path(), ec);
+  if (ec) {
+    context.err << "rshview serve: cannot create " << fs::path(copy).parent_path().string() << ": "
+                << ec.message() << "\n";
+    return 1;
+  }
+  const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*context.document, copy);
+  for (const std::string& error : saved.Errors()) context.err << error << "\n";
+  if (!saved.Ok()) return 1;
+  context.out << "rshview: copied the bundled showroom to " << copy << "\n";
+  options.doc = copy;
+  context.document->path = copy;
+  return 0;
+}
+
+bool ParsePort(const std::string& text, int& port) {
+  if (text.empty()) {
+    port = 8642;
+    return true;
+  }
+  const char* end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, port);
+  return error == std::errc() && last == end && port >= 0 && port <= 65535;
+}
+}  // namespace
+
+void RshviewSetServeControl(RshviewServeControl* control) {
+  gControl = control;
+}
+
+std::string RshviewWorkingCopyPath() {
+  const char* const name = "showroom.rshdoc.json";
+  if (const char* data = std::getenv("RSHVIEW_DATA"); data && *data)
+    return (fs::path(data) / name).string();
+  if (const char* xdg = std::getenv("XDG_DATA_HOME"); xdg && *xdg)
+    return (fs::path(xdg) / "rshview" / name).string();
+  if (const char* home = std::getenv("HOME"); home && *home)
+    return (fs::path(home) / ".local" / "share" / "rshview" / name).string();
+  return {};
+}
+
+int RunServeCommand(RshviewContext& context) {
+  RshviewOptions& options = context.options;
+  if (!options.arguments.empty()) {
+    context.err << "rshview serve: unexpected argument '" << options.arguments.front()
+                << "'\nTry 'rshview serve --help'.\n";
+    return 2;
+  }
+  int port = 0;
+  if (!ParsePort(options.port, port)) {
+    context.err << "rshview serve: --port must be a whole number from 0 to 65535, not '"
+                << options.port << "'\nTry 'rshview serve --help'.\n";
+    return 2;
+  }
+  if (const int code = LoadDocument(context)) return code;
+  RshviewServeControl* control = gControl;
+
+  RshviewEventStream events;
+  RshviewUiQueue queue;
+  RshviewServeSession session(context, events);
+  const RshviewStaticFiles statics(options.web.empty() ? RshviewWebDirectory() : options.web);
+  RshviewServerOptions serverOptions;
+  serverOptions.host = options.host.empty() ? "127.0.0.1" : options.host;
+  serverOptions.port = port;
+  if (control) serverOptions.uiTimeout = std::chrono::milliseconds(control->uiTimeoutMs);
+  RshviewHttpServer server(session, queue, events, statics, serverOptions);
+  std::string error;
+  if (!server.Start(error)) {
+    context.err << "rshview serve: " << error << "\n";
+    return 1;
+  }
+  const bool ipv6 = serverOptions.host.find(':') != std::string::npos;
+  const std::string url = "http://" + (ipv6 ? "[" + serverOptions.host + "]" : serverOptions.host) +
+                          ":" + std::to_string(server.Port()) + "/";
+  const std::string doc = fs::absolute(options.doc).lexically_normal().string();
+  context.out << "rshview: editing " << doc << "\n";
+  if (!statics.Built())
+    context.out << "rshview: the browser front-end is not built (no " << statics.Root()
+                << "/index.html); the address says how to build it\n";
+  context.out << "rshview: serving " << doc << " on " << url << " (Ctrl-C to stop)" << std::endl;
+
+  StopSignals signals;
+  pid_t browser = -1;
+  if (options.open) {
+    browser = OpenInBrowser(url);
+    if (browser < 0)
+      context.err << "rshview serve: warning: could not run xdg-open " << url << "\n";
+  }
+  if (control && control->ready) control->ready(server.Port());
+  while (!gSignalled && !(control && control->stop.load()))
+    queue.RunPending(std::chrono::milliseconds(100));
+  if (browser > 0) {
+    int status = 0;
+    if (waitpid(browser, &status, WNOHANG) == browser &&
+        !(WIFEXITED(status) && WEXITSTATUS(status) == 0))
+      context.err << "rshview serve: warning: xdg-open " << url << " failed\n";
+  }
+
+  if (session.Dirty())
+    context.err << "rshview serve: warning: the changes since the last save were not written to "
+                << doc << "\n";
+  // Nothing waits on the UI thread or the event stream any more, then the HTTP threads end.
+  queue.Close();
+  events.Close();
+  server.Stop();
+  context.out << "rshview: stopped" << std::endl;
+  return 0;
+}

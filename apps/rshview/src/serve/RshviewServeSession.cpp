@@ -1,0 +1,332 @@
+#include "RshviewServeSession.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "KEPHostShaderNode.h"
+#include "KEPRdgRenderLock.h"
+#include "KEPRshModelEvents.h"
+#include "KEPShaderDocumentWriter.h"
+#include "KEPVidTree.h"
+#include "RshviewEditorDiff.h"
+#include "RshviewUnits.h"
+#include "RshviewViewer.h"
+
+namespace {
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+std::string Absolute(const std::string& path) {
+  std::error_code ec;
+  const fs::path absolute = fs::absolute(path, ec);
+  return ec ? path : absolute.lexically_normal().string();
+}
+
+bool ReadWholeFile(const std::string& path, std::string& content) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  content.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  return !in.bad();
+}
+
+std::string Lower(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
+/// The node each connected parameter of `node` leads to, in parameter order.
+std::vector<std::pair<std::string, KEPHostShaderNode*>> SubShaders(
+    const KEPHostShaderDocument& document, const KEPHostShaderNode& node) {
+  std::vector<std::pair<std::string, KEPHostShaderNode*>> list;
+  for (const auto& parameter : node.Parameters()) {
+    KEP_var<KEPIRshShader> connected;
+    if (FAILED(parameter->GetConnectedShader(*connected.Out())) || !connected) continue;
+    KEPString name, id;
+    parameter->GetName(name);
+    connected->GetId(id);
+    if (KEPHostShaderNode* target = document.FindNode(id)) list.emplace_back(name, target);
+  }
+  return list;
+}
+
+std::string EditorKey(const std::string& node, bool classic, bool restricted) {
+  return node + '\n' + (classic ? "classic" : restricted ? "restricted" : "immersive");
+}
+}  // namespace
+
+RshviewServeSession::RshviewServeSession(RshviewContext& context, RshviewEventStream& events)
+    : context_(context),
+      events_(events),
+      log_(*context.document, fs::path(context.options.doc).parent_path().string()) {
+  RshviewEnsureStartupPath(context.options.library);
+  observer_ = KEPRshModelEvents::AddParameterObserver(
+      [this](KEPIRshParameter* parameter, KEPRshParameterChangeKind) { NoteWrite(parameter); });
+}
+
+RshviewServeSession::~RshviewServeSession() {
+  KEPRshModelEvents::RemoveObserver(observer_);
+  editors_.clear();
+}
+
+Json RshviewServeSession::Origin(const std::string& client) {
+  return client.empty() ? Json(nullptr) : Json(client);
+}
+
+void RshviewServeSession::NoteWrite(KEPIRshParameter* parameter) {
+  Json write = log_.Write(parameter);
+  writes_.push_back(write);
+  dirty_ = true;
+  write["revision"] = ++revision_;
+  write["origin"] = Origin(client_);
+  events_.Publish("write", write);
+}
+
+KEPHostShaderNode* RshviewServeSession::FindNode(const std::string& id, RshviewReply& reply) const {
+  KEPHostShaderNode* node = context_.document->FindNode(id);
+  if (!node)
+    reply = RshviewReply::Error(404, "unknown node",
+                                "no node '" + id + "' in " + Absolute(context_.options.doc));
+  return node;
+}
+
+RshviewServeSession::OpenEditor* RshviewServeSession::OpenEditorOf(KEPHostShaderNode* node,
+                                                                   bool classic, bool restricted,
+                                                                   RshviewReply& reply) {
+  auto& slot = editors_[EditorKey(node->Id(), classic, restricted)];
+  if (slot) return slot.get();
+  auto open = std::make_unique<OpenEditor>();
+  open->node = node->Id();
+  open->classic = classic;
+  open->restricted = restricted;
+  std::string message;
+  if (!open->editor.Build(node, restricted, message, classic)) {
+    editors_.erase(EditorKey(node->Id(), classic, restricted));
+    reply = RshviewReply::Error(404, "no editor", message);
+    return nullptr;
+  }
+  slot = std::move(open);
+  return slot.get();
+}
+
+RshviewReply RshviewServeSession::Document() {
+  const KEPHostShaderDocument& document = *context_.document;
+  std::map<const KEPHostShaderNode*, std::string> parents;
+  std::vector<Json> nodes;
+  for (const auto& node : document.Nodes()) {
+    Json subShaders = Json::array();
+    for (const auto& [parameter, target] : SubShaders(document, *node)) {
+      subShaders.push_back({{"parameter", parameter}, {"node", target->Id()}});
+      parents.try_emplace(target, node->Id());
+    }
+    KEPUnicodeString alias;
+    node->GetAlias(alias);
+    const KEPHostShaderTypeDefinition* type = document.Library()->FindType(node->TypeName());
+    const bool root = std::find(document.materials.begin(), document.materials.end(), node->Id()) !=
+                      document.materials.end();
+    std::string kind = "other";
+    if (type && type->isTexture)
+      kind = "texture";
+    else if (root)
+      kind = Lower(node->TypeName()).find("light") != std::string::npos ? "light" : "material";
+    nodes.push_back({{"id", node->Id()},
+                     {"alias", alias.ToUTF8()},
+                     {"type", node->TypeName()},
+                     {"kind", kind},
+                     {"root", root},
+                     {"parent", nullptr},
+                     {"subShaders", std::move(subShaders)}});
+  }
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const auto parent = parents.find(document.Nodes()[i].Get());
+    if (parent != parents.end() && !nodes[i]["root"].get<bool>())
+      nodes[i]["parent"] = parent->second;
+  }
+  Json units = Json::object();
+  const Json all = RshviewUnitsJson();
+  for (const auto& [magnitude, value] : all.items()) units[magnitude] = value["unit"];
+  return RshviewReply::Json({{"path", Absolute(context_.options.doc)},
+                             {"library", Absolute(context_.options.library)},
+                             {"saved", !dirty_},
+                             {"revision", Revision()},
+                             {"units", units},
+                             {"nodes", nodes}});
+}
+
+RshviewReply RshviewServeSession::Editor(const std::string& id, const std::string& kind,
+                                         bool restricted) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  OpenEditor* open = OpenEditorOf(node, kind == "classic", restricted, reply);
+  if (!open) return reply;
+  // The tree is written as text directly, as `rshview dump --format json` writes it.
+  const Json head{{"node", node->Id()},
+                  {"type", node->TypeName()},
+                  {"editorKind", kind},
+                  {"restricted", restricted},
+                  {"revision", Revision()}};
+  std::string text = RshviewJsonText(head);
+  text.pop_back();  // the closing brace
+  auto tree = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open->editor.Editor()));
+  text += ",\"editor\":" + tree->Text() + "}";
+  open->snapshot = std::move(tree);
+  open->snapshotStamp = stamp_;
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
+}
+
+RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEditorEvent& event,
+                                        const std::string& client) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  KEPVidAction action;
+  if (!KEPVidParseAction(event.action, action))
+    return RshviewReply::Error(400, "bad request",
+                               "unknown action '" + event.action +
+                                   "' (set, type, press, toggle, select, expand, collapse, color, "
+                                   "choose, open, close, drag, ok, cancel)");
+  OpenEditor* open = OpenEditorOf(node, event.editor == "classic", event.restricted, reply);
+  if (!open) return reply;
+  KEPVidWidget* editor = open->editor.Editor();
+  if (!open->snapshot || open->snapshotStamp != stamp_)
+    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  writes_ = Json::array();
+  client_ = client;
+  std::string error;
+  const HRESULT hr = KEPVidInject(editor, event.path, action, event.argument, error);
+  client_.clear();
+  ++stamp_;
+  if (FAILED(hr)) return RshviewReply::Error(422, "refused event", error);
+  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  // Written as text: the changed subtrees go out as the tree's own text.
+  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
+                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open->snapshot, *after)) +
+                     ",\"revision\":" + std::to_string(Revision()) + "}";
+  writes_ = Json::array();
+  open->snapshot = std::move(after);
+  open->snapshotStamp = stamp_;
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
+}
+
+RshviewReply RshviewServeSession::Material(const std::string& id) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  const KEPRdgRenderLock lock;  // read as a renderer reads: no write in between
+  return RshviewReply::Json(RshviewMaterialAnswers(*node, false));
+}
+
+RshviewReply RshviewServeSession::Texture(const std::string& id) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  Json image;
+  {
+    const KEPRdgRenderLock lock;
+    image = RshviewMaterialAnswers(*node, false)["texture"]["image"];
+  }
+  if (!image.is_object())
+    return RshviewReply::Error(404, "no texture",
+                               "the material of node '" + id + "' answers no texture image");
+  const std::string path = image["path"].get<std::string>();
+  std::string content;
+  if (!ReadWholeFile(path, content))
+    return RshviewReply::Error(404, "no texture", "cannot read " + path);
+  return RshviewReply{200, std::move(content), "image/png"};
+}
+
+RshviewReply RshviewServeSession::Preview(const std::string& id, int size) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  static std::atomic<unsigned> counter{0};
+  std::error_code ec;
+  const fs::path file =
+      fs::temp_directory_path(ec) /
+      ("rshview-preview-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".png");
+  std::string error, content;
+  bool written = false;
+  {
+    const KEPRdgRenderLock lock;
+    written = RshviewWritePreview(node, size, file.string(), error);
+  }
+  const bool read = written && ReadWholeFile(file.string(), content);
+  fs::remove(file, ec);
+  if (!written) return RshviewReply::Error(500, "internal error", error);
+  if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file.string());
+  return RshviewReply{200, std::move(content), "image/png"};
+}
+
+RshviewReply RshviewServeSession::Units() {
+  return RshviewReply::Json(RshviewUnitsJson());
+}
+
+RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std::string& client) {
+  const Json current = RshviewUnitsJson();
+  std::string list, keys = "persist";
+  for (const auto& [magnitude, value] : current.items()) keys += ", " + magnitude;
+  bool persist = false;
+  for (const auto& [key, value] : body.items()) {
+    if (key == "persist") {
+      if (!value.is_boolean())
+        return RshviewReply::Error(400, "bad request", "'persist' must be true or false");
+      persist = value.get<bool>();
+      continue;
+    }
+    if (!current.contains(key)) {
+      std::string message = "unknown key '";
+      message.append(key).append("' (keys: ").append(keys).append(")");
+      return RshviewReply::Error(400, "bad request", message);
+    }
+    if (!value.is_string())
+      return RshviewReply::Error(400, "bad request", "'" + key + "' must be a unit's name");
+    list += (list.empty() ? "" : ",") + key + "=" + value.get<std::string>();
+  }
+  // Checked whole before anything changes: a bad unit leaves every unit as it was.
+  std::string message;
+  if (!list.empty() && !RshviewApplyUnits(list, message)) {
+    if (message.starts_with("--units: ")) message.erase(0, 9);
+    return RshviewReply::Error(400, "bad request", message);
+  }
+  if (persist && !RshviewStoreUnits(message))
+    return RshviewReply::Error(500, "internal error", message);
+  // The editors show values in the display units they were built with: build them afresh.
+  ++stamp_;
+  for (auto& [key, open] : editors_) {
+    KEPHostShaderNode* node = context_.document->FindNode(open->node);
+    std::string error;
+    if (!node || !open->editor.Build(node, open->restricted, error, open->classic))
+      context_.err << "rshview serve: " << error << "\n";
+  }
+  Json announced = Json::object();
+  const Json now = RshviewUnitsJson();
+  for (const auto& [magnitude, value] : now.items()) announced[magnitude] = value["unit"];
+  announced["revision"] = ++revision_;
+  announced["origin"] = Origin(client);
+  events_.Publish("units", announced);
+  return RshviewReply::Json(now);
+}
+
+RshviewReply RshviewServeSession::Save(const std::string& client) {
+  const std::string path = Absolute(context_.options.doc);
+  const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*context_.document, path);
+  if (!saved.Ok()) {
+    std::string detail;
+    for (const std::string& error : saved.Errors()) detail += (detail.empty() ? "" : "\n") + error;
+    return RshviewReply::Error(500, "internal error", detail);
+  }
+  std::error_code ec;
+  const auto bytes = fs::file_size(path, ec);
+  dirty_ = false;
+  const Json answer{{"path", path}, {"bytes", ec ? 0 : bytes}, {"revision", Revision()}};
+  Json announced = answer;
+  announced["origin"] = Origin(client);
+  events_.Publish("saved", announced);
+  return RshviewReply::Json(answer);
+}

@@ -1,0 +1,487 @@
+// rshview serve: the HTTP API as a browser uses it, against a server started in-process on a free
+// port (its own thread is the host's UI thread), and the refusals that protect it.
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <httplib.h>
+#include <netinet/in.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "RshviewRun.h"
+#include "RshviewServe.h"
+
+namespace {
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+const char* const kGlossSlider = "ParameterGroup0/ParameterWidget3/scalarSlider";
+
+/// A scratch folder holding the working copy and the preference file of one test.
+class Scratch {
+ public:
+  Scratch() {
+    std::string pattern = (fs::temp_directory_path() / "rshview-serveXXXXXX").string();
+    root_ = mkdtemp(pattern.data());
+    setenv("KEPRSH_PREFERENCES", Path("preferences.json").c_str(), 1);
+    setenv("RSHVIEW_DATA", Path("data").c_str(), 1);
+  }
+  ~Scratch() {
+    unsetenv("KEPRSH_PREFERENCES");
+    unsetenv("RSHVIEW_DATA");
+    std::error_code ignored;
+    fs::remove_all(root_, ignored);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  std::string Path(const std::string& name) const { return (root_ / name).string(); }
+  std::string Write(const std::string& name, const std::string& text) const {
+    fs::create_directories(fs::path(Path(name)).parent_path());
+    std::ofstream(Path(name)) << text;
+    return Path(name);
+  }
+
+ private:
+  fs::path root_;
+};
+
+/// `rshview serve --port 0 ARGS...` on a thread of its own, with a client for it; stopped (as
+/// Ctrl-C stops it) when it goes away.
+class Server {
+ public:
+  explicit Server(std::vector<std::string> args = {}, int uiTimeoutMs = 10000) {
+    control_.uiTimeoutMs = uiTimeoutMs;
+    std::promise<int> port;
+    auto ready = port.get_future();
+    control_.ready = [&port](int p) { port.set_value(p); };
+    RshviewSetServeControl(&control_);
+    args.insert(args.begin(), {"serve", "--port", "0"});
+    thread_ = std::thread([this, args] { outcome_ = Rshview(args); });
+    if (ready.wait_for(std::chrono::seconds(60)) != std::future_status::ready) {
+      control_.stop = true;
+      thread_.join();
+      ADD_FAILURE() << "the server did not start: " << outcome_.err;
+      return;
+    }
+    port_ = ready.get();
+    client_ = std::make_unique<httplib::Client>("127.0.0.1", port_);
+    client_->set_read_timeout(20, 0);
+  }
+  ~Server() { Stop(); }
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  /// Stops the server and returns how the command ended.
+  const Outcome& Stop() {
+    if (thread_.joinable()) {
+      control_.stop = true;
+      thread_.join();
+      RshviewSetServeControl(nullptr);
+    }
+    return outcome_;
+  }
+  int Port() const { return port_; }
+  httplib::Client& Client() { return *client_; }
+  std::string Address() const { return "127.0.0.1:" + std::to_string(port_); }
+
+  httplib::Result Post(const std::string& path, const std::string& body,
+                       const httplib::Headers& headers = {}) {
+    return client_->Post(path.c_str(), headers, body, "application/json");
+  }
+  Json GetJson(const std::string& path) {
+    auto result = client_->Get(path.c_str());
+    EXPECT_TRUE(result) << path;
+    if (!result) return nullptr;
+    EXPECT_EQ(result->status, 200) << path << ": " << result->body;
+    return Json::parse(result->body);
+  }
+
+ private:
+  RshviewServeControl control_;
+  std::thread thread_;
+  Outcome outcome_{-1, {}, {}};
+  int port_ = 0;
+  std::unique_ptr<httplib::Client> client_;
+};
+
+/// Sends `request` as is on a new connection and returns the status line's code (0 on failure).
+int RawStatus(int port, const std::string& request) {
+  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  int status = 0;
+  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+      send(fd, request.data(), request.size(), 0) == static_cast<ssize_t>(request.size())) {
+    char buffer[64] = {};
+    if (recv(fd, buffer, sizeof buffer - 1, 0) > 12) status = std::atoi(buffer + 9);
+  }
+  close(fd);
+  return status;
+}
+
+/// The first widget of `tree` for which `match` holds, or null.
+const Json* FindWidget(const Json& tree, const std::function<bool(const Json&)>& match) {
+  if (match(tree)) return &tree;
+  for (const Json& child : tree["children"])
+    if (const Json* found = FindWidget(child, match)) return found;
+  return nullptr;
+}
+
+std::string EventBody(const std::string& path, const std::string& argument,
+                      const std::string& action = "set") {
+  return Json{{"action", action}, {"path", path}, {"argument", argument}}.dump();
+}
+
+TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
+  Scratch scratch;
+  Server server;
+  const Json document = server.GetJson("/api/document");
+  // Without --doc the server edits a working copy, never the bundled sample.
+  EXPECT_EQ(document["path"], scratch.Path("data/showroom.rshdoc.json"));
+  EXPECT_TRUE(fs::exists(scratch.Path("data/showroom.rshdoc.json")));
+  EXPECT_TRUE(fs::is_directory(document["library"].get<std::string>()));
+  EXPECT_EQ(document["saved"], true);
+  EXPECT_EQ(document["units"]["length"], "mm");
+  const Json& nodes = document["nodes"];
+  ASSERT_GE(nodes.size(), 4u);
+  EXPECT_EQ(nodes[0]["id"], "red_paint");
+  EXPECT_EQ(nodes[0]["kind"], "material");
+  EXPECT_EQ(nodes[0]["alias"], "Red metallic paint");
+  EXPECT_EQ(nodes[0]["subShaders"], Json::parse(R"([{"parameter": "default_slot_diffuse_texture",
+                             "node": "red_paint.decal"}])"));
+  EXPECT_EQ(nodes[1]["id"], "red_paint.decal");
+  EXPECT_EQ(nodes[1]["kind"], "texture");
+  EXPECT_EQ(nodes[1]["parent"], "red_paint");
+  EXPECT_EQ(nodes[1]["root"], false);
+  std::map<std::string, std::string> kinds;
+  for (const Json& node : nodes) kinds[node["id"]] = node["kind"];
+  EXPECT_EQ(kinds["key_light"], "light");
+  EXPECT_EQ(kinds["plaster_wall.bump"], "other");
+  EXPECT_EQ(kinds["window"], "material");
+  // The copy reads the same library and images as the sample: its material has the checker.
+  const Json material = server.GetJson("/api/nodes/red_paint.decal/material");
+  EXPECT_EQ(material["id"], "red_paint.decal");
+  auto texture = server.Client().Get("/api/nodes/red_paint/texture");
+  ASSERT_TRUE(texture);
+  EXPECT_EQ(texture->status, 200);
+  EXPECT_EQ(texture->get_header_value("Content-Type"), "image/png");
+  EXPECT_EQ(texture->body.substr(1, 3), "PNG");
+  const Outcome& ended = server.Stop();
+  EXPECT_EQ(ended.code, 0) << ended.err;
+  EXPECT_NE(ended.out.find("rshview: serving " + scratch.Path("data/showroom.rshdoc.json") +
+                           " on http://127.0.0.1:"),
+            std::string::npos)
+      << ended.out;
+  EXPECT_NE(ended.out.find("rshview: stopped"), std::string::npos);
+}
+
+TEST(RshviewServe, EditorIsTheDumpTreeAndEventsReportWritesAndChangedWidgets) {
+  Scratch scratch;
+  const Outcome dump = Rshview({"dump", "--node", "red_paint", "--format", "json"});
+  ASSERT_EQ(dump.code, 0) << dump.err;
+  Server server;
+  const Json editor = server.GetJson("/api/nodes/red_paint/editor?editor=immersive");
+  EXPECT_EQ(editor["editorKind"], "immersive");
+  EXPECT_EQ(editor["revision"], 0);
+  EXPECT_EQ(editor["editor"], Json::parse(dump.out)["editor"]);
+  // A browser accepts compressed answers; the server sends them as they are (compressing a large
+  // tree at the library's quality took seconds), and the page's script likewise.
+  for (const char* path : {"/api/nodes/red_paint/editor", "/api/document"}) {
+    auto plain = server.Client().Get(path, {{"Accept-Encoding", "gzip, deflate, br"}});
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(plain->status, 200);
+    EXPECT_FALSE(plain->has_header("Content-Encoding")) << path;
+    EXPECT_EQ(plain->get_header_value("Content-Type"), "application/json; charset=utf-8");
+  }
+
+  auto moved = server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"),
+                           {{"X-Rshview-Client", "tab-1"}});
+  ASSERT_TRUE(moved);
+  ASSERT_EQ(moved->status, 200) << moved->body;
+  const Json answer = Json::parse(moved->body);
+  ASSERT_EQ(answer["writes"].size(), 1u) << answer["writes"];
+  EXPECT_EQ(answer["writes"][0]["parameter"], "default_generic_brdf_diffuse_glossiness");
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["old"].get<double>(), 0.2);
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["new"].get<double>(), 0.6);
+  EXPECT_EQ(answer["revision"], 1);
+  // The slider moved, and the editor that follows it shows the new value.
+  std::vector<std::string> paths;
+  for (const Json& changed : answer["changed"]) paths.push_back(changed["path"]);
+  const auto has = [&](const std::string& ending) {
+    return std::any_of(paths.begin(), paths.end(),
+                       [&](const std::string& p) { return p.ends_with(ending); });
+  };
+  EXPECT_TRUE(has("ParameterWidget3/ScalarLayout/scalarSlider")) << answer["changed"];
+  EXPECT_TRUE(has("ParameterWidget3/ScalarLayout/scalarEditor")) << answer["changed"];
+  EXPECT_EQ(answer["changed"][0]["widget"]["path"], answer["changed"][0]["path"]);
+
+  // The editor stays open between requests: the next fetch shows the moved slider.
+  const Json again = server.GetJson("/api/nodes/red_paint/editor");
+  EXPECT_EQ(again["revision"], 1);
+  const Json* slider = FindWidget(again["editor"], [](const Json& w) {
+    return w["path"].is_string() &&
+           w["path"].get<std::string>().ends_with("ParameterWidget3/ScalarLayout/scalarSlider");
+  });
+  ASSERT_NE(slider, nullptr);
+  EXPECT_EQ((*slider)["state"]["value"], 60);
+  EXPECT_EQ(server.GetJson("/api/document")["saved"], false);
+}
+
+TEST(RshviewServe, ARefusedEventAnswers422AndChangesNothing) {
+  Scratch scratch;
+  Server server;
+  struct Case {
+    std::string body;
+    std::string detail;
+  };
+  const Case cases[] = {
+      {EventBody("ParameterGroup0/nope", "1"), "segment 2 \"nope\""},
+      {EventBody(kGlossSlider, "abc"), "abc"},
+      {EventBody(kGlossSlider, "", "press"), "press"},
+  };
+  for (const Case& c : cases) {
+    auto refused = server.Post("/api/nodes/red_paint/events", c.body);
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, 422) << c.body << ": " << refused->body;
+    const Json error = Json::parse(refused->body);
+    EXPECT_EQ(error["error"], "refused event");
+    EXPECT_NE(error["detail"].get<std::string>().find(c.detail), std::string::npos)
+        << error["detail"];
+  }
+  const Json document = server.GetJson("/api/document");
+  EXPECT_EQ(document["revision"], 0);
+  EXPECT_EQ(document["saved"], true);
+}
+
+TEST(RshviewServe, AUnitsChangeRebuildsTheEditorsInTheNewUnit) {
+  Scratch scratch;
+  Server server;
+  const auto lengthSpinner = [](const Json& w) {
+    return w["class"] == "KEPVidCtlDoubleSpinBox" && w["state"].value("suffix", "") != "";
+  };
+  const Json before = server.GetJson("/api/nodes/red_paint/editor");
+  const Json* mm = FindWidget(before["editor"], lengthSpinner);
+  ASSERT_NE(mm, nullptr);
+  EXPECT_EQ((*mm)["state"]["suffix"], "mm");
+  const std::string path = (*mm)["path"];
+
+  auto changed =
+      server.Client().Put("/api/units", R"({"length": "cm", "angle": "deg"})", "application/json");
+  ASSERT_TRUE(changed);
+  ASSERT_EQ(changed->status, 200) << changed->body;
+  EXPECT_EQ(Json::parse(changed->body)["length"]["unit"], "cm");
+  const Json after = server.GetJson("/api/nodes/red_paint/editor");
+  EXPECT_EQ(after["revision"], 1);
+  const Json* cm = FindWidget(after["editor"], [&](const Json& w) { return w["path"] == path; });
+  ASSERT_NE(cm, nullptr);
+  EXPECT_EQ((*cm)["state"]["suffix"], "cm");
+  EXPECT_DOUBLE_EQ((*cm)["state"]["minimum"].get<double>(),
+                   (*mm)["state"]["minimum"].get<double>() / 10);
+  EXPECT_EQ(server.GetJson("/api/document")["units"],
+            Json::parse(R"({"length": "cm", "angle": "deg"})"));
+  // Not kept for later runs unless asked.
+  EXPECT_FALSE(fs::exists(scratch.Path("preferences.json")));
+
+  auto bad = server.Client().Put("/api/units", R"({"length": "parsec"})", "application/json");
+  ASSERT_TRUE(bad);
+  EXPECT_EQ(bad->status, 400);
+  EXPECT_NE(bad->body.find("parsec"), std::string::npos);
+  EXPECT_EQ(server.GetJson("/api/units")["length"]["unit"], "cm");
+}
+
+TEST(RshviewServe, SaveWritesTheDocFileAtomicallyAndItReloads) {
+  Scratch scratch;
+  const Outcome copy =
+      Rshview({"drive", "--node", "red_paint", "--save", scratch.Path("mine.rshdoc.json"),
+               scratch.Write("empty.txt", "# nothing\n")});
+  ASSERT_EQ(copy.code, 0) << copy.err;
+  {
+    Server server({"--doc", scratch.Path("mine.rshdoc.json")});
+    ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status,
+              200);
+    auto saved = server.Post("/api/save", "");
+    ASSERT_TRUE(saved);
+    ASSERT_EQ(saved->status, 200) << saved->body;
+    const Json answer = Json::parse(saved->body);
+    EXPECT_EQ(answer["path"], scratch.Path("mine.rshdoc.json"));
+    EXPECT_EQ(answer["bytes"], fs::file_size(scratch.Path("mine.rshdoc.json")));
+    EXPECT_EQ(server.GetJson("/api/document")["saved"], true);
+    EXPECT_EQ(server.Post("/api/save", R"({"where": "elsewhere"})")->status, 400);
+  }
+  // No temporary file is left beside it, and the saved value reads back.
+  for (const auto& entry : fs::directory_iterator(scratch.Path("")))
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".mine")) << entry.path();
+  const Outcome params = Rshview({"params", "--doc", scratch.Path("mine.rshdoc.json"), "--node",
+                                  "red_paint", "--format", "json"});
+  ASSERT_EQ(params.code, 0) << params.err;
+  bool found = false;
+  const Json listed = Json::parse(params.out);
+  for (const Json& parameter : listed["parameters"])
+    if (parameter["name"] == "default_generic_brdf_diffuse_glossiness") {
+      found = true;
+      EXPECT_DOUBLE_EQ(parameter["value"].get<double>(), 0.6);
+    }
+  EXPECT_TRUE(found);
+}
+
+TEST(RshviewServe, TheEventStreamDeliversAWriteToAnotherClientAndEndsAtStop) {
+  Scratch scratch;
+  Server server;
+  std::promise<void> greeted, written;
+  std::string received;
+  std::thread listener([&] {
+    httplib::Client client("127.0.0.1", server.Port());
+    client.set_read_timeout(30, 0);
+    bool sawHello = false, sawWrite = false;
+    client.Get("/api/events", [&](const char* data, std::size_t length) {
+      received.append(data, length);
+      if (!sawHello && received.find("event: hello") != std::string::npos) {
+        sawHello = true;
+        greeted.set_value();
+      }
+      if (!sawWrite && received.find("event: write") != std::string::npos &&
+          received.find("\n\n", received.find("event: write")) != std::string::npos) {
+        sawWrite = true;
+        written.set_value();
+      }
+      return true;
+    });
+  });
+  ASSERT_EQ(greeted.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  ASSERT_EQ(server
+                .Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"),
+                      {{"X-Rshview-Client", "tab-a"}})
+                ->status,
+            200);
+  ASSERT_EQ(written.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  const std::size_t data = received.find("data: ", received.find("event: write"));
+  const Json write = Json::parse(received.substr(data + 6, received.find('\n', data) - data - 6));
+  EXPECT_EQ(write["node"], "red_paint");
+  EXPECT_EQ(write["parameter"], "default_generic_brdf_diffuse_glossiness");
+  EXPECT_EQ(write["origin"], "tab-a");
+  EXPECT_EQ(write["revision"], 1);
+  // Stopping the server ends the open stream: nothing hangs.
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.Stop().code, 0);
+  listener.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+TEST(RshviewServe, RefusedRequestsAnswerTheirErrorAndChangeNothing) {
+  Scratch scratch;
+  Server server;
+  const std::string set = EventBody(kGlossSlider, "60");
+  const std::string events = "/api/nodes/red_paint/events";
+  auto& client = server.Client();
+  struct Case {
+    const char* what;
+    httplib::Result result;
+    int status;
+    std::string detail;
+  };
+  const Case cases[] = {
+      {"oversized body", server.Post(events, std::string(70 * 1024, ' ')), 413, ""},
+      {"malformed JSON", server.Post(events, R"({"action": "set", })"), 400, "line 1, column"},
+      {"unknown key", server.Post(events, R"({"action": "set", "path": "x", "colour": 1})"), 400,
+       "'colour'"},
+      {"wrong type", server.Post(events, R"({"action": "set", "path": 3})"), 400, "'path'"},
+      {"missing key", server.Post(events, R"({"path": "x"})"), 400, "'action'"},
+      {"bad Host",
+       client.Post(events.c_str(), {{"Host", "evil.example:" + std::to_string(server.Port())}}, set,
+                   "application/json"),
+       421, "evil.example"},
+      {"cross-origin write", server.Post(events, set, {{"Origin", "http://evil.example"}}), 403,
+       "evil.example"},
+      {"form post", client.Post(events.c_str(), set, "application/x-www-form-urlencoded"), 415,
+       "application/x-www-form-urlencoded"},
+      {"text post", client.Post(events.c_str(), set, "text/plain"), 415, "text/plain"},
+      {"wrong method", client.Get(events.c_str()), 405, "POST"},
+      {"unknown route", client.Get("/api/nothing"), 404, "/api/nothing"},
+      {"unknown node", server.Post("/api/nodes/nope/events", set), 404, "'nope'"},
+      {"unknown editor", client.Get("/api/nodes/red_paint/editor?editor=fancy"), 400, "fancy"},
+      {"bad client id", server.Post(events, set, {{"X-Rshview-Client", "a b"}}), 400,
+       "X-Rshview-Client"},
+      {"bad preview size", client.Get("/api/nodes/red_paint/preview.png?size=9999"), 400, "9999"},
+      {"no texture", client.Get("/api/nodes/window/texture"), 404, "window"},
+  };
+  for (const Case& c : cases) {
+    ASSERT_TRUE(c.result) << c.what;
+    EXPECT_EQ(c.result->status, c.status) << c.what << ": " << c.result->body;
+    const Json error = Json::parse(c.result->body, nullptr, false);
+    ASSERT_TRUE(error.is_object()) << c.what << ": " << c.result->body;
+    EXPECT_TRUE(error.contains("error")) << c.what;
+    EXPECT_NE(error.dump().find(c.detail), std::string::npos) << c.what << ": " << error;
+  }
+  // The server's own origin may write.
+  EXPECT_EQ(
+      server.Post(events, set, {{"Origin", "http://localhost:" + std::to_string(server.Port())}})
+          ->status,
+      200);
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], 1);
+}
+
+TEST(RshviewServe, StaticFilesStayInsideTheFrontEndFolder) {
+  Scratch scratch;
+  scratch.Write("web/index.html", "<html>front-end</html>");
+  scratch.Write("web/assets/app.js", "console.log(1);");
+  scratch.Write("secret.txt", "secret");
+  fs::create_symlink(scratch.Path("secret.txt"), scratch.Path("web/assets/link.txt"));
+  Server server({"--web", scratch.Path("web")});
+  auto index = server.Client().Get("/");
+  ASSERT_TRUE(index);
+  EXPECT_EQ(index->status, 200);
+  EXPECT_EQ(index->body, "<html>front-end</html>");
+  auto script = server.Client().Get("/assets/app.js", {{"Accept-Encoding", "br, gzip"}});
+  ASSERT_TRUE(script);
+  EXPECT_EQ(script->status, 200);
+  EXPECT_EQ(script->get_header_value("Content-Type"), "application/javascript; charset=utf-8");
+  EXPECT_FALSE(script->has_header("Content-Encoding"));
+
+  const std::string host = "Host: " + server.Address() + "\r\n\r\n";
+  for (const char* path : {"/../secret.txt", "/assets/../../secret.txt", "/%2e%2e/secret.txt",
+                           "/assets/%2E%2E/%2e%2e/secret.txt", "/assets/link.txt",
+                           "//"
+                           "etc/passwd",
+                           "/assets/missing.js", "/assets/..%2f..%2fsecret.txt"}) {
+    const int status =
+        RawStatus(server.Port(), "GET " + std::string(path) + " HTTP/1.1\r\n" + host);
+    EXPECT_TRUE(status == 404 || status == 400) << path << ": " << status;
+  }
+  EXPECT_EQ(RawStatus(server.Port(), "GET /assets/app.js HTTP/1.1\r\n" + host), 200);
+  EXPECT_EQ(RawStatus(server.Port(), "GET / HTTP/1.1\r\nHost: attacker.example\r\n\r\n"), 421);
+}
+
+TEST(RshviewServe, WithoutABuiltFrontEndTheRootSaysHowToBuildIt) {
+  Scratch scratch;
+  Server server({"--web", scratch.Path("no-web")});
+  auto page = server.Client().Get("/");
+  ASSERT_TRUE(page);
+  EXPECT_EQ(page->status, 200);
+  EXPECT_NE(page->body.find("npm --prefix apps/rshview/web ci"), std::string::npos);
+  EXPECT_EQ(server.Client().Get("/assets/app.js")->status, 404);
+  auto preview = server.Client().Get("/api/nodes/red_paint/preview.png?size=32");
+  ASSERT_TRUE(preview);
+  EXPECT_EQ(preview->status, 200);
+  EXPECT_EQ(preview->get_header_value("Content-Type"), "image/png");
+}
+
+TEST(RshviewServe, WrongCommandLinesAreRefused) {
+  Scratch scratch;
+  EXPECT_EQ(Rshview({"serve", "--port", "70000"}).code, 2);
+  EXPECT_EQ(Rshview({"serve", "--port", "x"}).code, 2);
+  EXPECT_EQ(Rshview({"dump", "--port", "1"}).code, 2);
+  EXPECT_EQ(Rshview({"serve", "extra"}).code, 2);
+  const Outcome help = Rshview({"--help"});
+  EXPECT_NE(help.out.find("  serve "), std::string::npos);
+}
+}  // namespace

@@ -1,0 +1,301 @@
+// The page in Chromium against a real `rshview serve` on a copy of the sample. The tests share
+// one server (so each reads the values it starts from rather than assuming the sample's), each
+// with a fresh page; the test that stops its server has one of its own. A failing test leaves a
+// screenshot in build/web-test-artifacts/.
+
+import assert from 'node:assert/strict';
+import { mkdirSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import {
+  artifacts, canvasPixels, decodePng, differingPixels, launchBrowser, openPage, readDoc, sampleCopy,
+  startServer, withScreenshot,
+} from './harness.mjs';
+
+let browser;
+let shared;
+before(async () => {
+  [browser, shared] = await Promise.all([launchBrowser(), startServer()]);
+});
+after(async () => {
+  await browser?.close();
+  await shared?.stop();
+});
+
+/** Runs a test with a fresh page on the shared server; closes the page afterwards. */
+async function scenario(t, body, { hash = '' } = {}) {
+  const page = await openPage(browser, shared.url, { hash });
+  try {
+    await withScreenshot(t, page, () => body({ page, server: shared }));
+    assert.deepEqual(page.consoleErrors.filter((e) => !/status of 4\d\d/.test(e)), []);
+  } finally {
+    await page.context().close();
+  }
+}
+
+/** Waits until every request of the page was answered. */
+async function settled(page) {
+  await page.waitForFunction(() => window.rshview.api.queue.length === 0 && window.rshview.api.pending === 0);
+}
+
+async function expandGroup(page, label) {
+  const header = page.locator('.expander-header', { hasText: label }).first();
+  if ((await header.getAttribute('aria-expanded')) !== 'true') {
+    await header.click();
+    await page.waitForFunction((text) => [...document.querySelectorAll('.expander-header')].some((h) => h.textContent.includes(text) && h.getAttribute('aria-expanded') === 'true'), label);
+  }
+}
+
+/** The path of the widget matching `selector` in the row of the parameter labelled `label`. */
+async function rowWidget(page, label, selector) {
+  return page.evaluate(([text, sel]) => {
+    const l = [...document.querySelectorAll('.param-label')].find((x) => x.textContent === text);
+    if (!l) throw new Error(`no row '${text}'`);
+    const n = /(\d+)$/.exec(l.dataset.name)[1];
+    const widget = [...l.parentElement.children].find((c) => c.dataset.name === `ParameterWidget${n}` || c.dataset.name === `parameterDialog${n}`);
+    const target = widget.matches(sel) ? widget : widget.querySelector(sel);
+    return target.closest('[data-path]').dataset.path;
+  }, [label, selector]);
+}
+
+const at = (path) => `[data-path="${path.replace(/"/g, '\\"')}"]`;
+
+async function material(server, node) {
+  const response = await fetch(`${server.url}api/nodes/${encodeURIComponent(node)}/material`);
+  return response.json();
+}
+
+test('the sample opens, a node is picked from the list, both editors draw every class', async (t) => {
+  await scenario(t, async ({ page }) => {
+    assert.equal(await page.textContent('#node-title'), 'Red metallic paint');
+    // An editor with nothing to show says so rather than leaving the pane blank.
+    await page.click('.switch [data-kind="classic"]');
+    await page.waitForSelector('body[data-editor-kind="classic"][data-editor-node="red_paint"]');
+    assert.equal(await page.textContent('.editor-empty'), 'The classic editor of Red metallic paint shows no parameters.');
+    await page.click('.node[data-node="floor"]');
+    await page.waitForSelector('body[data-editor-node="floor"]');
+    assert.equal(await page.textContent('#node-title'), 'Polished floor');
+    for (const kind of ['classic', 'immersive']) {
+      await page.click(`.switch [data-kind="${kind}"]`);
+      await page.waitForSelector(`body[data-editor-kind="${kind}"][data-editor-node="floor"]`);
+      // Every class of the sample's trees has its own renderer: nothing falls back to a box.
+      assert.deepEqual(await page.$$eval('.unknown', (boxes) => boxes.map((b) => b.dataset.cls)), [], kind);
+      assert.equal(await page.locator('.editor-empty').count(), 0, kind);
+    }
+    // Icons that no resource draws are glyphs, not requests that fail.
+    assert.deepEqual(page.failedRequests, []);
+    // The node filter keeps matches and the nodes above them.
+    await page.fill('#node-filter', 'tiles');
+    assert.deepEqual(await page.$$eval('.node', (rows) => rows.filter((r) => r.offsetParent).map((r) => r.dataset.node)), ['floor', 'floor.tiles']);
+    // The parameter filter hides the rows whose label does not match.
+    await expandGroup(page, 'Reflection');
+    await page.fill('#param-filter', 'gloss');
+    const shown = await page.$$eval('.param-label', (labels) => labels.filter((l) => l.offsetParent).map((l) => l.textContent));
+    assert.ok(shown.length > 0 && shown.every((text) => text.includes('gloss')), shown.join());
+  });
+});
+
+test('moving a slider writes the value and redraws the preview as rshview preview draws it', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    assert.equal(await page.evaluate(() => window.rshview.preview.mode), 'webgl');
+    // The canvas shows what the server's own picture shows (same shading model).
+    const png = decodePng(Buffer.from(await (await fetch(`${server.url}api/nodes/red_paint/preview.png?size=256`)).arrayBuffer()));
+    const before = await canvasPixels(page);
+    assert.ok(differingPixels(before, png.data, 3) < 256 * 256 * 0.01, 'canvas and preview.png differ');
+
+    await expandGroup(page, 'Base coat');
+    const sliderPath = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlSlider"]');
+    const editorPath = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+    const start = Number(await page.inputValue(at(editorPath)));
+    const drawn = Number(await page.getAttribute('body', 'data-preview-drawn'));
+    const box = await page.locator(at(sliderPath)).boundingBox();
+    await page.mouse.move(box.x + box.width * 0.8, box.y + box.height / 2);
+    await page.mouse.down();
+    await page.mouse.move(box.x + box.width * 0.3, box.y + box.height / 2, { steps: 5 });
+    await page.mouse.up();
+    await settled(page);
+    await page.waitForFunction((n) => Number(document.body.dataset.previewDrawn) > n, drawn);
+    const value = Number(await page.inputValue(at(editorPath)));
+    assert.ok(value > 0.2 && value < 0.45, `editor shows ${value}`);
+    assert.match(await page.textContent('#status'), new RegExp(`red_paint\\.default_generic_brdf_diffuse_weight: ${start} → 0\\.[234]`));
+    const after = await canvasPixels(page);
+    assert.ok(differingPixels(before, after, 2) > 2000, 'the preview did not change');
+    assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - value) < 1e-6);
+
+    // Arrows move a focused slider by its step.
+    await page.focus(at(sliderPath));
+    await page.keyboard.press('End');
+    await settled(page);
+    await page.waitForFunction((p) => document.querySelector(p).value === '1', at(editorPath));
+
+    mkdirSync(artifacts, { recursive: true });
+    await expandGroup(page, 'Clear coat');
+    await page.mouse.move(0, 0);
+    await page.waitForTimeout(200); // the carets' turn
+    await page.screenshot({ path: join(artifacts, 'rshview-serve.png') });
+  });
+});
+
+test('a value typed out of range is refused and the field shows the value again', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    await expandGroup(page, 'Base coat');
+    const editorPath = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+    const status = await page.textContent('#status');
+    const shown = await page.inputValue(at(editorPath));
+    const held = (await material(server, 'red_paint')).lighting.diffuse.coefficient;
+    for (const typed of ['5', '-0.5']) {
+      await page.fill(at(editorPath), typed);
+      await page.press(at(editorPath), 'Enter');
+      await settled(page);
+      await page.waitForFunction(([p, v]) => document.querySelector(p).value === v, [at(editorPath), shown]);
+      assert.match(await page.textContent('#error'), new RegExp(`'${typed}' was not taken \\(Value ranges from 0\\.00 to 1\\.00\\)`));
+    }
+    assert.equal(await page.textContent('#status'), status, 'no write was reported');
+    assert.equal((await material(server, 'red_paint')).lighting.diffuse.coefficient, held);
+    // A value in range is taken, and the message goes.
+    await page.fill(at(editorPath), '0.5');
+    await page.press(at(editorPath), 'Enter');
+    await settled(page);
+    assert.equal(await page.textContent('#error'), '');
+    assert.equal((await material(server, 'red_paint')).lighting.diffuse.coefficient, 0.5);
+  });
+});
+
+test('changing the length unit converts the values shown', async (t) => {
+  await scenario(t, async ({ page }) => {
+    await expandGroup(page, 'Mapping');
+    const spinPath = await rowWidget(page, 'scale_v', '.spinbox');
+    const shown = async () => [await page.inputValue(`${at(spinPath)} input`), await page.textContent(`${at(spinPath)} .suffix`)];
+    assert.deepEqual(await shown(), ['100.00', 'mm']);
+    try {
+      await page.selectOption('#unit-length', 'cm');
+      await page.waitForFunction((p) => document.querySelector(`${p} .suffix`)?.textContent === 'cm', at(spinPath));
+      assert.deepEqual(await shown(), ['10.00', 'cm']);
+      // A value typed in the unit shown is written in the document's unit.
+      await page.fill(`${at(spinPath)} input`, '2.5');
+      await page.press(`${at(spinPath)} input`, 'Enter');
+      await settled(page);
+      assert.match(await page.textContent('#status'), /scale_v: 100 → 25$/);
+      assert.deepEqual(await shown(), ['2.50', 'cm']);
+    } finally {
+      await page.selectOption('#unit-length', 'mm');
+      await settled(page);
+    }
+  });
+});
+
+test('a group collapsed stays collapsed after a reload', async (t) => {
+  await scenario(t, async ({ page }) => {
+    const state = () => page.locator('.expander-header', { hasText: 'Clear coat' }).first().getAttribute('aria-expanded');
+    await expandGroup(page, 'Clear coat');
+    await page.reload();
+    await page.waitForSelector('body[data-ready="true"]');
+    assert.equal(await state(), 'true');
+    await page.locator('.expander-header', { hasText: 'Clear coat' }).first().click();
+    await settled(page);
+    await page.reload();
+    await page.waitForSelector('body[data-ready="true"]');
+    assert.equal(await state(), 'false');
+  });
+});
+
+test('two tabs stay in step: a write in one shows in the other', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    const other = await openPage(browser, server.url);
+    try {
+      await other.waitForFunction(() => document.body.dataset.stream === 'open');
+      await expandGroup(page, 'Base coat');
+      const editorPath = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      await page.fill(at(editorPath), '0.35');
+      await page.press(at(editorPath), 'Enter');
+      await settled(page);
+      await other.waitForFunction((p) => document.querySelector(p)?.value === '0.35', at(editorPath), { timeout: 5000 });
+      assert.match(await other.textContent('#status'), /diffuse_weight: [\d.]+ → 0\.35 \(another window\)/);
+    } finally {
+      await other.context().close();
+    }
+  });
+});
+
+test('Save writes the document and the value is in the file', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    await expandGroup(page, 'Base coat');
+    const editorPath = await rowWidget(page, 'default_generic_brdf_diffuse_glossiness', '[data-cls="KEPVidCtlEditor"]');
+    await page.fill(at(editorPath), '0.42');
+    await page.press(at(editorPath), 'Enter');
+    await settled(page);
+    assert.equal(await page.textContent('#doc-saved'), 'modified');
+    await page.click('#save');
+    await page.waitForFunction(() => /^Saved /.test(document.getElementById('status').textContent));
+    assert.equal(await page.textContent('#doc-saved'), 'saved');
+    const doc = readDoc(server.doc);
+    const red = doc.materials.find((m) => m.id === 'red_paint');
+    assert.ok(Math.abs(red.values.default_generic_brdf_diffuse_glossiness - 0.42) < 1e-6);
+  });
+});
+
+test('the colour popup opens from its button and Escape closes it', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    await expandGroup(page, 'Base coat');
+    const buttonPath = await rowWidget(page, 'default_slot_diffuse_color', '[data-name="AmbientColor"]');
+    await page.click(at(buttonPath));
+    await page.waitForSelector('.popup.open');
+    // A palette colour is sent to the picker and written.
+    await page.click('.popup.open .palette:not(.recent) .swatch-button[title="#0000ff"]');
+    await settled(page);
+    assert.deepEqual((await material(server, 'red_paint')).lighting.diffuse.color, [0, 0, 1]);
+    await page.focus('.popup.open');
+    await page.keyboard.press('Escape');
+    await settled(page);
+    await page.waitForSelector('.popup.open', { state: 'detached', timeout: 5000 }).catch(async () => {
+      assert.equal(await page.locator('.popup.open').count(), 0);
+    });
+  });
+});
+
+test('bad requests are answered 4xx with the server\'s message, shown as it is', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    const call = (path, init = {}) => fetch(server.url + path, init).then(async (r) => [r.status, (await r.json().catch(() => ({}))).error]);
+    const json = { 'Content-Type': 'application/json' };
+    const cases = [
+      ['api/nodes/red_paint/events', { method: 'POST', headers: json, body: '{"action": ' }, 400, 'malformed JSON'],
+      ['api/nodes/red_paint/events', { method: 'POST', headers: json, body: '{"colour": 1}' }, 400, 'bad request'],
+      ['api/nodes/red_paint/events', { method: 'POST', headers: { 'Content-Type': 'text/plain' }, body: '{}' }, 415, 'unsupported media type'],
+      ['api/nodes/red_paint/events', { method: 'POST', headers: json, body: '{"action": "press", "path": "nope"}' }, 422, 'refused event'],
+      ['api/nodes/nope/editor', {}, 404, 'unknown node'],
+      ['api/nope', {}, 404, 'not found'],
+      ['api/save', { method: 'DELETE' }, 405, 'method not allowed'],
+    ];
+    for (const [path, init, status, error] of cases) assert.deepEqual(await call(path, init), [status, error], `${init.method || 'GET'} ${path}`);
+    // Through the page: a refused event shows the server's own message.
+    await page.evaluate(() => window.rshview.view.ctx.send('press', 'ParameterGroup0/nothing'));
+    await settled(page);
+    assert.match(await page.textContent('#error'), /refused event: .*nothing/);
+  });
+});
+
+test('when the server goes away the page says so, keeps what was typed and sends it later', async (t) => {
+  const copy = sampleCopy();
+  let server = await startServer(copy);
+  const page = await openPage(browser, server.url);
+  try {
+    await withScreenshot(t, page, async () => {
+      await expandGroup(page, 'Base coat');
+      const editorPath = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      await server.stop();
+      await page.fill(at(editorPath), '0.25');
+      await page.press(at(editorPath), 'Enter');
+      await page.waitForSelector('#banner:not([hidden])');
+      assert.match(await page.textContent('#banner-text'), /1 change waiting/);
+      const port = new URL(server.url).port;
+      server = await startServer({ ...copy, port });
+      await page.click('#banner-retry');
+      await page.waitForSelector('#banner', { state: 'hidden', timeout: 10000 });
+      await settled(page);
+      assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - 0.25) < 1e-6);
+    });
+  } finally {
+    await page.context().close();
+    await server.stop();
+  }
+});
