@@ -9,6 +9,7 @@
 
 #include <string>
 
+#include "BenchEditorLoops.h"
 #include "BenchMixedNode.h"
 #include "KEPDlgFrame.h"
 #include "KEPHostConfiguration.h"
@@ -58,24 +59,17 @@ struct Scene {
     return editor;
   }
 
+  using Root = KEPDlgFrame;
+  bool Ready() const { return static_cast<bool>(dialog); }
+
   KEPHostContext host;
   KEP_var<KEPHostShaderNode> node;
   KEP_var<KEPIRshShaderEditorDialog> dialog;
 };
 
 void BM_BuildClassicEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.dialog) {
-    state.SkipWithError("no classic editor registered");
-    return;
-  }
-  for (auto _ : state) {
-    KEP_var<KEPDlgFrame> root;
-    benchmark::DoNotOptimize(scene.Build(root));
-    state.PauseTiming();
-    root.Reset();  // tearing down is not building
-    state.ResumeTiming();
-  }
+  const Scene scene(static_cast<int>(state.range(0)));
+  bench::TimeBuild(state, scene);
   state.SetComplexityN(state.range(0));
   state.counters["rows/s"] = benchmark::Counter(static_cast<double>(state.range(0)),
                                                 benchmark::Counter::kIsIterationInvariantRate);
@@ -88,19 +82,8 @@ BENCHMARK(BM_BuildClassicEditor)
     ->Complexity();
 
 void BM_SerialiseClassicEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.dialog) {
-    state.SkipWithError("no classic editor registered");
-    return;
-  }
-  KEP_var<KEPDlgFrame> root;
-  KEPDialog* editor = scene.Build(root);
-  std::size_t bytes = 0;
-  for (auto _ : state) {
-    const std::string text = KEPVidToJsonText(editor);
-    bytes = text.size();
-    benchmark::DoNotOptimize(text.data());
-  }
+  const Scene scene(static_cast<int>(state.range(0)));
+  const std::size_t bytes = bench::TimeSerialise(state, scene);
   state.SetComplexityN(state.range(0));
   state.counters["bytes"] = static_cast<double>(bytes);
 }
@@ -112,18 +95,8 @@ BENCHMARK(BM_SerialiseClassicEditor)
     ->Complexity();
 
 void BM_TearDownClassicEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.dialog) {
-    state.SkipWithError("no classic editor registered");
-    return;
-  }
-  for (auto _ : state) {
-    state.PauseTiming();
-    KEP_var<KEPDlgFrame> root;
-    scene.Build(root);
-    state.ResumeTiming();
-    root.Reset();
-  }
+  const Scene scene(static_cast<int>(state.range(0)));
+  bench::TimeTearDown(state, scene);
 }
 BENCHMARK(BM_TearDownClassicEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
 

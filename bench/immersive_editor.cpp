@@ -12,6 +12,7 @@
 
 #include <string>
 
+#include "BenchEditorLoops.h"
 #include "BenchMixedNode.h"
 #include "KEPHostConfiguration.h"
 #include "KEPHostContext.h"
@@ -71,24 +72,17 @@ struct Scene {
     return editor;
   }
 
+  using Root = KEPVidLayGrid;
+  bool Ready() const { return static_cast<bool>(layout); }
+
   KEPHostContext host;
   KEP_var<KEPHostShaderNode> node;
   KEP_var<KEPIRshShaderEditorImmLayout> layout;
 };
 
 void BM_BuildEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.layout) {
-    state.SkipWithError("no immersive editor registered");
-    return;
-  }
-  for (auto _ : state) {
-    KEP_var<KEPVidLayGrid> root;
-    benchmark::DoNotOptimize(scene.Build(root));
-    state.PauseTiming();
-    root.Reset();  // tearing down is not building
-    state.ResumeTiming();
-  }
+  const Scene scene(static_cast<int>(state.range(0)));
+  bench::TimeBuild(state, scene);
   state.SetComplexityN(state.range(0));
   state.counters["rows/s"] = benchmark::Counter(static_cast<double>(state.range(0)),
                                                 benchmark::Counter::kIsIterationInvariantRate);
@@ -101,14 +95,8 @@ BENCHMARK(BM_BuildEditor)
     ->Complexity();
 
 void BM_SerialiseEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.layout) {
-    state.SkipWithError("no immersive editor registered");
-    return;
-  }
-  KEP_var<KEPVidLayGrid> root;
-  KEPVidWidget* editor = scene.Build(root);
-  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJsonText(editor));
+  const Scene scene(static_cast<int>(state.range(0)));
+  bench::TimeSerialise(state, scene);
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(BM_SerialiseEditor)
@@ -119,46 +107,20 @@ BENCHMARK(BM_SerialiseEditor)
     ->Complexity();
 
 void BM_TearDownEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)));
-  if (!scene.layout) {
-    state.SkipWithError("no immersive editor registered");
-    return;
-  }
-  for (auto _ : state) {
-    state.PauseTiming();
-    KEP_var<KEPVidLayGrid> root;
-    scene.Build(root);
-    state.ResumeTiming();
-    root.Reset();
-  }
+  const Scene scene(static_cast<int>(state.range(0)));
+  bench::TimeTearDown(state, scene);
 }
 BENCHMARK(BM_TearDownEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 void BM_BuildMixedEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
-  if (!scene.layout) {
-    state.SkipWithError("no immersive editor registered");
-    return;
-  }
-  for (auto _ : state) {
-    KEP_var<KEPVidLayGrid> root;
-    benchmark::DoNotOptimize(scene.Build(root));
-    state.PauseTiming();
-    root.Reset();
-    state.ResumeTiming();
-  }
+  const Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
+  bench::TimeBuild(state, scene);
 }
 BENCHMARK(BM_BuildMixedEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 void BM_SerialiseMixedEditor(benchmark::State& state) {
-  Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
-  if (!scene.layout) {
-    state.SkipWithError("no immersive editor registered");
-    return;
-  }
-  KEP_var<KEPVidLayGrid> root;
-  KEPVidWidget* editor = scene.Build(root);
-  for (auto _ : state) benchmark::DoNotOptimize(KEPVidToJsonText(editor));
+  const Scene scene(static_cast<int>(state.range(0)), Mix::Mixed);
+  bench::TimeSerialise(state, scene);
 }
 BENCHMARK(BM_SerialiseMixedEditor)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
