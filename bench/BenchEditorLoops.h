@@ -8,8 +8,8 @@
 #include <cstddef>
 #include <string>
 
-#include "KEP_var.h"
 #include "KEPVidTree.h"
+#include "KEP_var.h"
 
 namespace bench {
 
