@@ -1,12 +1,16 @@
 #include "RshviewServeSession.h"
 
-#include <unistd.h>
+#include <stdlib.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
+#include <string_view>
 
 #include "KEPHostShaderNode.h"
 #include "KEPRdgRenderLock.h"
@@ -55,6 +59,16 @@ std::vector<std::pair<std::string, KEPHostShaderNode*>> SubShaders(
   return list;
 }
 
+std::string NewInstanceId() {
+  std::random_device device;
+  std::mt19937_64 random(
+      (std::uint64_t{device()} << 32) ^ device() ^
+      static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(random()));
+  return text;
+}
+
 std::string EditorKey(const std::string& node, bool classic, bool restricted) {
   return node + '\n' + (classic ? "classic" : restricted ? "restricted" : "immersive");
 }
@@ -63,7 +77,8 @@ std::string EditorKey(const std::string& node, bool classic, bool restricted) {
 RshviewServeSession::RshviewServeSession(RshviewContext& context, RshviewEventStream& events)
     : context_(context),
       events_(events),
-      log_(*context.document, fs::path(context.options.doc).parent_path().string()) {
+      log_(*context.document, fs::path(context.options.doc).parent_path().string()),
+      instance_(NewInstanceId()) {
   RshviewEnsureStartupPath(context.options.library);
   observer_ = KEPRshModelEvents::AddParameterObserver(
       [this](KEPIRshParameter* parameter, KEPRshParameterChangeKind) { NoteWrite(parameter); });
@@ -153,6 +168,7 @@ RshviewReply RshviewServeSession::Document() {
   return RshviewReply::Json({{"path", Absolute(context_.options.doc)},
                              {"library", Absolute(context_.options.library)},
                              {"saved", !dirty_},
+                             {"instance", instance_},
                              {"revision", Revision()},
                              {"units", units},
                              {"nodes", nodes}});
@@ -238,6 +254,11 @@ RshviewReply RshviewServeSession::Texture(const std::string& id) {
   std::string content;
   if (!ReadWholeFile(path, content))
     return RshviewReply::Error(404, "no texture", "cannot read " + path);
+  // Served as image/png: a file of another kind is not served at all.
+  static constexpr std::string_view kPngSignature{"\x89PNG\r\n\x1a\n", 8};
+  if (!content.starts_with(kPngSignature))
+    return RshviewReply::Error(415, "not a PNG image",
+                               "the texture image " + path + " is not a PNG file");
   return RshviewReply{200, std::move(content), "image/png"};
 }
 
@@ -245,21 +266,27 @@ RshviewReply RshviewServeSession::Preview(const std::string& id, int size) {
   RshviewReply reply;
   KEPHostShaderNode* node = FindNode(id, reply);
   if (!node) return reply;
-  static std::atomic<unsigned> counter{0};
-  std::error_code ec;
-  const fs::path file =
-      fs::temp_directory_path(ec) /
-      ("rshview-preview-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".png");
-  std::string error, content;
-  bool written = false;
+  RshviewSphereMaterial material;
   {
-    const KEPRdgRenderLock lock;
-    written = RshviewWritePreview(node, size, file.string(), error);
+    const KEPRdgRenderLock lock;  // only the answers are read under the lock, not the drawing
+    if (!RshviewAskSphereMaterial(node, material))
+      return RshviewReply::Error(500, "internal error",
+                                 "the module's hardware material is not registered");
   }
-  const bool read = written && ReadWholeFile(file.string(), content);
-  fs::remove(file, ec);
+  // The PNG is written in a folder of this process's own (mode 0700), then read back.
+  std::error_code ec;
+  std::string folder = (fs::temp_directory_path(ec) / "rshview-preview-XXXXXX").string();
+  if (ec || !::mkdtemp(folder.data()))
+    return RshviewReply::Error(500, "internal error",
+                               "cannot make a temporary folder for the preview in " +
+                                   fs::temp_directory_path(ec).string());
+  const std::string file = (fs::path(folder) / "preview.png").string();
+  std::string error, content;
+  const bool written = RshviewWriteSpherePreview(material, size, file, error);
+  const bool read = written && ReadWholeFile(file, content);
+  fs::remove_all(folder, ec);
   if (!written) return RshviewReply::Error(500, "internal error", error);
-  if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file.string());
+  if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file);
   return RshviewReply{200, std::move(content), "image/png"};
 }
 
@@ -296,6 +323,9 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
   }
   if (persist && !RshviewStoreUnits(message))
     return RshviewReply::Error(500, "internal error", message);
+  const Json now = RshviewUnitsJson();
+  // Nothing changed (an empty body, or the units already shown): no rebuild and no event.
+  if (now == current) return RshviewReply::Json(now);
   // The editors show values in the display units they were built with: build them afresh.
   ++stamp_;
   for (auto& [key, open] : editors_) {
@@ -305,7 +335,6 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
       context_.err << "rshview serve: " << error << "\n";
   }
   Json announced = Json::object();
-  const Json now = RshviewUnitsJson();
   for (const auto& [magnitude, value] : now.items()) announced[magnitude] = value["unit"];
   announced["revision"] = ++revision_;
   announced["origin"] = Origin(client);

@@ -51,6 +51,10 @@ class RshviewServeSession {
   /// A parameter was written since the document was loaded or saved.
   bool Dirty() const { return dirty_; }
 
+  /// Names this run of the server (random, 16 hex digits): a client that sees it change knows the
+  /// server restarted, its revisions with it.
+  const std::string& Instance() const { return instance_; }
+
   /// Grows with every parameter write and every units change.
   std::uint64_t Revision() const { return revision_.load(); }
 
@@ -79,6 +83,7 @@ class RshviewServeSession {
   int observer_ = 0;
   std::map<std::string, std::unique_ptr<OpenEditor>> editors_;
   std::atomic<std::uint64_t> revision_{0};
+  std::string instance_;
   std::uint64_t stamp_ = 0;  ///< grows with every event and every rebuild of the editors
   bool dirty_ = false;
   std::string client_;             ///< the client whose request is running

@@ -15,6 +15,7 @@ const app = {
   node: null,
   kind: localStorage.getItem('rshview.editor') === 'classic' ? 'classic' : 'immersive',
   revision: 0,
+  instance: null, // the server's run, from the document and the stream's hello
   editorRequest: 0,
   materialRequest: 0,
 };
@@ -115,6 +116,15 @@ function typedDiffers(w, action, argument) {
   return !near(w?.state?.value) && !near(leadingNumber(text));
 }
 
+/** Notes the server's run; true when it changed (the server restarted: revisions start again). */
+function noteInstance(instance) {
+  if (typeof instance !== 'string' || instance === app.instance) return false;
+  const restarted = app.instance !== null;
+  app.instance = instance;
+  if (restarted) app.revision = 0;
+  return restarted;
+}
+
 function noteRevision(revision) {
   if (typeof revision === 'number') app.revision = Math.max(app.revision, revision);
 }
@@ -127,6 +137,7 @@ function setSaved(saved) {
 async function loadDocument() {
   const doc = await api.document();
   app.doc = doc;
+  noteInstance(doc.instance);
   noteRevision(doc.revision);
   $('doc-path').textContent = doc.path || '';
   $('doc-path').title = doc.path || '';
@@ -173,7 +184,15 @@ async function loadEditor({ keepScroll = true } = {}) {
     const pane = $('editor');
     const top = pane.scrollTop;
     const focused = document.activeElement?.closest?.('[data-path]')?.dataset.path;
-    view.load(answer.editor);
+    // The same editor again (another tab wrote, the units changed): patched in place, so that a
+    // field being typed in keeps its text. Another node or kind is drawn afresh.
+    const shown = document.body.dataset.editorNode === id && document.body.dataset.editorKind === kind;
+    if (keepScroll && shown) {
+      pane.querySelector(':scope > .editor-empty')?.remove();
+      view.refresh(answer.editor);
+    } else {
+      view.load(answer.editor);
+    }
     showIfEmpty(pane, kind, id, answer.editor);
     if (keepScroll) pane.scrollTop = top;
     if (focused !== undefined && pane.contains(document.activeElement) === false && keepScroll) view.focusPath(focused);
@@ -268,8 +287,14 @@ function subscribe() {
   stream.addEventListener('open', () => { document.body.dataset.stream = 'open'; });
   stream.addEventListener('hello', (e) => {
     const data = JSON.parse(e.data);
-    // Writes may have been missed while the stream was away: catch up.
-    if (typeof data.revision === 'number' && data.revision > app.revision) refreshAll();
+    // Another run of the server (restarted): what this tab shows may be older than its revision
+    // 0. Else writes may have been missed while the stream was away: catch up.
+    if (noteInstance(data.instance)) {
+      setStatus('The server restarted: the document was read again');
+      refreshAll();
+    } else if (typeof data.revision === 'number' && data.revision > app.revision) {
+      refreshAll();
+    }
     noteRevision(data.revision);
   });
   stream.addEventListener('write', (e) => {

@@ -217,6 +217,47 @@ test('two tabs stay in step: a write in one shows in the other', async (t) => {
   });
 });
 
+test('a write in another tab keeps the text being typed in a field of this tab', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    // The group's state is the server's: the second tab opens with it expanded.
+    await expandGroup(page, 'Base coat');
+    await page.waitForFunction(() => document.body.dataset.stream === 'open');
+    const other = await openPage(browser, server.url);
+    try {
+      await expandGroup(other, 'Base coat');
+      const typing = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      const written = await rowWidget(other, 'default_generic_brdf_diffuse_glossiness', '[data-cls="KEPVidCtlEditor"]');
+      // Typed, not sent yet (no Enter, the field keeps the focus).
+      await page.fill(at(typing), '0.777');
+      const value = (await other.inputValue(at(written))) === '0.45' ? '0.55' : '0.45';
+      await other.fill(at(written), value);
+      await other.press(at(written), 'Enter');
+      await settled(other);
+      // This tab redraws the editor with the other tab's value...
+      await page.waitForFunction(([p, v]) => document.querySelector(p)?.value === v, [at(written), value], { timeout: 5000 });
+      // ...and the field being typed in keeps its text and the focus; Enter then sends it.
+      assert.notEqual((await material(server, 'red_paint')).lighting.diffuse.coefficient, 0.777, 'not sent yet');
+      assert.equal(await page.inputValue(at(typing)), '0.777');
+      assert.ok(await page.evaluate((p) => document.activeElement === document.querySelector(p), at(typing)));
+      await page.press(at(typing), 'Enter');
+      await settled(page);
+      assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - 0.777) < 1e-6);
+      // Escape after a redraw goes back to the value the server shows now, not the old one.
+      await page.fill(at(written), '0.9');
+      await other.fill(at(written), '0.66');
+      await other.press(at(written), 'Enter');
+      await settled(other);
+      await page.waitForFunction(() => /another window/.test(document.getElementById('status').textContent) && window.rshview.api.pending === 0);
+      await page.waitForFunction((p) => document.querySelector(p)?._shown === '0.66', at(written), { timeout: 5000 });
+      assert.equal(await page.inputValue(at(written)), '0.9');
+      await page.press(at(written), 'Escape');
+      assert.equal(await page.inputValue(at(written)), '0.66');
+    } finally {
+      await other.context().close();
+    }
+  });
+});
+
 test('Save writes the document and the value is in the file', async (t) => {
   await scenario(t, async ({ page, server }) => {
     await expandGroup(page, 'Base coat');
@@ -293,6 +334,38 @@ test('when the server goes away the page says so, keeps what was typed and sends
       await page.waitForSelector('#banner', { state: 'hidden', timeout: 10000 });
       await settled(page);
       assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - 0.25) < 1e-6);
+    });
+  } finally {
+    await page.context().close();
+    await server.stop();
+  }
+});
+
+test('after the server restarts, the tab reads the document of the new run', async (t) => {
+  const copy = sampleCopy();
+  let server = await startServer(copy);
+  const page = await openPage(browser, server.url);
+  try {
+    await withScreenshot(t, page, async () => {
+      await page.waitForFunction(() => document.body.dataset.stream === 'open');
+      await expandGroup(page, 'Base coat');
+      const path = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      const original = await page.inputValue(at(path));
+      const instance = await page.evaluate(() => window.rshview.instance);
+      assert.match(instance, /^[0-9a-f]{16}$/);
+      // Two writes, not saved: the next run starts from the file, at revision 0.
+      for (const typed of ['0.31', '0.32']) {
+        await page.fill(at(path), typed);
+        await page.press(at(path), 'Enter');
+        await settled(page);
+      }
+      assert.equal(await page.evaluate(() => window.rshview.revision), 2);
+      const port = new URL(server.url).port;
+      await server.stop();
+      server = await startServer({ ...copy, port });
+      await page.waitForFunction(([p, v]) => document.querySelector(p)?.value === v, [at(path), original], { timeout: 20000 });
+      assert.notEqual(await page.evaluate(() => window.rshview.instance), instance);
+      assert.match(await page.textContent('#status'), /The server restarted/);
     });
   } finally {
     await page.context().close();
