@@ -296,6 +296,83 @@ TEST(RshviewServe, ARefusedEventAnswers422AndChangesNothing) {
   EXPECT_EQ(document["saved"], true);
 }
 
+TEST(RshviewServe, AResetWritesTheLibraryDefaultAndRefusesWhatHasNone) {
+  Scratch scratch;
+  Server server;
+  const std::string reset = "/api/nodes/red_paint/reset";
+  ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status, 200);
+
+  // Refusals first: each names what was wrong and writes nothing.
+  struct Case {
+    std::string body;
+    int status;
+    std::string error;
+    std::string detail;
+  };
+  const Case cases[] = {
+      {R"({"parameter": "no_such_thing"})", 404, "unknown parameter", "'no_such_thing'"},
+      {R"({"parameter": "default_slot_diffuse_texture"})", 422, "no default",
+       "only takes a connection"},
+      {R"({"parameter": 3})", 400, "bad request", "'parameter'"},
+      {R"({"editor": "classic", "restricted": true, "parameter": "x"})", 400, "bad request",
+       "restricted"},
+      {"{}", 400, "bad request", "'parameter'"},
+  };
+  for (const Case& c : cases) {
+    auto refused = server.Post(reset, c.body);
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, c.status) << c.body << ": " << refused->body;
+    const Json error = Json::parse(refused->body);
+    EXPECT_EQ(error["error"], c.error) << c.body;
+    EXPECT_NE(error["detail"].dump().find(c.detail), std::string::npos) << error["detail"];
+  }
+  auto unknownNode = server.Post("/api/nodes/nope/reset", R"({"parameter": "x"})");
+  EXPECT_EQ(unknownNode->status, 404) << unknownNode->body;
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], 1);
+
+  // The moved glossiness goes back to the library's 0.2: written, announced, shown.
+  const std::string gloss = R"({"parameter": "default_generic_brdf_diffuse_glossiness"})";
+  auto done = server.Post(reset, gloss, {{"X-Rshview-Client", "tab-1"}});
+  ASSERT_TRUE(done);
+  ASSERT_EQ(done->status, 200) << done->body;
+  const Json answer = Json::parse(done->body);
+  ASSERT_EQ(answer["writes"].size(), 1u) << answer;
+  EXPECT_EQ(answer["writes"][0]["parameter"], "default_generic_brdf_diffuse_glossiness");
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["old"].get<double>(), 0.6);
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["new"].get<double>(), 0.2);
+  EXPECT_EQ(answer["revision"], 2);
+  const auto changed = [&](const Json& reply, const std::string& ending) {
+    return std::any_of(reply["changed"].begin(), reply["changed"].end(), [&](const Json& c) {
+      return c["path"].get<std::string>().ends_with(ending);
+    });
+  };
+  EXPECT_TRUE(changed(answer, "ParameterWidget3/ScalarLayout/scalarSlider")) << answer["changed"];
+  const Json editor = server.GetJson("/api/nodes/red_paint/editor");
+  const Json* slider = FindWidget(editor["editor"], [](const Json& w) {
+    return w["path"].is_string() &&
+           w["path"].get<std::string>().ends_with("ParameterWidget3/ScalarLayout/scalarSlider");
+  });
+  ASSERT_NE(slider, nullptr);
+  EXPECT_EQ((*slider)["state"]["value"], 20);
+
+  // Reset again: the value is the default already, so nothing is written or announced.
+  auto again = server.Post(reset, gloss);
+  ASSERT_EQ(again->status, 200) << again->body;
+  EXPECT_EQ(Json::parse(again->body)["writes"], Json::array());
+  EXPECT_EQ(Json::parse(again->body)["changed"], Json::array());
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], 2);
+
+  // A colour resets whole, alpha included, whichever editor asks.
+  auto colour = server.Post("/api/nodes/red_paint/reset",
+                            R"({"editor": "classic", "parameter": "default_slot_diffuse_color"})");
+  ASSERT_EQ(colour->status, 200) << colour->body;
+  const Json colourAnswer = Json::parse(colour->body);
+  ASSERT_EQ(colourAnswer["writes"].size(), 1u) << colourAnswer;
+  EXPECT_EQ(colourAnswer["writes"][0]["new"].size(), 4u) << colourAnswer["writes"];
+  EXPECT_EQ(colourAnswer["writes"][0]["new"], Json::parse("[0.55, 0.03, 0.03, 1.0]"));
+  EXPECT_EQ(colourAnswer["revision"], 3);
+}
+
 TEST(RshviewServe, AUnitsChangeRebuildsTheEditorsInTheNewUnit) {
   Scratch scratch;
   Server server;

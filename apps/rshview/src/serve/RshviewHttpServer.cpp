@@ -229,7 +229,7 @@ RshviewReply RshviewHttpServer::Route(const httplib::Request& request, httplib::
 RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Response& response,
                                     const std::string& bodyText, const std::string& client) {
   static const std::regex kNodeRoute(
-      "/api/nodes/([^/]+)/(editor|events|material|texture|"
+      "/api/nodes/([^/]+)/(editor|events|reset|material|texture|"
       "preview\\.png)");
   const std::string& path = request.path;
   std::string node, what;
@@ -244,7 +244,7 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
   } else if (std::regex_match(path, match, kNodeRoute)) {
     node = match[1];
     what = match[2];
-    allowed = {what == "events" ? "POST" : "GET"};
+    allowed = {what == "events" || what == "reset" ? "POST" : "GET"};
   } else {
     return RshviewReply::Error(404, "not found", "no route " + path + " (see docs/api.md)");
   }
@@ -309,6 +309,13 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
     if (!RshviewReadEditorEvent(body, event, error))
       return RshviewReply::Error(400, "bad request", error);
     return OnUi([&] { return session_.Event(node, event, client); });
+  }
+  if (what == "reset") {
+    RshviewParameterReset reset;
+    std::string error;
+    if (!RshviewReadParameterReset(body, reset, error))
+      return RshviewReply::Error(400, "bad request", error);
+    return OnUi([&] { return session_.Reset(node, reset, client); });
   }
   if (what == "material") return OnUi([&] { return session_.Material(node); });
   if (what == "texture") return OnUi([&] { return session_.Texture(node); });

@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -13,10 +14,12 @@
 #include <string_view>
 
 #include "KEPHostShaderNode.h"
+#include "KEPHostValueJson.h"
 #include "KEPRdgRenderLock.h"
 #include "KEPRshModelEvents.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPVidTree.h"
+#include "RshviewDefaultValue.h"
 #include "RshviewEditorDiff.h"
 #include "RshviewUnits.h"
 #include "RshviewViewer.h"
@@ -196,6 +199,32 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
   return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 
+template <class Change>
+RshviewReply RshviewServeSession::Changed(OpenEditor& open, const std::string& client,
+                                          Change change) {
+  KEPVidWidget* editor = open.editor.Editor();
+  if (!open.snapshot || open.snapshotStamp != stamp_)
+    open.snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  writes_ = Json::array();
+  client_ = client;
+  const std::optional<RshviewReply> refused = change();
+  client_.clear();
+  ++stamp_;
+  if (refused) {
+    writes_ = Json::array();
+    return *refused;
+  }
+  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  // Written as text: the changed subtrees go out as the tree's own text.
+  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
+                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open.snapshot, *after)) +
+                     ",\"revision\":" + std::to_string(Revision()) + "}";
+  writes_ = Json::array();
+  open.snapshot = std::move(after);
+  open.snapshotStamp = stamp_;
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
+}
+
 RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEditorEvent& event,
                                         const std::string& client) {
   RshviewReply reply;
@@ -209,25 +238,67 @@ RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEdit
                                    "choose, open, close, drag, ok, cancel)");
   OpenEditor* open = OpenEditorOf(node, event.editor == "classic", event.restricted, reply);
   if (!open) return reply;
-  KEPVidWidget* editor = open->editor.Editor();
-  if (!open->snapshot || open->snapshotStamp != stamp_)
-    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
-  writes_ = Json::array();
-  client_ = client;
-  std::string error;
-  const HRESULT hr = KEPVidInject(editor, event.path, action, event.argument, error);
-  client_.clear();
-  ++stamp_;
-  if (FAILED(hr)) return RshviewReply::Error(422, "refused event", error);
-  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
-  // Written as text: the changed subtrees go out as the tree's own text.
-  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
-                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open->snapshot, *after)) +
-                     ",\"revision\":" + std::to_string(Revision()) + "}";
-  writes_ = Json::array();
-  open->snapshot = std::move(after);
-  open->snapshotStamp = stamp_;
-  return RshviewReply{200, std::move(text), kRshviewJsonType};
+  return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
+    std::string error;
+    if (FAILED(KEPVidInject(open->editor.Editor(), event.path, action, event.argument, error)))
+      return RshviewReply::Error(422, "refused event", error);
+    return std::nullopt;
+  });
+}
+
+RshviewReply RshviewServeSession::Reset(const std::string& id, const RshviewParameterReset& reset,
+                                        const std::string& client) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  const auto& parameters = node->Parameters();
+  const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& p) {
+    KEPString name;
+    p->GetName(name);
+    return name == reset.parameter;
+  });
+  if (found == parameters.end()) {
+    std::string names;
+    for (const auto& p : parameters) {
+      KEPString name;
+      p->GetName(name);
+      names += (names.empty() ? "" : ", ") + name;
+    }
+    return RshviewReply::Error(404, "unknown parameter",
+                               "node '" + id + "' (type " + node->TypeName() +
+                                   ") has no parameter '" + reset.parameter +
+                                   "' (parameters: " + names + ")");
+  }
+  KEPHostParameter& parameter = **found;
+  const KEPHostParameterDefinition* definition =
+      RshviewFindDefinition(*context_.document->Library(), node->TypeName(), reset.parameter);
+  const std::string where = "parameter '" + reset.parameter + "' of node '" + id + "'";
+  if (!definition)
+    return RshviewReply::Error(
+        422, "no default",
+        where + ": the library declares no such parameter for type " + node->TypeName());
+  if (definition->defaultValue.type == KEPRmaType::Void)
+    return RshviewReply::Error(422, "no default",
+                               where + " only takes a connection: it has no value to reset");
+  if (definition->defaultValue.type != parameter.Value().type)
+    return RshviewReply::Error(422, "no default",
+                               where + " holds a " + KEPRmaTypeName(parameter.Value().type) +
+                                   " but the library declares a " +
+                                   KEPRmaTypeName(definition->defaultValue.type));
+  OpenEditor* open = OpenEditorOf(node, reset.editor == "classic", reset.restricted, reply);
+  if (!open) return reply;
+  return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
+    // A parameter that holds its default already is not written: no write, no new revision.
+    if (KEPHostValueJson::Write(parameter.Value(), "") ==
+        KEPHostValueJson::Write(definition->defaultValue, ""))
+      return std::nullopt;
+    // The setter writes under the render lock, and the observers (the editors, the event
+    // stream) hear of it once the lock is released.
+    if (FAILED(RshviewWriteValue(parameter, definition->defaultValue)))
+      return RshviewReply::Error(500, "internal error",
+                                 where + ": the default could not be written");
+    return std::nullopt;
+  });
 }
 
 RshviewReply RshviewServeSession::Material(const std::string& id) {
