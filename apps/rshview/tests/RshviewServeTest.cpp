@@ -190,6 +190,10 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
   EXPECT_EQ(nodes[0]["alias"], "Red metallic paint");
   EXPECT_EQ(nodes[0]["subShaders"], Json::parse(R"([{"parameter": "default_slot_diffuse_texture",
                              "node": "red_paint.decal"}])"));
+  // Parameters in the node's order, each with the label its editors show.
+  EXPECT_EQ(nodes[0]["parameters"][3],
+            Json::parse(R"({"name": "default_generic_brdf_diffuse_glossiness",
+                             "label": "default_generic_brdf_diffuse_glossiness"})"));
   EXPECT_EQ(nodes[1]["id"], "red_paint.decal");
   EXPECT_EQ(nodes[1]["kind"], "texture");
   EXPECT_EQ(nodes[1]["parent"], "red_paint");

@@ -22,8 +22,8 @@ HRESULT RshviewWriteValue(KEPHostParameter& parameter, const KEPHostValue& value
     case KEPRmaType::Scalar:
       return parameter.SetScalarValue(value.scalar);
     case KEPRmaType::Color:
-      return parameter.SetColorValue(value.components[0], value.components[1],
-                                     value.components[2], value.components[3]);
+      return parameter.SetColorValue(value.components[0], value.components[1], value.components[2],
+                                     value.components[3]);
     case KEPRmaType::Vector:
       return parameter.SetVectorValue(value.components);
     case KEPRmaType::Texture:

@@ -142,6 +142,16 @@ RshviewReply RshviewServeSession::Document() {
       subShaders.push_back({{"parameter", parameter}, {"node", target->Id()}});
       parents.try_emplace(target, node->Id());
     }
+    // Each parameter with the label the editors show for it (its alias, else its name): the
+    // front-end finds the parameter of a label it is asked to reset through these.
+    Json parameters = Json::array();
+    for (const auto& parameter : node->Parameters()) {
+      KEPString name;
+      KEPUnicodeString label;
+      parameter->GetName(name);
+      parameter->GetAlias(label);
+      parameters.push_back({{"name", name}, {"label", label.ToUTF8()}});
+    }
     KEPUnicodeString alias;
     node->GetAlias(alias);
     const KEPHostShaderTypeDefinition* type = document.Library()->FindType(node->TypeName());
@@ -158,7 +168,8 @@ RshviewReply RshviewServeSession::Document() {
                      {"kind", kind},
                      {"root", root},
                      {"parent", nullptr},
-                     {"subShaders", std::move(subShaders)}});
+                     {"subShaders", std::move(subShaders)},
+                     {"parameters", std::move(parameters)}});
   }
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const auto parent = parents.find(document.Nodes()[i].Get());
