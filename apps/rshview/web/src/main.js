@@ -7,6 +7,7 @@ import { Preview, loadTexture, sphereMaterial } from './preview.js';
 import { leadingNumber } from './controls.js';
 import { EditorView, showsSomething } from './view.js';
 import { describeWrite } from './values.js';
+import { parameterOfLabel } from './reset.js';
 
 const $ = (id) => document.getElementById(id);
 
@@ -102,6 +103,45 @@ async function sendEvent(action, path, argument) {
     } else {
       showError(e);
     }
+  }
+}
+
+/** Sets the parameter of a label back to its default (Ctrl-click or double-click on the label). */
+async function resetLabel(labelEl) {
+  const path = labelEl?._w?.path;
+  const node = app.node;
+  const kind = app.kind;
+  if (!path || !node) return;
+  const target = parameterOfLabel({
+    path,
+    kind,
+    nodeId: node,
+    doc: app.doc,
+    labelText: (p) => view.element(p)?.textContent ?? null,
+  });
+  if (!target) {
+    showError(`'${labelEl.textContent}' names no single parameter to reset`);
+    return;
+  }
+  try {
+    const answer = await api.reset(target.node, { editor: kind, parameter: target.parameter });
+    clearError();
+    if (node !== app.node || kind !== app.kind) return;
+    noteRevision(answer.revision);
+    // The answer lists the widgets of the parameter's own node's editor: those of a sub-shader
+    // shown inside this node's editor are fetched again.
+    if (target.node === node) view.patch(answer.changed);
+    else if ((answer.writes || []).length > 0) loadEditor();
+    const writes = answer.writes || [];
+    if (writes.length > 0) {
+      setStatus(`${writes.map(describeWrite).join('; ')} (default)`);
+      setSaved(false);
+      refreshMaterial();
+    } else {
+      setStatus(`${target.node}.${target.parameter} is at its default already`);
+    }
+  } catch (e) {
+    showError(e);
   }
 }
 
@@ -351,6 +391,20 @@ async function changeUnit(magnitude, unit) {
 }
 
 function wire() {
+  const labelOf = (e) => e.target.closest?.('.param-label');
+  $('editor').addEventListener('dblclick', (e) => {
+    const el = labelOf(e);
+    if (!el) return;
+    e.preventDefault();
+    window.getSelection()?.removeAllRanges(); // a double-click selects the label's word
+    resetLabel(el);
+  });
+  $('editor').addEventListener('click', (e) => {
+    const el = labelOf(e);
+    if (!el || !(e.ctrlKey || e.metaKey) || e.detail > 1) return;
+    e.preventDefault();
+    resetLabel(el);
+  });
   $('save').addEventListener('click', save);
   $('banner-retry').addEventListener('click', () => api.retry());
   $('node-filter').addEventListener('input', (e) => nodeList.filter(e.target.value));

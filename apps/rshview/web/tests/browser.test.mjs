@@ -136,6 +136,40 @@ test('moving a slider writes the value and redraws the preview as rshview previe
   });
 });
 
+test('a double-click or Ctrl-click on a label sets its parameter back to the default', async (t) => {
+  await scenario(t, async ({ page }) => {
+    const gloss = 'default_generic_brdf_diffuse_glossiness';
+    await expandGroup(page, 'Base coat');
+    const sliderPath = await rowWidget(page, gloss, '[data-cls="KEPVidCtlSlider"]');
+    const editorPath = await rowWidget(page, gloss, '[data-cls="KEPVidCtlEditor"]');
+    const box = await page.locator(at(sliderPath)).boundingBox();
+    await page.mouse.click(box.x + box.width * 0.9, box.y + box.height / 2);
+    await settled(page);
+    await page.waitForFunction((p) => Number(document.querySelector(p).value) > 0.5, at(editorPath));
+
+    const label = page.locator('.param-label', { hasText: gloss }).first();
+    await label.dblclick();
+    await settled(page);
+    await page.waitForFunction((p) => document.querySelector(p).value === '0.2', at(editorPath));
+    assert.match(await page.textContent('#status'), new RegExp(`red_paint\\.${gloss}: 0\\.\\d+ → 0\\.2 \\(default\\)`));
+    // Again: nothing to write, and the status says so.
+    await label.click({ modifiers: ['Control'] });
+    await settled(page);
+    await page.waitForFunction(() => /at its default already/.test(document.getElementById('status').textContent));
+
+    // The classic editor names its labels by parameter position, not by row.
+    await page.click('.node[data-node="window"]');
+    await page.click('.switch [data-kind="classic"]');
+    await page.waitForSelector('body[data-editor-kind="classic"][data-editor-node="window"]');
+    const before = await page.textContent('#status');
+    await page.locator('.param-label', { hasText: /^roughness$/ }).first().click({ modifiers: ['Control'] });
+    await settled(page);
+    await page.waitForFunction((s) => document.getElementById('status').textContent !== s, before);
+    assert.match(await page.textContent('#status'), /^window\.roughness: 0\.45 → 0\.3 \(default\)$/);
+    await page.click('.switch [data-kind="immersive"]');
+  });
+});
+
 test('a value typed out of range is refused and the field shows the value again', async (t) => {
   await scenario(t, async ({ page, server }) => {
     await expandGroup(page, 'Base coat');
