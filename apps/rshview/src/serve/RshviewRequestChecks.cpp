@@ -94,7 +94,8 @@ bool ReadEditorBody(const nlohmann::json& body,
     for (const auto& [name, text] : texts)
       if (key == name) target = text;
     if (!target) {
-      error = "unknown key '" + key + "' (keys: " + keys + ")";
+      error = "unknown key '" + key + "' (keys: ";
+      error.append(keys).append(")");
       return false;
     }
     if (!value.is_string()) {
