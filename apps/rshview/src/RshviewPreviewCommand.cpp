@@ -79,6 +79,11 @@ bool RshviewWritePreview(KEPIRshShader* node, int size, const std::string& path,
     error = "the module's hardware material is not registered";
     return false;
   }
+  return RshviewWriteSpherePreview(material, size, path, error);
+}
+
+bool RshviewWriteSpherePreview(const RshviewSphereMaterial& material, int size,
+                               const std::string& path, std::string& error) {
   const std::vector<std::uint8_t> pixels = RshviewRenderSphere(material, size);
   auto image = KEP_var<KEPPixelImage>::Adopt(
       KEPPixelImage::Create(size, size, KEPPixelFormat_RGBA, pixels.data(), 0));

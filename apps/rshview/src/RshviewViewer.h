@@ -18,6 +18,11 @@ void RshviewEnsureStartupPath(const std::string& library);
 /// The answers the sphere is drawn from; false when the hardware material is not registered.
 bool RshviewAskSphereMaterial(KEPIRshShader* node, RshviewSphereMaterial& material);
 
+/// Draws a sphere in `material` (`size` × `size`), passes it through the editors' preview frame
+/// and writes it as a PNG file to `path` (atomically); false with `error` set on failure.
+bool RshviewWriteSpherePreview(const RshviewSphereMaterial& material, int size,
+                               const std::string& path, std::string& error);
+
 /// Draws the node's sphere (`size` × `size`), passes it through the editors' preview frame and
 /// writes it as a PNG file to `path` (atomically); false with `error` set on failure.
 bool RshviewWritePreview(KEPIRshShader* node, int size, const std::string& path,

@@ -8,7 +8,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <future>
@@ -129,6 +131,35 @@ int RawStatus(int port, const std::string& request) {
   return status;
 }
 
+/// Sends `request` as is on a new connection and returns all that comes back until the server
+/// closes the connection (give "Connection: close") or 10 s pass.
+std::string RawExchange(int port, const std::string& request) {
+  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+  timeval wait{10, 0};
+  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  std::string reply;
+  if (connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+      send(fd, request.data(), request.size(), MSG_NOSIGNAL) ==
+          static_cast<ssize_t>(request.size())) {
+    char buffer[4096];
+    for (ssize_t got; (got = recv(fd, buffer, sizeof buffer, 0)) > 0;)
+      reply.append(buffer, static_cast<std::size_t>(got));
+  }
+  close(fd);
+  return reply;
+}
+
+/// The status code and the JSON body of a raw HTTP reply.
+std::pair<int, Json> StatusAndBody(const std::string& reply) {
+  const std::size_t body = reply.find("\r\n\r\n");
+  if (reply.size() < 12 || body == std::string::npos) return {0, nullptr};
+  return {std::atoi(reply.c_str() + 9), Json::parse(reply.substr(body + 4), nullptr, false)};
+}
+
 /// The first widget of `tree` for which `match` holds, or null.
 const Json* FindWidget(const Json& tree, const std::function<bool(const Json&)>& match) {
   if (match(tree)) return &tree;
@@ -159,6 +190,10 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
   EXPECT_EQ(nodes[0]["alias"], "Red metallic paint");
   EXPECT_EQ(nodes[0]["subShaders"], Json::parse(R"([{"parameter": "default_slot_diffuse_texture",
                              "node": "red_paint.decal"}])"));
+  // Parameters in the node's order, each with the label its editors show.
+  EXPECT_EQ(nodes[0]["parameters"][3],
+            Json::parse(R"({"name": "default_generic_brdf_diffuse_glossiness",
+                             "label": "default_generic_brdf_diffuse_glossiness"})"));
   EXPECT_EQ(nodes[1]["id"], "red_paint.decal");
   EXPECT_EQ(nodes[1]["kind"], "texture");
   EXPECT_EQ(nodes[1]["parent"], "red_paint");
@@ -187,7 +222,9 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
 
 TEST(RshviewServe, EditorIsTheDumpTreeAndEventsReportWritesAndChangedWidgets) {
   Scratch scratch;
-  const Outcome dump = Rshview({"dump", "--node", "red_paint", "--format", "json"});
+  { Server first; }  // makes the working copy, which the dump reads
+  const Outcome dump = Rshview({"dump", "--doc", scratch.Path("data/showroom.rshdoc.json"),
+                                "--node", "red_paint", "--format", "json"});
   ASSERT_EQ(dump.code, 0) << dump.err;
   Server server;
   const Json editor = server.GetJson("/api/nodes/red_paint/editor?editor=immersive");
@@ -261,6 +298,83 @@ TEST(RshviewServe, ARefusedEventAnswers422AndChangesNothing) {
   const Json document = server.GetJson("/api/document");
   EXPECT_EQ(document["revision"], 0);
   EXPECT_EQ(document["saved"], true);
+}
+
+TEST(RshviewServe, AResetWritesTheLibraryDefaultAndRefusesWhatHasNone) {
+  Scratch scratch;
+  Server server;
+  const std::string reset = "/api/nodes/red_paint/reset";
+  ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status, 200);
+
+  // Refusals first: each names what was wrong and writes nothing.
+  struct Case {
+    std::string body;
+    int status;
+    std::string error;
+    std::string detail;
+  };
+  const Case cases[] = {
+      {R"({"parameter": "no_such_thing"})", 404, "unknown parameter", "'no_such_thing'"},
+      {R"({"parameter": "default_slot_diffuse_texture"})", 422, "no default",
+       "only takes a connection"},
+      {R"({"parameter": 3})", 400, "bad request", "'parameter'"},
+      {R"({"editor": "classic", "restricted": true, "parameter": "x"})", 400, "bad request",
+       "restricted"},
+      {"{}", 400, "bad request", "'parameter'"},
+  };
+  for (const Case& c : cases) {
+    auto refused = server.Post(reset, c.body);
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->status, c.status) << c.body << ": " << refused->body;
+    const Json error = Json::parse(refused->body);
+    EXPECT_EQ(error["error"], c.error) << c.body;
+    EXPECT_NE(error["detail"].dump().find(c.detail), std::string::npos) << error["detail"];
+  }
+  auto unknownNode = server.Post("/api/nodes/nope/reset", R"({"parameter": "x"})");
+  EXPECT_EQ(unknownNode->status, 404) << unknownNode->body;
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], 1);
+
+  // The moved glossiness goes back to the library's 0.2: written, announced, shown.
+  const std::string gloss = R"({"parameter": "default_generic_brdf_diffuse_glossiness"})";
+  auto done = server.Post(reset, gloss, {{"X-Rshview-Client", "tab-1"}});
+  ASSERT_TRUE(done);
+  ASSERT_EQ(done->status, 200) << done->body;
+  const Json answer = Json::parse(done->body);
+  ASSERT_EQ(answer["writes"].size(), 1u) << answer;
+  EXPECT_EQ(answer["writes"][0]["parameter"], "default_generic_brdf_diffuse_glossiness");
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["old"].get<double>(), 0.6);
+  EXPECT_DOUBLE_EQ(answer["writes"][0]["new"].get<double>(), 0.2);
+  EXPECT_EQ(answer["revision"], 2);
+  const auto changed = [&](const Json& reply, const std::string& ending) {
+    return std::any_of(reply["changed"].begin(), reply["changed"].end(), [&](const Json& c) {
+      return c["path"].get<std::string>().ends_with(ending);
+    });
+  };
+  EXPECT_TRUE(changed(answer, "ParameterWidget3/ScalarLayout/scalarSlider")) << answer["changed"];
+  const Json editor = server.GetJson("/api/nodes/red_paint/editor");
+  const Json* slider = FindWidget(editor["editor"], [](const Json& w) {
+    return w["path"].is_string() &&
+           w["path"].get<std::string>().ends_with("ParameterWidget3/ScalarLayout/scalarSlider");
+  });
+  ASSERT_NE(slider, nullptr);
+  EXPECT_EQ((*slider)["state"]["value"], 20);
+
+  // Reset again: the value is the default already, so nothing is written or announced.
+  auto again = server.Post(reset, gloss);
+  ASSERT_EQ(again->status, 200) << again->body;
+  EXPECT_EQ(Json::parse(again->body)["writes"], Json::array());
+  EXPECT_EQ(Json::parse(again->body)["changed"], Json::array());
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], 2);
+
+  // A colour resets whole, alpha included, whichever editor asks.
+  auto colour = server.Post("/api/nodes/red_paint/reset",
+                            R"({"editor": "classic", "parameter": "default_slot_diffuse_color"})");
+  ASSERT_EQ(colour->status, 200) << colour->body;
+  const Json colourAnswer = Json::parse(colour->body);
+  ASSERT_EQ(colourAnswer["writes"].size(), 1u) << colourAnswer;
+  EXPECT_EQ(colourAnswer["writes"][0]["new"].size(), 4u) << colourAnswer["writes"];
+  EXPECT_EQ(colourAnswer["writes"][0]["new"], Json::parse("[0.55, 0.03, 0.03, 1.0]"));
+  EXPECT_EQ(colourAnswer["revision"], 3);
 }
 
 TEST(RshviewServe, AUnitsChangeRebuildsTheEditorsInTheNewUnit) {
@@ -364,6 +478,13 @@ TEST(RshviewServe, TheEventStreamDeliversAWriteToAnotherClientAndEndsAtStop) {
                 ->status,
             200);
   ASSERT_EQ(written.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  // The greeting names this run of the server, as the document does.
+  const std::size_t helloData = received.find("data: ", received.find("event: hello"));
+  const Json hello =
+      Json::parse(received.substr(helloData + 6, received.find('\n', helloData) - helloData - 6));
+  EXPECT_EQ(hello["revision"], 0);
+  EXPECT_EQ(hello["instance"].get<std::string>().size(), 16u) << hello;
+  EXPECT_EQ(hello["instance"], server.GetJson("/api/document")["instance"]);
   const std::size_t data = received.find("data: ", received.find("event: write"));
   const Json write = Json::parse(received.substr(data + 6, received.find('\n', data) - data - 6));
   EXPECT_EQ(write["node"], "red_paint");
@@ -428,6 +549,178 @@ TEST(RshviewServe, RefusedRequestsAnswerTheirErrorAndChangeNothing) {
           ->status,
       200);
   EXPECT_EQ(server.GetJson("/api/document")["revision"], 1);
+}
+
+TEST(RshviewServe, BodiesAreCheckedHoweverTheyAreSent) {
+  Scratch scratch;
+  Server server;
+  const std::string head =
+      "Host: " + server.Address() + "\r\nContent-Type: application/json\r\nConnection: close\r\n";
+  // A chunked body gives no Content-Length for the library to check: the server checks it.
+  std::string units = R"({"length": "cm", "pad": ")" + std::string(70 * 1024, 'x') + "\"}";
+  std::string chunked = "PUT /api/units HTTP/1.1\r\n" + head + "Transfer-Encoding: chunked\r\n\r\n";
+  for (std::size_t at = 0; at < units.size(); at += 8192) {
+    const std::string chunk = units.substr(at, 8192);
+    char size[16];
+    std::snprintf(size, sizeof size, "%zx\r\n", chunk.size());
+    chunked += size + chunk + "\r\n";
+  }
+  chunked += "0\r\n\r\n";
+  const auto [tooLarge, tooLargeBody] = StatusAndBody(RawExchange(server.Port(), chunked));
+  EXPECT_EQ(tooLarge, 413) << tooLargeBody;
+  EXPECT_NE(tooLargeBody.dump().find("65536"), std::string::npos) << tooLargeBody;
+  EXPECT_EQ(server.GetJson("/api/units")["length"]["unit"], "mm");
+
+  // A POST with neither Content-Length nor Transfer-Encoding has no body: it is answered at once,
+  // not after waiting for a body until the client gives up.
+  const auto sent = std::chrono::steady_clock::now();
+  const auto [empty, emptyBody] =
+      StatusAndBody(RawExchange(server.Port(), "POST /api/save HTTP/1.1\r\n" + head + "\r\n"));
+  EXPECT_EQ(empty, 200) << emptyBody;
+  EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(2));
+  // A body that cannot be read says why it was refused.
+  const auto [cut, cutBody] = StatusAndBody(
+      RawExchange(server.Port(), "PUT /api/units HTTP/1.1\r\n" + head +
+                                     "Transfer-Encoding: chunked\r\n\r\nzz\r\n{}\r\n0\r\n\r\n"));
+  EXPECT_EQ(cut, 400) << cutBody;
+  EXPECT_TRUE(cutBody["detail"].is_string()) << cutBody;
+
+  // Units that change nothing rebuild nothing, announce nothing and keep the revision.
+  server.GetJson("/api/nodes/red_paint/editor");
+  for (const char* same : {"{}", R"({"length": "mm"})"}) {
+    auto unchanged = server.Client().Put("/api/units", same, "application/json");
+    ASSERT_TRUE(unchanged);
+    EXPECT_EQ(unchanged->status, 200) << same << ": " << unchanged->body;
+    EXPECT_EQ(server.GetJson("/api/document")["revision"], 0) << same;
+  }
+  EXPECT_EQ(server.GetJson("/api/nodes/red_paint/editor")["revision"], 0);
+}
+
+TEST(RshviewServe, StopsPromptlyWithAnIdleKeepAliveConnectionOpen) {
+  Scratch scratch;
+  Server server;
+  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(server.Port()));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  const std::string request = "GET /api/units HTTP/1.1\r\nHost: " + server.Address() + "\r\n\r\n";
+  ASSERT_EQ(send(fd, request.data(), request.size(), MSG_NOSIGNAL),
+            static_cast<ssize_t>(request.size()));
+  char buffer[256];
+  ASSERT_GT(recv(fd, buffer, sizeof buffer, 0), 12);
+  // The connection stays open and idle, as a browser keeps it.
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(server.Stop().code, 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1500));
+  close(fd);
+}
+
+TEST(RshviewServe, OrdinaryRequestsAreAnsweredWhileEveryEventStreamIsOpen) {
+  Scratch scratch;
+  Server server;
+  constexpr int kStreams = 16;  // the most the server keeps open
+  std::vector<std::unique_ptr<httplib::Client>> clients;
+  std::vector<std::thread> streams;
+  std::atomic<int> greeted{0};
+  for (int i = 0; i < kStreams; ++i) {
+    clients.push_back(std::make_unique<httplib::Client>("127.0.0.1", server.Port()));
+    clients.back()->set_read_timeout(30, 0);
+    streams.emplace_back([&client = *clients.back(), &greeted] {
+      bool counted = false;
+      client.Get("/api/events", [&](const char*, std::size_t) {
+        if (!counted) ++greeted;
+        counted = true;
+        return true;
+      });
+    });
+  }
+  for (int i = 0; i < 2000 && greeted < kStreams; ++i)
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ASSERT_EQ(greeted, kStreams);
+  auto refused = server.Client().Get("/api/events");
+  ASSERT_TRUE(refused);
+  EXPECT_EQ(refused->status, 503);
+  EXPECT_NE(refused->body.find("too many event streams"), std::string::npos) << refused->body;
+  // Several requests at once still find threads to answer them.
+  std::vector<std::future<int>> answers;
+  for (int i = 0; i < 6; ++i)
+    answers.push_back(std::async(std::launch::async, [&server] {
+      httplib::Client client("127.0.0.1", server.Port());
+      client.set_read_timeout(10, 0);
+      auto result = client.Get("/api/units");
+      return result ? result->status : 0;
+    }));
+  for (auto& answer : answers) EXPECT_EQ(answer.get(), 200);
+  EXPECT_EQ(server.Stop().code, 0);
+  for (std::thread& stream : streams) stream.join();
+}
+
+TEST(RshviewServe, AWorkingCopyThatNoLongerLoadsIsKeptAsideAndMadeAfresh) {
+  Scratch scratch;
+  const std::string copy = scratch.Path("data/showroom.rshdoc.json");
+  std::vector<Json> instances;
+  {
+    Server first;
+    instances.push_back(first.GetJson("/api/document")["instance"]);
+  }
+  std::ifstream in(copy);
+  Json made = Json::parse(in);
+  in.close();
+  // Written with absolute paths free of links, so that it reads the same files from anywhere.
+  const std::string library = made["library"];
+  EXPECT_TRUE(fs::path(library).is_absolute()) << library;
+  EXPECT_EQ(fs::canonical(library).string(), library);
+  EXPECT_NE(made.dump().find("\"image\":\"/"), std::string::npos) << made.dump();
+
+  struct Case {
+    const char* what;
+    const char* key;
+    std::string message;
+  };
+  const Case cases[] = {
+      {"library moved", "library", "its library /nowhere/library is not a folder"},
+      {"image moved", "image", "its image /nowhere/checker.png does not exist"},
+  };
+  int saved = 0;
+  for (const Case& c : cases) {
+    Json broken = made;
+    if (std::string(c.key) == "library") {
+      broken["library"] = "/nowhere/library";
+    } else {
+      broken["materials"][0]["subShaders"][0]["values"]["texture"]["image"] =
+          "/nowhere/checker.png";
+      ASSERT_NE(broken.dump().find("/nowhere/checker.png"), std::string::npos) << broken.dump();
+    }
+    broken["materials"][0]["alias"] = "what I saved " + std::to_string(++saved);
+    std::ofstream(copy) << broken.dump();
+    Server server;
+    const Json document = server.GetJson("/api/document");
+    EXPECT_EQ(document["path"], copy) << c.what;
+    EXPECT_NE(document["instance"], instances.back()) << "a new run has a new instance id";
+    instances.push_back(document["instance"]);
+    EXPECT_EQ(document["nodes"][0]["alias"], "Red metallic paint") << c.what;
+    const Outcome& ended = server.Stop();
+    EXPECT_NE(ended.err.find(c.message), std::string::npos) << c.what << ": " << ended.err;
+    EXPECT_NE(ended.err.find("moved to " + copy + ".bak"), std::string::npos) << ended.err;
+  }
+  // Nothing the person saved is lost: each broken copy is kept under a name of its own.
+  std::ifstream first(copy + ".bak"), second(copy + ".bak2");
+  EXPECT_NE(std::string(std::istreambuf_iterator<char>(first), {}).find("what I saved 1"),
+            std::string::npos);
+  EXPECT_NE(std::string(std::istreambuf_iterator<char>(second), {}).find("what I saved 2"),
+            std::string::npos);
+}
+
+TEST(RshviewServe, ListeningBeyondThisMachineIsWarnedAbout) {
+  Scratch scratch;
+  Server server({"--host", "0.0.0.0"});
+  EXPECT_EQ(server.GetJson("/api/units")["length"]["unit"], "mm");
+  const Outcome& ended = server.Stop();
+  EXPECT_NE(ended.err.find("warning: listening on 0.0.0.0"), std::string::npos) << ended.err;
+  Server local;
+  EXPECT_EQ(local.Stop().err.find("warning"), std::string::npos);
 }
 
 TEST(RshviewServe, StaticFilesStayInsideTheFrontEndFolder) {

@@ -94,18 +94,22 @@ class Writer {
 }  // namespace
 
 std::string KEPShaderDocumentWriter::Format(KEPHostShaderDocument& document,
-                                            const std::string& path) {
-  const std::string baseDir = KEPFileText::Absolute(path).parent_path().lexically_normal();
+                                            const std::string& path, Paths paths) {
+  // No base directory: every path is written as it is held.
+  const std::string baseDir =
+      paths == Paths::Absolute
+          ? std::string()
+          : KEPFileText::Absolute(path).parent_path().lexically_normal().string();
   return Writer(document, baseDir).Document().dump(2, ' ', false, Json::error_handler_t::replace) +
          "\n";
 }
 
 KEPLoadResult KEPShaderDocumentWriter::Save(KEPHostShaderDocument& document,
-                                            const std::string& path) {
+                                            const std::string& path, Paths paths) {
   KEPLoadResult result;
   std::string error;
   try {
-    if (!KEPWriteFileAtomically(path, Format(document, path), error)) {
+    if (!KEPWriteFileAtomically(path, Format(document, path, paths), error)) {
       // The error starts with the path, which AddError puts in front anyway.
       const std::string prefix = path + ": ";
       result.AddError(path, 0, "", error.starts_with(prefix) ? error.substr(prefix.size()) : error);

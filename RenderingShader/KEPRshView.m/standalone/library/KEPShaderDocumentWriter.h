@@ -8,11 +8,15 @@
 
 class KEPShaderDocumentWriter {
  public:
+  /// How the library's and the images' paths are written.
+  enum class Paths { RelativeToFile, Absolute };
   /// The document's JSON text. Paths (library, images) are written relative to the directory of
-  /// `path`. Every node that is not a material is written under the first node that connects to
-  /// it; nodes that nothing reaches go under the first material (or become materials when the
-  /// document has none).
-  static std::string Format(KEPHostShaderDocument& document, const std::string& path);
+  /// `path`, or as they are held (absolute) with Paths::Absolute. Every node that is not a material
+  /// is written under the first node that connects to it; nodes that nothing reaches go under the
+  /// first material (or become materials when the document has none).
+  static std::string Format(KEPHostShaderDocument& document, const std::string& path,
+                            Paths paths = Paths::RelativeToFile);
   /// Writes Format(document, path) to `path` atomically; an error names the file.
-  static KEPLoadResult Save(KEPHostShaderDocument& document, const std::string& path);
+  static KEPLoadResult Save(KEPHostShaderDocument& document, const std::string& path,
+                            Paths paths = Paths::RelativeToFile);
 };

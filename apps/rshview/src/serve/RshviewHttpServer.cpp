@@ -11,6 +11,21 @@
 namespace {
 using Json = nlohmann::ordered_json;
 
+/// What went wrong with a request that httplib answers by itself, by status.
+const char* ErrorDetail(int status) {
+  switch (status) {
+    case 400:
+      return "the request could not be read: its start line, headers or chunked body are "
+             "malformed, or it ended before its Content-Length";
+    case 413:
+      return "the body is larger than 65536 bytes (64 KiB)";
+    case 414:
+      return "the request line is too long";
+    default:
+      return nullptr;
+  }
+}
+
 /// The phrase of an error status that httplib answers by itself (a body too large, a request it
 /// cannot read).
 const char* ErrorPhrase(int status) {
@@ -56,26 +71,61 @@ RshviewHttpServer::~RshviewHttpServer() {
 
 bool RshviewHttpServer::Start(std::string& error) {
   server_ = std::make_unique<httplib::Server>();
-  // Each open event stream holds a thread; the rest answer requests.
-  server_->new_task_queue = [] {
-    return new httplib::ThreadPool(RshviewEventStream::kMaxSubscribers + 8);
-  };
+  // Each open event stream holds a thread; at most half of them, so that requests are answered
+  // however many tabs are open.
+  server_->new_task_queue = [] { return new httplib::ThreadPool(kWorkers); };
   server_->set_payload_max_length(kMaxBody);
+  // An idle keep-alive connection holds a thread too, and Stop() waits for it: a browser opens
+  // one with every page, so it is closed after a second. A client that stops sending or reading
+  // in the middle of a request gives up its thread after a few seconds.
+  server_->set_keep_alive_timeout(1);
+  server_->set_read_timeout(5, 0);
+  server_->set_write_timeout(5, 0);
   server_->set_tcp_nodelay(true);  // small answers go out at once
   const auto handler = [this](const httplib::Request& request, httplib::Response& response) {
-    Handle(request, response);
+    Handle(request, response, request.body);
+  };
+  // A request that may carry a body reads it here, not in the library: the library reads a POST
+  // without Content-Length until the client closes the connection (a request without
+  // Content-Length or Transfer-Encoding has no body), and it does not limit a chunked body.
+  const auto reading = [this](const httplib::Request& request, httplib::Response& response,
+                              const httplib::ContentReader& reader) {
+    std::string body;
+    bool tooLarge = false;
+    if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding")) {
+      const bool read = reader([&](const char* data, std::size_t length) {
+        // Past the limit the rest is read and dropped, so that the connection stays usable.
+        tooLarge = tooLarge || body.size() + length > kMaxBody;
+        if (tooLarge)
+          body.clear();
+        else
+          body.append(data, length);
+        return true;
+      });
+      if (!read || tooLarge) {
+        const int status = tooLarge || response.status == 413 ? 413 : 400;
+        const RshviewReply reply =
+            RshviewReply::Error(status, ErrorPhrase(status), ErrorDetail(status));
+        response.status = reply.status;
+        response.set_content(reply.body, reply.contentType);
+        if (!read) response.set_header("Connection", "close");
+        return;
+      }
+    }
+    Handle(request, response, body);
   };
   server_->Get(".*", handler);
   server_->Options(".*", handler);
-  server_->Post(".*", httplib::Server::Handler(handler));
-  server_->Put(".*", httplib::Server::Handler(handler));
-  server_->Patch(".*", httplib::Server::Handler(handler));
-  server_->Delete(".*", httplib::Server::Handler(handler));
+  server_->Post(".*", httplib::Server::HandlerWithContentReader(reading));
+  server_->Put(".*", httplib::Server::HandlerWithContentReader(reading));
+  server_->Patch(".*", httplib::Server::HandlerWithContentReader(reading));
+  server_->Delete(".*", httplib::Server::HandlerWithContentReader(reading));
   server_->set_error_handler(httplib::Server::HandlerWithResponse(
       [](const httplib::Request&, httplib::Response& response) {
         if (!response.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
-        const RshviewReply reply =
-            RshviewReply::Error(response.status, ErrorPhrase(response.status), nullptr);
+        const char* detail = ErrorDetail(response.status);
+        const RshviewReply reply = RshviewReply::Error(
+            response.status, ErrorPhrase(response.status), detail ? Json(detail) : Json(nullptr));
         response.set_content(reply.body, reply.contentType);
         return httplib::Server::HandlerResponse::Handled;
       }));
@@ -140,8 +190,9 @@ RshviewReply RshviewHttpServer::OnUi(Work work) {
   return reply;
 }
 
-void RshviewHttpServer::Handle(const httplib::Request& request, httplib::Response& response) {
-  const RshviewReply reply = Route(request, response);
+void RshviewHttpServer::Handle(const httplib::Request& request, httplib::Response& response,
+                               const std::string& body) {
+  const RshviewReply reply = Route(request, response, body);
   if (reply.status == 0) return;  // the event stream set the response up itself
   response.status = reply.status;
   response.set_content(reply.body, reply.contentType);
@@ -149,8 +200,8 @@ void RshviewHttpServer::Handle(const httplib::Request& request, httplib::Respons
   response.set_header("X-Content-Type-Options", "nosniff");
 }
 
-RshviewReply RshviewHttpServer::Route(const httplib::Request& request,
-                                      httplib::Response& response) {
+RshviewReply RshviewHttpServer::Route(const httplib::Request& request, httplib::Response& response,
+                                      const std::string& body) {
   const std::string host = request.get_header_value("Host");
   if (!RshviewHostAllowed(host, own_))
     return RshviewReply::Error(
@@ -166,7 +217,7 @@ RshviewReply RshviewHttpServer::Route(const httplib::Request& request,
                                    "X-Rshview-Client must be 1 to 64 letters, digits, '-', '_' "
                                    "or '.'");
     }
-    return Api(request, response, client);
+    return Api(request, response, body, client);
   }
   if (request.method != "GET" && request.method != "HEAD") {
     response.set_header("Allow", "GET");
@@ -176,9 +227,9 @@ RshviewReply RshviewHttpServer::Route(const httplib::Request& request,
 }
 
 RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Response& response,
-                                    const std::string& client) {
+                                    const std::string& bodyText, const std::string& client) {
   static const std::regex kNodeRoute(
-      "/api/nodes/([^/]+)/(editor|events|material|texture|"
+      "/api/nodes/([^/]+)/(editor|events|reset|material|texture|"
       "preview\\.png)");
   const std::string& path = request.path;
   std::string node, what;
@@ -193,7 +244,7 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
   } else if (std::regex_match(path, match, kNodeRoute)) {
     node = match[1];
     what = match[2];
-    allowed = {what == "events" ? "POST" : "GET"};
+    allowed = {what == "events" || what == "reset" ? "POST" : "GET"};
   } else {
     return RshviewReply::Error(404, "not found", "no route " + path + " (see docs/api.md)");
   }
@@ -218,7 +269,7 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
                                  "Content-Type must be application/json, not '" + type + "'");
     std::string error;
     bool malformed = false;
-    if (!RshviewParseBody(request.body, path == "/api/save", body, error, malformed))
+    if (!RshviewParseBody(bodyText, path == "/api/save", body, error, malformed))
       return RshviewReply::Error(400, malformed ? "malformed JSON" : "bad request", error);
   }
 
@@ -259,6 +310,13 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
       return RshviewReply::Error(400, "bad request", error);
     return OnUi([&] { return session_.Event(node, event, client); });
   }
+  if (what == "reset") {
+    RshviewParameterReset reset;
+    std::string error;
+    if (!RshviewReadParameterReset(body, reset, error))
+      return RshviewReply::Error(400, "bad request", error);
+    return OnUi([&] { return session_.Reset(node, reset, client); });
+  }
   if (what == "material") return OnUi([&] { return session_.Material(node); });
   if (what == "texture") return OnUi([&] { return session_.Texture(node); });
   // preview.png
@@ -285,7 +343,11 @@ void RshviewHttpServer::Events(httplib::Response& response) {
   };
   auto reader = std::make_shared<Reader>();
   if (!events_.Subscribe(reader->cursor)) {
-    const RshviewReply reply = RshviewReply::Error(503, "busy", "too many event streams are open");
+    const RshviewReply reply = RshviewReply::Error(
+        503, "busy",
+        "too many event streams are open (at most " +
+            std::to_string(RshviewEventStream::kMaxSubscribers) +
+            ", so that other requests are still answered): close a tab of this server");
     response.status = reply.status;
     response.set_content(reply.body, reply.contentType);
     return;
@@ -297,7 +359,9 @@ void RshviewHttpServer::Events(httplib::Response& response) {
         std::string text;
         if (!reader->greeted) {
           reader->greeted = true;
-          text = "event: hello\ndata: " + RshviewJsonText(Json{{"revision", session_.Revision()}}) +
+          text = "event: hello\ndata: " +
+                 RshviewJsonText(
+                     Json{{"revision", session_.Revision()}, {"instance", session_.Instance()}}) +
                  "\n\n";
         } else if (!events_.Next(reader->cursor, text, options_.heartbeat)) {
           sink.done();  // the server stops

@@ -32,6 +32,8 @@ class RshviewHttpServer {
  public:
   /// The largest request body.
   static constexpr std::size_t kMaxBody = std::size_t{64} * 1024;
+  /// The threads answering requests; event streams take at most half of them.
+  static constexpr int kWorkers = 2 * RshviewEventStream::kMaxSubscribers;
 
   RshviewHttpServer(RshviewServeSession& session, RshviewUiQueue& queue, RshviewEventStream& events,
                     const RshviewStaticFiles& statics, RshviewServerOptions options);
@@ -48,10 +50,13 @@ class RshviewHttpServer {
   void Stop();
 
  private:
-  void Handle(const httplib::Request& request, httplib::Response& response);
-  RshviewReply Route(const httplib::Request& request, httplib::Response& response);
+  /// Answers `request`, whose body (read already) is `body`.
+  void Handle(const httplib::Request& request, httplib::Response& response,
+              const std::string& body);
+  RshviewReply Route(const httplib::Request& request, httplib::Response& response,
+                     const std::string& body);
   RshviewReply Api(const httplib::Request& request, httplib::Response& response,
-                   const std::string& client);
+                   const std::string& bodyText, const std::string& client);
   /// Runs `work` on the UI thread; 503 busy when it does not get there in time.
   template <class Work>
   RshviewReply OnUi(Work work);

@@ -1,6 +1,9 @@
 #include "RshviewRequestChecks.h"
 
 #include <algorithm>
+#include <initializer_list>
+#include <utility>
+#include <vector>
 
 namespace {
 std::string Lower(std::string text) {
@@ -69,25 +72,30 @@ bool RshviewEditorKindValid(const std::string& kind) {
   return kind == "immersive" || kind == "classic";
 }
 
-bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& event,
-                            std::string& error) {
-  static const char* const kKeys = "editor, restricted, action, path, argument";
+namespace {
+/// Reads the keys of a body that names an editor: `restricted` (a boolean), `editor` and the
+/// text keys of `texts`; each key of `required` must be there. False with `error` set.
+bool ReadEditorBody(const nlohmann::json& body,
+                    const std::vector<std::pair<std::string, std::string*>>& texts,
+                    std::initializer_list<const char*> required, std::string& editor,
+                    bool& restricted, std::string& error) {
+  std::string keys = "editor, restricted";
+  for (const auto& [key, target] : texts) keys += ", " + key;
   for (const auto& [key, value] : body.items()) {
     if (key == "restricted") {
       if (!value.is_boolean()) {
         error = "'restricted' must be true or false";
         return false;
       }
-      event.restricted = value.get<bool>();
+      restricted = value.get<bool>();
       continue;
     }
-    std::string* target = key == "editor"     ? &event.editor
-                          : key == "action"   ? &event.action
-                          : key == "path"     ? &event.path
-                          : key == "argument" ? &event.argument
-                                              : nullptr;
+    std::string* target = key == "editor" ? &editor : nullptr;
+    for (const auto& [name, text] : texts)
+      if (key == name) target = text;
     if (!target) {
-      error = "unknown key '" + key + "' (keys: " + kKeys + ")";
+      error = "unknown key '" + key + "' (keys: ";
+      error.append(keys).append(")");
       return false;
     }
     if (!value.is_string()) {
@@ -96,18 +104,32 @@ bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& even
     }
     *target = value.get<std::string>();
   }
-  for (const char* required : {"action", "path"})
-    if (!body.contains(required)) {
-      error = "missing key '" + std::string(required) + "'";
+  for (const char* key : required)
+    if (!body.contains(key)) {
+      error = "missing key '" + std::string(key) + "'";
       return false;
     }
-  if (!RshviewEditorKindValid(event.editor)) {
-    error = "'editor' must be immersive or classic, not '" + event.editor + "'";
+  if (!RshviewEditorKindValid(editor)) {
+    error = "'editor' must be immersive or classic, not '" + editor + "'";
     return false;
   }
-  if (event.restricted && event.editor == "classic") {
+  if (restricted && editor == "classic") {
     error = "'restricted' applies to the immersive editor only";
     return false;
   }
   return true;
+}
+}  // namespace
+
+bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& event,
+                            std::string& error) {
+  return ReadEditorBody(
+      body, {{"action", &event.action}, {"path", &event.path}, {"argument", &event.argument}},
+      {"action", "path"}, event.editor, event.restricted, error);
+}
+
+bool RshviewReadParameterReset(const nlohmann::json& body, RshviewParameterReset& reset,
+                               std::string& error) {
+  return ReadEditorBody(body, {{"parameter", &reset.parameter}}, {"parameter"}, reset.editor,
+                        reset.restricted, error);
 }

@@ -33,5 +33,9 @@ bool RshviewParseBody(const std::string& body, bool emptyIsObject, nlohmann::jso
 bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& event,
                             std::string& error);
 
+/// Reads the body of POST /api/nodes/{id}/reset, as RshviewReadEditorEvent does.
+bool RshviewReadParameterReset(const nlohmann::json& body, RshviewParameterReset& reset,
+                               std::string& error);
+
 /// The editor kind of a query or a body: "immersive" or "classic", else false.
 bool RshviewEditorKindValid(const std::string& kind);

@@ -9,7 +9,11 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
 #include <ostream>
+#include <sstream>
 
 #include "KEPShaderDocumentWriter.h"
 #include "RshviewHttpServer.h"
@@ -48,13 +52,15 @@ extern "C" void OnStopSignal(int) {
   gSignalled = 1;
 }
 
-/// Catches SIGINT and SIGTERM while alive, restoring the previous handlers.
+/// Catches SIGINT and SIGTERM while alive, restoring the previous handlers. Only the first signal
+/// is caught: it asks for an orderly stop, and a second one ends the process at once.
 class StopSignals {
  public:
   StopSignals() {
     gSignalled = 0;
     struct sigaction action {};
     action.sa_handler = &OnStopSignal;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, &previousInt_);
     sigaction(SIGTERM, &action, &previousTerm_);
@@ -85,8 +91,86 @@ pid_t OpenInBrowser(const std::string& url) {
   return failed ? -1 : pid;
 }
 
+/// Why the working copy at `copy` no longer reads its files (its library folder or an image is
+/// gone, as when the folder it was made from moved), or empty.
+std::string WorkingCopyProblem(const std::string& copy) {
+  std::ifstream in(copy, std::ios::binary);
+  const nlohmann::json json = nlohmann::json::parse(in, nullptr, false);
+  if (!json.is_object()) return "it is not a JSON object";
+  const fs::path base = fs::path(copy).parent_path();
+  const auto resolved = [&](const std::string& path) {
+    return fs::path(path).is_absolute() ? fs::path(path) : base / path;
+  };
+  std::error_code ec;
+  if (json.contains("library") && json["library"].is_string() &&
+      !fs::is_directory(resolved(json["library"].get<std::string>()), ec))
+    return "its library " + json["library"].get<std::string>() + " is not a folder";
+  std::string missing;
+  const std::function<void(const nlohmann::json&)> visit = [&](const nlohmann::json& node) {
+    if (!missing.empty()) return;
+    if (node.is_object()) {
+      for (const auto& [key, value] : node.items()) {
+        if (key == "image" && value.is_string() && !value.get<std::string>().empty() &&
+            !fs::exists(resolved(value.get<std::string>()), ec))
+          missing = "its image " + value.get<std::string>() + " does not exist";
+        visit(value);
+      }
+    } else if (node.is_array()) {
+      for (const auto& value : node) visit(value);
+    }
+  };
+  visit(json);
+  return missing;
+}
+
+/// `path` with symbolic links and dot segments resolved, or as it is when that fails.
+std::string Canonical(const std::string& path) {
+  std::error_code ec;
+  const fs::path canonical = fs::weakly_canonical(fs::absolute(path, ec), ec);
+  return ec ? path : canonical.string();
+}
+
+/// Copies the bundled showroom to `copy`, with the library's and the images' paths written
+/// absolute and free of links (the build tree reaches the samples through one), and loads it.
+int MakeWorkingCopy(RshviewContext& context, const std::string& copy) {
+  RshviewOptions& options = context.options;
+  options.doc.clear();
+  KEPLoadResult paths;
+  RshviewResolvePaths(options, paths);
+  for (const std::string& error : paths.Errors()) context.err << error << "\n";
+  if (!paths.Ok()) return 1;
+  options.doc = Canonical(options.doc);
+  options.library = Canonical(options.library);
+  if (const int code = RshviewLoad(context)) return code;
+  std::error_code ec;
+  fs::create_directories(fs::path(copy).parent_path(), ec);
+  if (ec) {
+    context.err << "rshview serve: cannot create " << fs::path(copy).parent_path().string() << ": "
+                << ec.message() << "\n";
+    return 1;
+  }
+  const KEPLoadResult saved = KEPShaderDocumentWriter::Save(
+      *context.document, copy, KEPShaderDocumentWriter::Paths::Absolute);
+  for (const std::string& error : saved.Errors()) context.err << error << "\n";
+  if (!saved.Ok()) return 1;
+  context.out << "rshview: copied the bundled showroom to " << copy << "\n";
+  options.doc = copy;
+  context.document->path = copy;
+  return 0;
+}
+
+/// A free name beside `copy` for keeping it: COPY.bak, else COPY.bak2, COPY.bak3, ...
+std::string BackupName(const std::string& copy) {
+  std::error_code ec;
+  std::string name = copy + ".bak";
+  for (int n = 2; fs::exists(name, ec) || fs::is_symlink(name, ec); ++n)
+    name = copy + ".bak" + std::to_string(n);
+  return name;
+}
+
 /// The document to edit: --doc, else the working copy (made from the bundled showroom on first
-/// use). Loads it into `context`; returns 0 or the exit code.
+/// use, and made afresh, the old one kept beside it, when it no longer loads). Loads it into
+/// `context`; returns 0 or the exit code.
 int LoadDocument(RshviewContext& context) {
   RshviewOptions& options = context.options;
   if (!options.doc.empty()) return RshviewLoad(context);
@@ -97,26 +181,39 @@ int LoadDocument(RshviewContext& context) {
     return 1;
   }
   std::error_code ec;
-  if (fs::exists(copy, ec)) {
-    options.doc = copy;
-    return RshviewLoad(context);
+  if (!fs::exists(copy, ec)) return MakeWorkingCopy(context, copy);
+  std::string problem = WorkingCopyProblem(copy);
+  if (problem.empty()) {
+    // Loaded on the side, so that a copy that fails leaves the options as they were.
+    std::ostringstream errors;
+    RshviewContext attempt{options, {}, {}, context.out, errors, {}};
+    attempt.options.doc = copy;
+    if (RshviewLoad(attempt) == 0) {
+      options = attempt.options;
+      context.library = std::move(attempt.library);
+      context.document = std::move(attempt.document);
+      context.warnings = std::move(attempt.warnings);
+      context.err << errors.str();
+      return 0;
+    }
+    problem = "it does not load: " + errors.str();
+    while (!problem.empty() && problem.back() == '\n') problem.pop_back();
   }
-  // First use: the bundled showroom, written to the copy with its paths (library, images) made
-  // relative to the copy's directory, so that the copy reads the same files.
-  if (const int code = RshviewLoad(context)) return code;
-  fs::create_directories(fs::path(copy).parent_path(), ec);
+  const std::string backup = BackupName(copy);
+  fs::rename(copy, backup, ec);
   if (ec) {
-    context.err << "rshview serve: cannot create " << fs::path(copy).parent_path().string() << ": "
-                << ec.message() << "\n";
+    context.err << "rshview serve: the working copy " << copy << " no longer loads (" << problem
+                << "), and it cannot be moved to " << backup << ": " << ec.message() << "\n";
     return 1;
   }
-  const KEPLoadResult saved = KEPShaderDocumentWriter::Save(*context.document, copy);
-  for (const std::string& error : saved.Errors()) context.err << error << "\n";
-  if (!saved.Ok()) return 1;
-  context.out << "rshview: copied the bundled showroom to " << copy << "\n";
-  options.doc = copy;
-  context.document->path = copy;
-  return 0;
+  context.err << "rshview serve: the working copy " << copy << " no longer loads (" << problem
+              << "); it was moved to " << backup << " and a fresh copy is made\n";
+  return MakeWorkingCopy(context, copy);
+}
+
+/// `host` names this machine only (127.0.0.0/8, ::1 or localhost).
+bool Loopback(const std::string& host) {
+  return host.starts_with("127.") || host == "::1" || host == "[::1]" || host == "localhost";
 }
 
 bool ParsePort(const std::string& text, int& port) {
@@ -180,6 +277,10 @@ int RunServeCommand(RshviewContext& context) {
                           ":" + std::to_string(server.Port()) + "/";
   const std::string doc = fs::absolute(options.doc).lexically_normal().string();
   context.out << "rshview: editing " << doc << "\n";
+  if (!Loopback(serverOptions.host))
+    context.err << "rshview serve: warning: listening on " << serverOptions.host
+                << ", so other machines on the network can reach the server, and it asks no one "
+                   "who they are: anyone who reaches it can change and save the document\n";
   if (!statics.Built())
     context.out << "rshview: the browser front-end is not built (no " << statics.Root()
                 << "/index.html); the address says how to build it\n";

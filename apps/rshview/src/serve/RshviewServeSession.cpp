@@ -1,18 +1,25 @@
 #include "RshviewServeSession.h"
 
-#include <unistd.h>
+#include <stdlib.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
+#include <string_view>
 
 #include "KEPHostShaderNode.h"
+#include "KEPHostValueJson.h"
 #include "KEPRdgRenderLock.h"
 #include "KEPRshModelEvents.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPVidTree.h"
+#include "RshviewDefaultValue.h"
 #include "RshviewEditorDiff.h"
 #include "RshviewUnits.h"
 #include "RshviewViewer.h"
@@ -55,6 +62,16 @@ std::vector<std::pair<std::string, KEPHostShaderNode*>> SubShaders(
   return list;
 }
 
+std::string NewInstanceId() {
+  std::random_device device;
+  std::mt19937_64 random(
+      (std::uint64_t{device()} << 32) ^ device() ^
+      static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(random()));
+  return text;
+}
+
 std::string EditorKey(const std::string& node, bool classic, bool restricted) {
   return node + '\n' + (classic ? "classic" : restricted ? "restricted" : "immersive");
 }
@@ -63,7 +80,8 @@ std::string EditorKey(const std::string& node, bool classic, bool restricted) {
 RshviewServeSession::RshviewServeSession(RshviewContext& context, RshviewEventStream& events)
     : context_(context),
       events_(events),
-      log_(*context.document, fs::path(context.options.doc).parent_path().string()) {
+      log_(*context.document, fs::path(context.options.doc).parent_path().string()),
+      instance_(NewInstanceId()) {
   RshviewEnsureStartupPath(context.options.library);
   observer_ = KEPRshModelEvents::AddParameterObserver(
       [this](KEPIRshParameter* parameter, KEPRshParameterChangeKind) { NoteWrite(parameter); });
@@ -124,6 +142,16 @@ RshviewReply RshviewServeSession::Document() {
       subShaders.push_back({{"parameter", parameter}, {"node", target->Id()}});
       parents.try_emplace(target, node->Id());
     }
+    // Each parameter with the label the editors show for it (its alias, else its name): the
+    // front-end finds the parameter of a label it is asked to reset through these.
+    Json parameters = Json::array();
+    for (const auto& parameter : node->Parameters()) {
+      KEPString name;
+      KEPUnicodeString label;
+      parameter->GetName(name);
+      parameter->GetAlias(label);
+      parameters.push_back({{"name", name}, {"label", label.ToUTF8()}});
+    }
     KEPUnicodeString alias;
     node->GetAlias(alias);
     const KEPHostShaderTypeDefinition* type = document.Library()->FindType(node->TypeName());
@@ -140,7 +168,8 @@ RshviewReply RshviewServeSession::Document() {
                      {"kind", kind},
                      {"root", root},
                      {"parent", nullptr},
-                     {"subShaders", std::move(subShaders)}});
+                     {"subShaders", std::move(subShaders)},
+                     {"parameters", std::move(parameters)}});
   }
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const auto parent = parents.find(document.Nodes()[i].Get());
@@ -153,6 +182,7 @@ RshviewReply RshviewServeSession::Document() {
   return RshviewReply::Json({{"path", Absolute(context_.options.doc)},
                              {"library", Absolute(context_.options.library)},
                              {"saved", !dirty_},
+                             {"instance", instance_},
                              {"revision", Revision()},
                              {"units", units},
                              {"nodes", nodes}});
@@ -180,6 +210,32 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
   return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 
+template <class Change>
+RshviewReply RshviewServeSession::Changed(OpenEditor& open, const std::string& client,
+                                          Change change) {
+  KEPVidWidget* editor = open.editor.Editor();
+  if (!open.snapshot || open.snapshotStamp != stamp_)
+    open.snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  writes_ = Json::array();
+  client_ = client;
+  const std::optional<RshviewReply> refused = change();
+  client_.clear();
+  ++stamp_;
+  if (refused) {
+    writes_ = Json::array();
+    return *refused;
+  }
+  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  // Written as text: the changed subtrees go out as the tree's own text.
+  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
+                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open.snapshot, *after)) +
+                     ",\"revision\":" + std::to_string(Revision()) + "}";
+  writes_ = Json::array();
+  open.snapshot = std::move(after);
+  open.snapshotStamp = stamp_;
+  return RshviewReply{200, std::move(text), kRshviewJsonType};
+}
+
 RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEditorEvent& event,
                                         const std::string& client) {
   RshviewReply reply;
@@ -193,25 +249,67 @@ RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEdit
                                    "choose, open, close, drag, ok, cancel)");
   OpenEditor* open = OpenEditorOf(node, event.editor == "classic", event.restricted, reply);
   if (!open) return reply;
-  KEPVidWidget* editor = open->editor.Editor();
-  if (!open->snapshot || open->snapshotStamp != stamp_)
-    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
-  writes_ = Json::array();
-  client_ = client;
-  std::string error;
-  const HRESULT hr = KEPVidInject(editor, event.path, action, event.argument, error);
-  client_.clear();
-  ++stamp_;
-  if (FAILED(hr)) return RshviewReply::Error(422, "refused event", error);
-  auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
-  // Written as text: the changed subtrees go out as the tree's own text.
-  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
-                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open->snapshot, *after)) +
-                     ",\"revision\":" + std::to_string(Revision()) + "}";
-  writes_ = Json::array();
-  open->snapshot = std::move(after);
-  open->snapshotStamp = stamp_;
-  return RshviewReply{200, std::move(text), kRshviewJsonType};
+  return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
+    std::string error;
+    if (FAILED(KEPVidInject(open->editor.Editor(), event.path, action, event.argument, error)))
+      return RshviewReply::Error(422, "refused event", error);
+    return std::nullopt;
+  });
+}
+
+RshviewReply RshviewServeSession::Reset(const std::string& id, const RshviewParameterReset& reset,
+                                        const std::string& client) {
+  RshviewReply reply;
+  KEPHostShaderNode* node = FindNode(id, reply);
+  if (!node) return reply;
+  const auto& parameters = node->Parameters();
+  const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& p) {
+    KEPString name;
+    p->GetName(name);
+    return name == reset.parameter;
+  });
+  if (found == parameters.end()) {
+    std::string names;
+    for (const auto& p : parameters) {
+      KEPString name;
+      p->GetName(name);
+      names += (names.empty() ? "" : ", ") + name;
+    }
+    return RshviewReply::Error(404, "unknown parameter",
+                               "node '" + id + "' (type " + node->TypeName() +
+                                   ") has no parameter '" + reset.parameter +
+                                   "' (parameters: " + names + ")");
+  }
+  KEPHostParameter& parameter = **found;
+  const KEPHostParameterDefinition* definition =
+      RshviewFindDefinition(*context_.document->Library(), node->TypeName(), reset.parameter);
+  const std::string where = "parameter '" + reset.parameter + "' of node '" + id + "'";
+  if (!definition)
+    return RshviewReply::Error(
+        422, "no default",
+        where + ": the library declares no such parameter for type " + node->TypeName());
+  if (definition->defaultValue.type == KEPRmaType::Void)
+    return RshviewReply::Error(422, "no default",
+                               where + " only takes a connection: it has no value to reset");
+  if (definition->defaultValue.type != parameter.Value().type)
+    return RshviewReply::Error(422, "no default",
+                               where + " holds a " + KEPRmaTypeName(parameter.Value().type) +
+                                   " but the library declares a " +
+                                   KEPRmaTypeName(definition->defaultValue.type));
+  OpenEditor* open = OpenEditorOf(node, reset.editor == "classic", reset.restricted, reply);
+  if (!open) return reply;
+  return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
+    // A parameter that holds its default already is not written: no write, no new revision.
+    if (KEPHostValueJson::Write(parameter.Value(), "") ==
+        KEPHostValueJson::Write(definition->defaultValue, ""))
+      return std::nullopt;
+    // The setter writes under the render lock, and the observers (the editors, the event
+    // stream) hear of it once the lock is released.
+    if (FAILED(RshviewWriteValue(parameter, definition->defaultValue)))
+      return RshviewReply::Error(500, "internal error",
+                                 where + ": the default could not be written");
+    return std::nullopt;
+  });
 }
 
 RshviewReply RshviewServeSession::Material(const std::string& id) {
@@ -238,6 +336,11 @@ RshviewReply RshviewServeSession::Texture(const std::string& id) {
   std::string content;
   if (!ReadWholeFile(path, content))
     return RshviewReply::Error(404, "no texture", "cannot read " + path);
+  // Served as image/png: a file of another kind is not served at all.
+  static constexpr std::string_view kPngSignature{"\x89PNG\r\n\x1a\n", 8};
+  if (!content.starts_with(kPngSignature))
+    return RshviewReply::Error(415, "not a PNG image",
+                               "the texture image " + path + " is not a PNG file");
   return RshviewReply{200, std::move(content), "image/png"};
 }
 
@@ -245,21 +348,27 @@ RshviewReply RshviewServeSession::Preview(const std::string& id, int size) {
   RshviewReply reply;
   KEPHostShaderNode* node = FindNode(id, reply);
   if (!node) return reply;
-  static std::atomic<unsigned> counter{0};
-  std::error_code ec;
-  const fs::path file =
-      fs::temp_directory_path(ec) /
-      ("rshview-preview-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".png");
-  std::string error, content;
-  bool written = false;
+  RshviewSphereMaterial material;
   {
-    const KEPRdgRenderLock lock;
-    written = RshviewWritePreview(node, size, file.string(), error);
+    const KEPRdgRenderLock lock;  // only the answers are read under the lock, not the drawing
+    if (!RshviewAskSphereMaterial(node, material))
+      return RshviewReply::Error(500, "internal error",
+                                 "the module's hardware material is not registered");
   }
-  const bool read = written && ReadWholeFile(file.string(), content);
-  fs::remove(file, ec);
+  // The PNG is written in a folder of this process's own (mode 0700), then read back.
+  std::error_code ec;
+  std::string folder = (fs::temp_directory_path(ec) / "rshview-preview-XXXXXX").string();
+  if (ec || !::mkdtemp(folder.data()))
+    return RshviewReply::Error(500, "internal error",
+                               "cannot make a temporary folder for the preview in " +
+                                   fs::temp_directory_path(ec).string());
+  const std::string file = (fs::path(folder) / "preview.png").string();
+  std::string error, content;
+  const bool written = RshviewWriteSpherePreview(material, size, file, error);
+  const bool read = written && ReadWholeFile(file, content);
+  fs::remove_all(folder, ec);
   if (!written) return RshviewReply::Error(500, "internal error", error);
-  if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file.string());
+  if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file);
   return RshviewReply{200, std::move(content), "image/png"};
 }
 
@@ -296,6 +405,9 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
   }
   if (persist && !RshviewStoreUnits(message))
     return RshviewReply::Error(500, "internal error", message);
+  const Json now = RshviewUnitsJson();
+  // Nothing changed (an empty body, or the units already shown): no rebuild and no event.
+  if (now == current) return RshviewReply::Json(now);
   // The editors show values in the display units they were built with: build them afresh.
   ++stamp_;
   for (auto& [key, open] : editors_) {
@@ -305,7 +417,6 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
       context_.err << "rshview serve: " << error << "\n";
   }
   Json announced = Json::object();
-  const Json now = RshviewUnitsJson();
   for (const auto& [magnitude, value] : now.items()) announced[magnitude] = value["unit"];
   announced["revision"] = ++revision_;
   announced["origin"] = Origin(client);

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "RshviewCommand.h"
@@ -27,6 +28,14 @@ struct RshviewEditorEvent {
   std::string argument;
 };
 
+/// A reset of one parameter to its default, as POST /api/nodes/{id}/reset gives it; `editor` and
+/// `restricted` name the editor whose changed widgets the answer lists.
+struct RshviewParameterReset {
+  std::string editor = "immersive";
+  bool restricted = false;
+  std::string parameter;
+};
+
 class RshviewServeSession {
  public:
   /// Works on the loaded document of `context` (which outlives the session) and announces its
@@ -40,6 +49,9 @@ class RshviewServeSession {
   RshviewReply Editor(const std::string& node, const std::string& kind, bool restricted);
   RshviewReply Event(const std::string& node, const RshviewEditorEvent& event,
                      const std::string& client);
+  /// Writes the default the library declares for the parameter (nothing when it holds it already).
+  RshviewReply Reset(const std::string& node, const RshviewParameterReset& reset,
+                     const std::string& client);
   RshviewReply Material(const std::string& node);
   RshviewReply Texture(const std::string& node);
   RshviewReply Preview(const std::string& node, int size);
@@ -50,6 +62,10 @@ class RshviewServeSession {
 
   /// A parameter was written since the document was loaded or saved.
   bool Dirty() const { return dirty_; }
+
+  /// Names this run of the server (random, 16 hex digits): a client that sees it change knows the
+  /// server restarted, its revisions with it.
+  const std::string& Instance() const { return instance_; }
 
   /// Grows with every parameter write and every units change.
   std::uint64_t Revision() const { return revision_.load(); }
@@ -70,6 +86,10 @@ class RshviewServeSession {
   /// The editor kept for (node, kind), built on first use; null with `reply` set on failure.
   OpenEditor* OpenEditorOf(KEPHostShaderNode* node, bool classic, bool restricted,
                            RshviewReply& reply);
+  /// Runs `change` as `client`: its error answer when it returns one, else the writes it made and
+  /// the widgets of `open` it changed.
+  template <class Change>
+  RshviewReply Changed(OpenEditor& open, const std::string& client, Change change);
   void NoteWrite(KEPIRshParameter* parameter);
   static nlohmann::ordered_json Origin(const std::string& client);
 
@@ -79,6 +99,7 @@ class RshviewServeSession {
   int observer_ = 0;
   std::map<std::string, std::unique_ptr<OpenEditor>> editors_;
   std::atomic<std::uint64_t> revision_{0};
+  std::string instance_;
   std::uint64_t stamp_ = 0;  ///< grows with every event and every rebuild of the editors
   bool dirty_ = false;
   std::string client_;             ///< the client whose request is running

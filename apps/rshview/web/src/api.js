@@ -93,12 +93,15 @@ export class Api {
    * Queues one user event; resolves with the server's answer, rejects with an ApiError when the
    * server refuses it. Events go one at a time, in the order they were made.
    */
-  send(node, event) {
+  send(node, event, route = 'events') {
     return new Promise((resolve, reject) => {
-      this.queue.push({ node, event, resolve, reject });
+      this.queue.push({ node, event, route, resolve, reject });
       this.pump();
     });
   }
+
+  /** Queues a reset of one parameter to its default (`body`: {parameter, editor}), as send. */
+  reset(node, body) { return this.send(node, body, 'reset'); }
 
   async pump() {
     if (this.sending) return;
@@ -107,7 +110,7 @@ export class Api {
       while (this.queue.length > 0) {
         const item = this.queue[0];
         try {
-          const answer = await this.request('POST', `/api/nodes/${encodeNode(item.node)}/events`, item.event);
+          const answer = await this.request('POST', `/api/nodes/${encodeNode(item.node)}/${item.route}`, item.event);
           this.queue.shift();
           item.resolve(answer);
         } catch (e) {

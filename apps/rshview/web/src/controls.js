@@ -141,12 +141,19 @@ function makeSlider(ctx, { wheel = false } = {}) {
   return el;
 }
 
-/** A text field that sends its text on Enter or when it loses focus, and goes back on Escape. */
+/**
+ * A text field that sends its text on Enter or when it loses focus, and goes back on Escape.
+ * While the person types in it (focused, not yet sent), a redraw does not replace their text: it
+ * only changes what Escape goes back to.
+ */
 function makeField(onCommit, { numeric = false, width } = {}) {
   const input = h('input', { class: numeric ? 'field numeric' : 'field', type: 'text', spellcheck: 'false' });
   if (width) input.style.width = `${width + 2}ch`;
   input._shown = '';
+  input._typing = false;
+  input.addEventListener('input', () => { input._typing = true; });
   const commit = () => {
+    input._typing = false;
     if (input.value !== input._shown) onCommit(input.value);
   };
   input.addEventListener('keydown', (e) => {
@@ -157,12 +164,15 @@ function makeField(onCommit, { numeric = false, width } = {}) {
     } else if (e.key === 'Escape' && input.value !== input._shown) {
       e.preventDefault();
       e.stopPropagation();
+      input._typing = false;
       input.value = input._shown;
     }
   });
   input.addEventListener('change', commit);
   input.setShown = (text) => {
     input._shown = text;
+    if (input._typing && document.activeElement === input) return;
+    input._typing = false;
     if (input.value !== text) input.value = text;
   };
   return input;

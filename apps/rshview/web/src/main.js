@@ -7,6 +7,7 @@ import { Preview, loadTexture, sphereMaterial } from './preview.js';
 import { leadingNumber } from './controls.js';
 import { EditorView, showsSomething } from './view.js';
 import { describeWrite } from './values.js';
+import { parameterOfLabel } from './reset.js';
 
 const $ = (id) => document.getElementById(id);
 
@@ -15,6 +16,7 @@ const app = {
   node: null,
   kind: localStorage.getItem('rshview.editor') === 'classic' ? 'classic' : 'immersive',
   revision: 0,
+  instance: null, // the server's run, from the document and the stream's hello
   editorRequest: 0,
   materialRequest: 0,
 };
@@ -104,6 +106,45 @@ async function sendEvent(action, path, argument) {
   }
 }
 
+/** Sets the parameter of a label back to its default (Ctrl-click or double-click on the label). */
+async function resetLabel(labelEl) {
+  const path = labelEl?._w?.path;
+  const node = app.node;
+  const kind = app.kind;
+  if (!path || !node) return;
+  const target = parameterOfLabel({
+    path,
+    kind,
+    nodeId: node,
+    doc: app.doc,
+    labelText: (p) => view.element(p)?.textContent ?? null,
+  });
+  if (!target) {
+    showError(`'${labelEl.textContent}' names no single parameter to reset`);
+    return;
+  }
+  try {
+    const answer = await api.reset(target.node, { editor: kind, parameter: target.parameter });
+    clearError();
+    if (node !== app.node || kind !== app.kind) return;
+    noteRevision(answer.revision);
+    // The answer lists the widgets of the parameter's own node's editor: those of a sub-shader
+    // shown inside this node's editor are fetched again.
+    if (target.node === node) view.patch(answer.changed);
+    else if ((answer.writes || []).length > 0) loadEditor();
+    const writes = answer.writes || [];
+    if (writes.length > 0) {
+      setStatus(`${writes.map(describeWrite).join('; ')} (default)`);
+      setSaved(false);
+      refreshMaterial();
+    } else {
+      setStatus(`${target.node}.${target.parameter} is at its default already`);
+    }
+  } catch (e) {
+    showError(e);
+  }
+}
+
 /** Whether a typed or set value differs from what the widget holds (so its refusal shows). */
 function typedDiffers(w, action, argument) {
   if (action !== 'type' && action !== 'set') return false;
@@ -113,6 +154,15 @@ function typedDiffers(w, action, argument) {
   // A value is held in model units and may be shown in others: either one matching is no refusal.
   const near = (held) => typeof held === 'number' && Math.abs(held - typed) <= 1e-6 * Math.max(1, Math.abs(held));
   return !near(w?.state?.value) && !near(leadingNumber(text));
+}
+
+/** Notes the server's run; true when it changed (the server restarted: revisions start again). */
+function noteInstance(instance) {
+  if (typeof instance !== 'string' || instance === app.instance) return false;
+  const restarted = app.instance !== null;
+  app.instance = instance;
+  if (restarted) app.revision = 0;
+  return restarted;
 }
 
 function noteRevision(revision) {
@@ -127,6 +177,7 @@ function setSaved(saved) {
 async function loadDocument() {
   const doc = await api.document();
   app.doc = doc;
+  noteInstance(doc.instance);
   noteRevision(doc.revision);
   $('doc-path').textContent = doc.path || '';
   $('doc-path').title = doc.path || '';
@@ -173,7 +224,15 @@ async function loadEditor({ keepScroll = true } = {}) {
     const pane = $('editor');
     const top = pane.scrollTop;
     const focused = document.activeElement?.closest?.('[data-path]')?.dataset.path;
-    view.load(answer.editor);
+    // The same editor again (another tab wrote, the units changed): patched in place, so that a
+    // field being typed in keeps its text. Another node or kind is drawn afresh.
+    const shown = document.body.dataset.editorNode === id && document.body.dataset.editorKind === kind;
+    if (keepScroll && shown) {
+      pane.querySelector(':scope > .editor-empty')?.remove();
+      view.refresh(answer.editor);
+    } else {
+      view.load(answer.editor);
+    }
     showIfEmpty(pane, kind, id, answer.editor);
     if (keepScroll) pane.scrollTop = top;
     if (focused !== undefined && pane.contains(document.activeElement) === false && keepScroll) view.focusPath(focused);
@@ -268,8 +327,14 @@ function subscribe() {
   stream.addEventListener('open', () => { document.body.dataset.stream = 'open'; });
   stream.addEventListener('hello', (e) => {
     const data = JSON.parse(e.data);
-    // Writes may have been missed while the stream was away: catch up.
-    if (typeof data.revision === 'number' && data.revision > app.revision) refreshAll();
+    // Another run of the server (restarted): what this tab shows may be older than its revision
+    // 0. Else writes may have been missed while the stream was away: catch up.
+    if (noteInstance(data.instance)) {
+      setStatus('The server restarted: the document was read again');
+      refreshAll();
+    } else if (typeof data.revision === 'number' && data.revision > app.revision) {
+      refreshAll();
+    }
     noteRevision(data.revision);
   });
   stream.addEventListener('write', (e) => {
@@ -326,6 +391,20 @@ async function changeUnit(magnitude, unit) {
 }
 
 function wire() {
+  const labelOf = (e) => e.target.closest?.('.param-label');
+  $('editor').addEventListener('dblclick', (e) => {
+    const el = labelOf(e);
+    if (!el) return;
+    e.preventDefault();
+    window.getSelection()?.removeAllRanges(); // a double-click selects the label's word
+    resetLabel(el);
+  });
+  $('editor').addEventListener('click', (e) => {
+    const el = labelOf(e);
+    if (!el || !(e.ctrlKey || e.metaKey) || e.detail > 1) return;
+    e.preventDefault();
+    resetLabel(el);
+  });
   $('save').addEventListener('click', save);
   $('banner-retry').addEventListener('click', () => api.retry());
   $('node-filter').addEventListener('input', (e) => nodeList.filter(e.target.value));

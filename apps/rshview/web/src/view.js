@@ -183,6 +183,21 @@ export class EditorView {
     this.applyFilter();
   }
 
+  /**
+   * Brings the editor shown to a new tree of the same editor in place: widgets that kept their
+   * shape keep their elements, so the focus, the scroll and a text being typed stay.
+   */
+  refresh(tree) {
+    const top = this.root.firstElementChild;
+    if (!this.tree || !top?._w) {
+      this.load(tree);
+      return;
+    }
+    this.update(top, tree);
+    this.tree = tree;
+    this.applyFilter();
+  }
+
   /** Count of widgets in a subtree. */
   static size(w) {
     return 1 + (w.children || []).reduce((n, c) => n + EditorView.size(c), 0);

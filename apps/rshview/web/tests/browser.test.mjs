@@ -136,6 +136,40 @@ test('moving a slider writes the value and redraws the preview as rshview previe
   });
 });
 
+test('a double-click or Ctrl-click on a label sets its parameter back to the default', async (t) => {
+  await scenario(t, async ({ page }) => {
+    const gloss = 'default_generic_brdf_diffuse_glossiness';
+    await expandGroup(page, 'Base coat');
+    const sliderPath = await rowWidget(page, gloss, '[data-cls="KEPVidCtlSlider"]');
+    const editorPath = await rowWidget(page, gloss, '[data-cls="KEPVidCtlEditor"]');
+    const box = await page.locator(at(sliderPath)).boundingBox();
+    await page.mouse.click(box.x + box.width * 0.9, box.y + box.height / 2);
+    await settled(page);
+    await page.waitForFunction((p) => Number(document.querySelector(p).value) > 0.5, at(editorPath));
+
+    const label = page.locator('.param-label', { hasText: gloss }).first();
+    await label.dblclick();
+    await settled(page);
+    await page.waitForFunction((p) => document.querySelector(p).value === '0.2', at(editorPath));
+    assert.match(await page.textContent('#status'), new RegExp(`red_paint\\.${gloss}: 0\\.\\d+ → 0\\.2 \\(default\\)`));
+    // Again: nothing to write, and the status says so.
+    await label.click({ modifiers: ['Control'] });
+    await settled(page);
+    await page.waitForFunction(() => /at its default already/.test(document.getElementById('status').textContent));
+
+    // The classic editor names its labels by parameter position, not by row.
+    await page.click('.node[data-node="window"]');
+    await page.click('.switch [data-kind="classic"]');
+    await page.waitForSelector('body[data-editor-kind="classic"][data-editor-node="window"]');
+    const before = await page.textContent('#status');
+    await page.locator('.param-label', { hasText: /^roughness$/ }).first().click({ modifiers: ['Control'] });
+    await settled(page);
+    await page.waitForFunction((s) => document.getElementById('status').textContent !== s, before);
+    assert.match(await page.textContent('#status'), /^window\.roughness: 0\.45 → 0\.3 \(default\)$/);
+    await page.click('.switch [data-kind="immersive"]');
+  });
+});
+
 test('a value typed out of range is refused and the field shows the value again', async (t) => {
   await scenario(t, async ({ page, server }) => {
     await expandGroup(page, 'Base coat');
@@ -211,6 +245,47 @@ test('two tabs stay in step: a write in one shows in the other', async (t) => {
       await settled(page);
       await other.waitForFunction((p) => document.querySelector(p)?.value === '0.35', at(editorPath), { timeout: 5000 });
       assert.match(await other.textContent('#status'), /diffuse_weight: [\d.]+ → 0\.35 \(another window\)/);
+    } finally {
+      await other.context().close();
+    }
+  });
+});
+
+test('a write in another tab keeps the text being typed in a field of this tab', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    // The group's state is the server's: the second tab opens with it expanded.
+    await expandGroup(page, 'Base coat');
+    await page.waitForFunction(() => document.body.dataset.stream === 'open');
+    const other = await openPage(browser, server.url);
+    try {
+      await expandGroup(other, 'Base coat');
+      const typing = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      const written = await rowWidget(other, 'default_generic_brdf_diffuse_glossiness', '[data-cls="KEPVidCtlEditor"]');
+      // Typed, not sent yet (no Enter, the field keeps the focus).
+      await page.fill(at(typing), '0.777');
+      const value = (await other.inputValue(at(written))) === '0.45' ? '0.55' : '0.45';
+      await other.fill(at(written), value);
+      await other.press(at(written), 'Enter');
+      await settled(other);
+      // This tab redraws the editor with the other tab's value...
+      await page.waitForFunction(([p, v]) => document.querySelector(p)?.value === v, [at(written), value], { timeout: 5000 });
+      // ...and the field being typed in keeps its text and the focus; Enter then sends it.
+      assert.notEqual((await material(server, 'red_paint')).lighting.diffuse.coefficient, 0.777, 'not sent yet');
+      assert.equal(await page.inputValue(at(typing)), '0.777');
+      assert.ok(await page.evaluate((p) => document.activeElement === document.querySelector(p), at(typing)));
+      await page.press(at(typing), 'Enter');
+      await settled(page);
+      assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - 0.777) < 1e-6);
+      // Escape after a redraw goes back to the value the server shows now, not the old one.
+      await page.fill(at(written), '0.9');
+      await other.fill(at(written), '0.66');
+      await other.press(at(written), 'Enter');
+      await settled(other);
+      await page.waitForFunction(() => /another window/.test(document.getElementById('status').textContent) && window.rshview.api.pending === 0);
+      await page.waitForFunction((p) => document.querySelector(p)?._shown === '0.66', at(written), { timeout: 5000 });
+      assert.equal(await page.inputValue(at(written)), '0.9');
+      await page.press(at(written), 'Escape');
+      assert.equal(await page.inputValue(at(written)), '0.66');
     } finally {
       await other.context().close();
     }
@@ -293,6 +368,38 @@ test('when the server goes away the page says so, keeps what was typed and sends
       await page.waitForSelector('#banner', { state: 'hidden', timeout: 10000 });
       await settled(page);
       assert.ok(Math.abs((await material(server, 'red_paint')).lighting.diffuse.coefficient - 0.25) < 1e-6);
+    });
+  } finally {
+    await page.context().close();
+    await server.stop();
+  }
+});
+
+test('after the server restarts, the tab reads the document of the new run', async (t) => {
+  const copy = sampleCopy();
+  let server = await startServer(copy);
+  const page = await openPage(browser, server.url);
+  try {
+    await withScreenshot(t, page, async () => {
+      await page.waitForFunction(() => document.body.dataset.stream === 'open');
+      await expandGroup(page, 'Base coat');
+      const path = await rowWidget(page, 'default_generic_brdf_diffuse_weight', '[data-cls="KEPVidCtlEditor"]');
+      const original = await page.inputValue(at(path));
+      const instance = await page.evaluate(() => window.rshview.instance);
+      assert.match(instance, /^[0-9a-f]{16}$/);
+      // Two writes, not saved: the next run starts from the file, at revision 0.
+      for (const typed of ['0.31', '0.32']) {
+        await page.fill(at(path), typed);
+        await page.press(at(path), 'Enter');
+        await settled(page);
+      }
+      assert.equal(await page.evaluate(() => window.rshview.revision), 2);
+      const port = new URL(server.url).port;
+      await server.stop();
+      server = await startServer({ ...copy, port });
+      await page.waitForFunction(([p, v]) => document.querySelector(p)?.value === v, [at(path), original], { timeout: 20000 });
+      assert.notEqual(await page.evaluate(() => window.rshview.instance), instance);
+      assert.match(await page.textContent('#status'), /The server restarted/);
     });
   } finally {
     await page.context().close();
