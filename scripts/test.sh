@@ -25,27 +25,44 @@ if [ ${#presets[@]} -eq 0 ]; then
   full=1
 fi
 jobs=$(nproc 2>/dev/null || echo 2)
+# Wall-clock and CPU seconds of each phase, so a slow phase shows in the CI log.
+phase_start=$SECONDS
+phase_cpu() { times | awk 'NR==2 { split($1, u, "m"); split($2, s, "m"); printf "%d", u[1] * 60 + u[2] + s[1] * 60 + s[2] }'; }
+phase_cpu_start=$(phase_cpu)
+phase_done() {
+  local cpu
+  cpu=$(phase_cpu)
+  echo "--- $1: $((SECONDS - phase_start)) s wall, $((cpu - phase_cpu_start)) s CPU"
+  phase_start=$SECONDS
+  phase_cpu_start=$cpu
+}
 fuzz_seconds=${KEPRSH_FUZZ_SECONDS:-20}
 for preset in "${presets[@]}"; do
   if [ "$preset" = fuzz ]; then
     KEPRSH_WERROR=ON scripts/fuzz.sh "$fuzz_seconds"
+    phase_done "fuzz"
     continue
   fi
   echo "=== ${preset}: configure"
   cmake --preset "$preset" -DKEPRSH_WERROR=ON >/dev/null
   echo "=== ${preset}: build"
   cmake --build --preset "$preset" -j "$jobs"
+  phase_done "${preset} build"
   echo "=== ${preset}: test"
   ctest --preset "$preset" -j "$jobs"
+  phase_done "${preset} test"
   if [ "$preset" = release ] && [ "$browser_tests" != 0 ]; then
     echo "=== ${preset}: browser tests"
     scripts/build-web.sh
     (cd apps/rshview/web && RSHVIEW_BIN="$PWD/../../../build/release/bin/rshview" npm test)
+    phase_done "browser tests"
   fi
 done
 if [ "$full" = 1 ]; then
   echo "=== clang-tidy"
   scripts/check-tidy.sh build/release
+  phase_done "clang-tidy"
   KEPRSH_WERROR=ON scripts/fuzz.sh "$fuzz_seconds"
+  phase_done "fuzz"
 fi
 echo "All tests passed (${presets[*]})."
