@@ -27,11 +27,18 @@ fi
 jobs=$(nproc 2>/dev/null || echo 2)
 # Wall-clock and CPU seconds of each phase, so a slow phase shows in the CI log.
 phase_start=$SECONDS
-phase_cpu() { times | awk 'NR==2 { split($1, u, "m"); split($2, s, "m"); printf "%d", u[1] * 60 + u[2] + s[1] * 60 + s[2] }'; }
-phase_cpu_start=$(phase_cpu)
+phase_times=$(mktemp)
+trap 'rm -f "$phase_times"' EXIT
+# `times` must run in this shell: in a command substitution it would report that subshell's.
+children_cpu() {
+  awk 'NR==2 { split($1, u, "m"); split($2, s, "m"); printf "%d", u[1] * 60 + u[2] + s[1] * 60 + s[2] }' "$phase_times"
+}
+times >"$phase_times"
+phase_cpu_start=$(children_cpu)
 phase_done() {
   local cpu
-  cpu=$(phase_cpu)
+  times >"$phase_times"
+  cpu=$(children_cpu)
   echo "--- $1: $((SECONDS - phase_start)) s wall, $((cpu - phase_cpu_start)) s CPU"
   phase_start=$SECONDS
   phase_cpu_start=$cpu
