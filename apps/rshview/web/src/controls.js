@@ -178,6 +178,26 @@ function makeField(onCommit, { numeric = false, width } = {}) {
   return input;
 }
 
+/**
+ * The text field of a number: a typed number is sent to the widget at the path of `widget()`,
+ * anything else refused with a message; the arrow keys call `stepBy` with ±1 (±10 with Shift).
+ */
+function makeNumberField(ctx, widget, stepBy) {
+  const input = makeField((text) => {
+    const v = leadingNumber(text);
+    if (Number.isNaN(v)) ctx.error(`${widget().path}: '${text}' is not a number`), input.setShown(input._shown);
+    else ctx.send('set', widget().path, String(v));
+  }, { numeric: true });
+  input.setAttribute('role', 'spinbutton');
+  input.addEventListener('keydown', (e) => {
+    if (e.key === 'ArrowUp' || e.key === 'ArrowDown') {
+      e.preventDefault();
+      stepBy((e.key === 'ArrowUp' ? 1 : -1) * (e.shiftKey ? 10 : 1));
+    }
+  });
+  return input;
+}
+
 // ---------------------------------------------------------------------------------------------
 // Containers: a grid placed by the children's cells.
 
@@ -297,22 +317,11 @@ const editor = {
 const spinBox = {
   create(w, ctx) {
     const send = (v) => ctx.send('set', el._w.path, String(v));
-    const input = makeField((text) => {
-      const v = leadingNumber(text);
-      if (Number.isNaN(v)) ctx.error(`${el._w.path}: '${text}' is not a number`), input.setShown(input._shown);
-      else send(v);
-    }, { numeric: true });
     const stepBy = (k) => {
       const s = el._w.state;
       send(Number(formatNumber((s.value ?? 0) + k * (s.singleStep || 1), s.decimals ?? 0)));
     };
-    input.setAttribute('role', 'spinbutton');
-    input.addEventListener('keydown', (e) => {
-      if (e.key === 'ArrowUp' || e.key === 'ArrowDown') {
-        e.preventDefault();
-        stepBy((e.key === 'ArrowUp' ? 1 : -1) * (e.shiftKey ? 10 : 1));
-      }
-    });
+    const input = makeNumberField(ctx, () => el._w, stepBy);
     scrubbable(input, {
       get: () => el._w.state?.value ?? 0,
       integer: () => el._w.class === 'KEPVidCtlSpinBox',
@@ -591,20 +600,9 @@ function shownFactor(s) {
 const spinner = {
   create(w, ctx) {
     const send = (v) => ctx.send('set', el._w.path, String(v));
-    const input = makeField((text) => {
-      const v = leadingNumber(text);
-      if (Number.isNaN(v)) ctx.error(`${el._w.path}: '${text}' is not a number`), input.setShown(input._shown);
-      else send(v);
-    }, { numeric: true });
-    input.setAttribute('role', 'spinbutton');
     const shown = () => leadingNumber(el._w.state?.text) || 0;
     const step = () => (el._w.state?.step || 1) * shownFactor(el._w.state || {});
-    input.addEventListener('keydown', (e) => {
-      if (e.key === 'ArrowUp' || e.key === 'ArrowDown') {
-        e.preventDefault();
-        send(shown() + (e.key === 'ArrowUp' ? 1 : -1) * step() * (e.shiftKey ? 10 : 1));
-      }
-    });
+    const input = makeNumberField(ctx, () => el._w, (k) => send(shown() + k * step()));
     scrubbable(input, { get: shown, step, preview: (v) => { input.value = formatNumber(v, 3); }, commit: (v) => send(Number(formatNumber(v, 6))) });
     const el = h('div', { class: 'spinbox classic' }, input);
     el._input = input;

@@ -195,6 +195,38 @@ test('a value typed out of range is refused and the field shows the value again'
   });
 });
 
+test('a spin box steps with the arrow keys and refuses text that is not a number', async (t) => {
+  await scenario(t, async ({ page }) => {
+    await expandGroup(page, 'Mapping');
+    const input = `${at(await rowWidget(page, 'scale_v', '.spinbox'))} input`;
+    const value = async () => Number(await page.inputValue(input));
+    const before = await value();
+    try {
+      await page.press(input, 'ArrowUp');
+      await settled(page);
+      await page.waitForFunction(([sel, v]) => Number(document.querySelector(sel).value) > v, [input, before]);
+      const up = await value();
+      await page.press(input, 'Shift+ArrowDown');
+      await settled(page);
+      await page.waitForFunction(([sel, v]) => Number(document.querySelector(sel).value) < v, [input, up]);
+      assert.ok(Math.abs((up - before) * 10 - (up - (await value()))) < 1e-6, 'Shift steps ten times as far');
+      const shown = await page.inputValue(input);
+      const status = await page.textContent('#status');
+      await page.fill(input, 'abc');
+      await page.press(input, 'Enter');
+      await settled(page);
+      assert.match(await page.textContent('#error'), /'abc' is not a number/);
+      assert.equal(await page.inputValue(input), shown);
+      assert.equal(await page.textContent('#status'), status, 'nothing was written');
+    } finally {
+      // The tests share one server: the value goes back to what it was.
+      await page.fill(input, String(before));
+      await page.press(input, 'Enter');
+      await settled(page);
+    }
+  });
+});
+
 test('changing the length unit converts the values shown', async (t) => {
   await scenario(t, async ({ page }) => {
     await expandGroup(page, 'Mapping');
