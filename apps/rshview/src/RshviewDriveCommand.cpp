@@ -35,8 +35,18 @@ const char* const kRshviewDriveHelp =
     "  color PATH R G B [A]   choose a colour in a picker (0..1)\n"
     "  choose PATH image=FILE groups=a,b dpi=N   choose an image, its layers, its resolution\n"
     "  open PATH / close PATH show or hide a popup\n"
+    "  ok [PATH] / cancel [PATH] / close [PATH]   confirm, cancel or close a dialog (without\n"
+    "                         PATH: the one dialog that is open, such as connectionDialog)\n"
     "\n"
-    "Prints each parameter write with the line that caused it: node.parameter: old -> new.\n"
+    "Connecting: press a row's connection button (immersive ParameterConnectionN, classic\n"
+    "parameterButtonN), 'select connectionDialog/shaderSelector LINE' with a line's text\n"
+    "('Image texture (new)' creates a node, 'Map (Wall:diffuse)' reuses the node Map that the\n"
+    "material Wall uses), then 'ok'. Press the button again (classic: disconnectButtonN) to\n"
+    "disconnect.\n"
+    "\n"
+    "Prints what each line caused: node.parameter: old -> new for a value written,\n"
+    "node.parameter: connection OLD -> NEW for a connection made or undone ((none) for no\n"
+    "node), new node ID (TYPE) for a node the connection dialog created.\n"
     "An event the widget refuses, or a path that does not resolve, stops the script with an\n"
     "error naming the line (exit 1); nothing is saved then.\n"
     "\n"
@@ -47,14 +57,11 @@ const char* const kRshviewDriveHelp =
     "  --trace         print the module's traces to standard error as the events run\n"
     "\n"
     "JSON: {\"node\", \"events\": [{line, action, path, argument, writes: [{node, parameter,\n"
-    "old, new}]}], \"saved\"}.\n";
+    "old, new}], connections: [{node, parameter, old, new}], created: [{id, type, alias}]}],\n"
+    "\"saved\"}.\n";
 
 namespace {
 using Json = nlohmann::ordered_json;
-
-std::string Compact(const Json& value) {
-  return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
 
 struct Event {
   int line;
@@ -63,14 +70,50 @@ struct Event {
   std::string argument;
 };
 
-/// Splits "ACTION PATH [ARGUMENT...]"; false for a line without a path.
+/// Splits "ACTION PATH [ARGUMENT...]"; false for a line without a path, except for the actions
+/// of a dialog (ok, cancel, close), which may leave it out.
 bool ParseLine(const std::string& text, Event& event) {
   std::istringstream in(text);
-  if (!(in >> event.action >> event.path)) return false;
+  if (!(in >> event.action)) return false;
+  if (!(in >> event.path)) {
+    const std::string action = KEPToLower(event.action);
+    return action == "ok" || action == "cancel" || action == "close";
+  }
   std::string rest;
   std::getline(in, rest);
   event.argument = std::string(KEPTrimBlanks(rest));
   return true;
+}
+
+/// Every dialog shown below `root` (a classic KEPDlgDialog whose ancestors are shown too), in
+/// tree order.
+void FindOpenDialogs(KEPVidWidget* widget, std::vector<KEPVidWidget*>& dialogs) {
+  if (!widget->IsVisible()) return;
+  if (widget->IsAKindOf("KEPDlgDialog")) dialogs.push_back(widget);
+  for (std::size_t i = 0; i < widget->GetChildCount(); ++i)
+    FindOpenDialogs(widget->GetChild(i), dialogs);
+}
+
+/// The path of the one open dialog below `root`, for 'ok', 'cancel' and 'close' without a path;
+/// false with `error` set when none or several are open.
+bool OpenDialogPath(KEPVidWidget* root, const std::string& action, std::string& path,
+                    std::string& error) {
+  std::vector<KEPVidWidget*> dialogs;
+  FindOpenDialogs(root, dialogs);
+  if (dialogs.size() == 1) {
+    path = KEPVidPathOf(root, dialogs.front());
+    return true;
+  }
+  if (dialogs.empty()) {
+    error = "'" + action + "' without a path needs an open dialog, and none is open";
+    return false;
+  }
+  error =
+      "'" + action + "' without a path: " + std::to_string(dialogs.size()) + " dialogs are open (";
+  for (std::size_t i = 0; i < dialogs.size(); ++i)
+    error += (i ? ", " : "") + KEPVidPathOf(root, dialogs[i]);
+  error += "); name one";
+  return false;
 }
 
 }  // namespace
@@ -112,10 +155,26 @@ int RunDriveCommand(RshviewContext& context) {
   }
 
   RshviewValueLog log(*context.document, std::filesystem::path(options.doc).parent_path().string());
-  std::vector<Json> writes;
+  // What one line caused, in the order it happened; a node the connection dialog created shows
+  // before the connection that uses it.
+  std::vector<Json> writes, connections, created;
+  std::vector<std::string> lines;
+  auto noteNewNodes = [&] {
+    for (Json& made : log.NewNodes()) {
+      lines.push_back(RshviewValueLog::NodeText(made));
+      created.push_back(std::move(made));
+    }
+  };
   const int observer = KEPRshModelEvents::AddParameterObserver(
-      [&](KEPIRshParameter* parameter, KEPRshParameterChangeKind) {
-        writes.push_back(log.Write(parameter));
+      [&](KEPIRshParameter* parameter, KEPRshParameterChangeKind kind) {
+        noteNewNodes();
+        if (kind == KEPRshParameterChangeKind::Connection) {
+          connections.push_back(log.Connection(parameter));
+          lines.push_back(RshviewValueLog::ConnectionText(connections.back()));
+        } else {
+          writes.push_back(log.Write(parameter));
+          lines.push_back(RshviewValueLog::WriteText(writes.back()));
+        }
       });
   struct Unobserve {
     int token;
@@ -145,22 +204,30 @@ int RunDriveCommand(RshviewContext& context) {
       return 1;
     }
     writes.clear();
+    connections.clear();
+    created.clear();
+    lines.clear();
     std::string error;
+    if (event.path.empty() && !OpenDialogPath(editor.Editor(), event.action, event.path, error)) {
+      context.err << "rshview drive: " << where << error << "\n";
+      return 1;
+    }
     if (FAILED(KEPVidInject(editor.Editor(), event.path, action, event.argument, error))) {
       context.err << "rshview drive: " << where << error << "\n";
       return 1;
     }
+    // A node created without a parameter change (a dialog that made it and connected nothing).
+    noteNewNodes();
     if (json) {
       events.push_back({{"line", number},
                         {"action", event.action},
                         {"path", event.path},
                         {"argument", event.argument},
-                        {"writes", writes}});
+                        {"writes", writes},
+                        {"connections", connections},
+                        {"created", created}});
     } else {
-      for (const Json& write : writes)
-        context.out << number << ": " << write["node"].get<std::string>() << "."
-                    << write["parameter"].get<std::string>() << ": " << Compact(write["old"])
-                    << " -> " << Compact(write["new"]) << "\n";
+      for (const std::string& caused : lines) context.out << number << ": " << caused << "\n";
     }
   }
   if (in.bad()) {

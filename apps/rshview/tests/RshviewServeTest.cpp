@@ -188,8 +188,10 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
   EXPECT_EQ(nodes[0]["id"], "red_paint");
   EXPECT_EQ(nodes[0]["kind"], "material");
   EXPECT_EQ(nodes[0]["alias"], "Red metallic paint");
+  // The paint's flakes share the floor's tiles.
   EXPECT_EQ(nodes[0]["subShaders"], Json::parse(R"([{"parameter": "default_slot_diffuse_texture",
-                             "node": "red_paint.decal"}])"));
+                             "node": "red_paint.decal"},
+                            {"parameter": "flake_color", "node": "floor.tiles"}])"));
   // Parameters in the node's order, each with the label its editors show.
   EXPECT_EQ(nodes[0]["parameters"][3],
             Json::parse(R"({"name": "default_generic_brdf_diffuse_glossiness",

@@ -53,7 +53,8 @@ class KEPIRshParameter : public virtual KEPIUnknown {
   /// The shader node connected to this parameter with a reference for the caller; E_FAIL and
   /// null when nothing is connected.
   virtual HRESULT GetConnectedShader(KEPIRshShader*& shader) = 0;
-  /// Connects `shader` (null disconnects).
+  /// Connects `shader` (null disconnects). E_FAIL, with nothing changed, when the connection
+  /// would make a cycle (this parameter is reachable from `shader`).
   virtual HRESULT SetConnectedShader(KEPIRshShader* shader) = 0;
 };
 

@@ -9,6 +9,7 @@
 #include "KEPString.h"
 #include "KEP_var.h"
 
+class KEPIRshParameter;
 class KEPIRshShader;
 
 /// The owner of a document's shader nodes.
@@ -22,6 +23,11 @@ class KEPIRshShaderSupport : public virtual KEPIUnknown {
   /// fresh identifier. E_FAIL for an unknown type or a taken identifier.
   virtual HRESULT CreateShader(const KEPString& typeName, const KEPString& id,
                                KEPIRshShader*& shader) = 0;
+  /// Whether connecting `shader` to `parameter` is refused: the shader owns the parameter, or the
+  /// parameter is reachable from the shader through connections (the connection would make a
+  /// cycle). E_INVALIDARG for a null argument.
+  virtual HRESULT IsConnectionExcluded(KEPIRshParameter* parameter, KEPIRshShader* shader,
+                                       bool& excluded) = 0;
 };
 
 #pragma GCC visibility pop

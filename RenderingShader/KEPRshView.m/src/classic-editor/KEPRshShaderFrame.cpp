@@ -12,14 +12,17 @@
 #include "KEPDlgPushButton.h"
 #include "KEPDlgPushItem.h"
 #include "KEPIAlias.h"
+#include "KEPIModelEvents.h"
 #include "KEPIRshParameterDialog.h"
 #include "KEPIRshShaderSupport.h"
-#include "KEPISpecObject.h"
 #include "KEPMsgCatalog.h"
 #include "KEPRdgRenderLock.h"
+#include "KEPRshConnectionDialog.h"
+#include "KEPRshConnectionDoneNotification.h"
 #include "KEPRshModelEvents.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshShaderRootFrame.h"
+#include "KEPRshShaderTree.h"
 #include "KEPRshViewModule.h"
 #include "KEPTrace.h"
 
@@ -127,6 +130,7 @@ KEPRshShaderFrame::KEPRshShaderFrame(KEPDialog* parent, const KEPString& name, i
 KEPRshShaderFrame::~KEPRshShaderFrame() {
   KEPModuleTrace::Trace(2, "(KEPRshShaderFrame::~KEPRshShaderFrame) Destructor\n");
   if (observer_) KEPRshModelEvents::RemoveObserver(observer_);
+  CloseConnectionDialog();
   DetachShader();
   KEPModuleTrace::Trace(2, "(KEPRshShaderFrame::~KEPRshShaderFrame) Done\n");
 }
@@ -299,46 +303,55 @@ KEPRshShaderRootFrame* KEPRshShaderFrame::FindRootFrame(KEPDialog* from) {
   return nullptr;
 }
 
-KEP_var<KEPIRshShaderSupport> KEPRshShaderFrame::FindShaderSupport(KEPIRshParameter* parameter) {
-  // The parameter's father is its node, whose father is the shader that holds it or the
-  // document; the first of them that owns shader nodes is the support. The depth is bounded so
-  // that a model whose fathers form a cycle cannot hold the editor.
-  KEP_var<KEPIUnknown> current;
-  parameter->AddRef();
-  current = KEP_var<KEPIUnknown>::Adopt(parameter);
-  for (int depth = 0; current && depth < 64; ++depth) {
-    if (auto support = KEPQueryVar<KEPIRshShaderSupport>(current)) return support;
-    const KEP_var<KEPISpecObject> specObject = KEPQueryVar<KEPISpecObject>(current);
-    if (!specObject) break;
-    KEPBaseUnknown* father = nullptr;
-    if (FAILED(specObject->GetFather(father)) || !father) break;
-    current = KEP_var<KEPIUnknown>::Adopt(father);
-  }
-  return {};
+void KEPRshShaderFrame::CloseConnectionDialog() {
+  KEPRshConnectionDialog* dialog = connectionDialog_;
+  if (!dialog) return;
+  connectionDialog_ = nullptr;
+  RemoveCallbacksOf(dialog);
+  // Detached, the dialog's owner reference comes back to this frame, which lets it go.
+  dialog->SetFather(nullptr);
+  dialog->Release();
 }
 
 void KEPRshShaderFrame::ConnectCB(KEPDialog* sender, KEPNotification*, KEPDlgClientData i) {
   KEPModuleTrace::Trace(5, "(KEPRshShaderFrame::ConnectCB)\n");
   KEPIRshParameter* parameter = ParameterAt(i);
-  if (!parameter || !FindRootFrame(sender) || !FindShaderSupport(parameter)) return;
-  // The connection dialog that lets the user choose the shader to connect is not part of this
-  // editor yet: nothing is opened and nothing is connected.
-  KEPModuleTrace::Trace(5,
-                        "(KEPRshShaderFrame::ConnectCB) No connection dialog: parameter %d "
-                        "stays unchanged\n",
-                        static_cast<int>(i));
+  if (!parameter || !FindRootFrame(sender)) return;
+  const KEP_var<KEPIRshShaderSupport> support = KEPRshShaderTree::FindShaderSupport(parameter);
+  if (!support) return;
+  // One chooser at a time: a new press replaces the dialog of an earlier one.
+  CloseConnectionDialog();
+  auto* dialog = new KEPRshConnectionDialog(this, "connectionDialog", 0, support.Get(), parameter);
+  connectionDialog_ = dialog;
+  // OK, Cancel and the close box all end in the dialog's done notification, which climbs to
+  // this frame.
+  AddCallback(dialog, dialog->GetDoneNotification(), this, &KEPRshShaderFrame::ConnectionDoneCB, i);
+  dialog->SetVisibility(KEPDlgShow);
+}
+
+void KEPRshShaderFrame::ConnectionDoneCB(KEPDialog*, KEPNotification*, KEPDlgClientData i) {
+  KEPModuleTrace::Trace(5, "(KEPRshShaderFrame::ConnectionDoneCB)\n");
+  KEPIRshParameter* parameter = ParameterAt(i);
+  if (!parameter) return;
+  const auto slot = static_cast<std::size_t>(i - 1);
+  if (!parameterButtons_[slot]) return;
+  const Texts texts;
+  ShowConnection(slot, IsConnected(parameter), texts);
 }
 
 void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientData i) {
   KEPModuleTrace::Trace(5, "(KEPRshShaderFrame::DisconnectCB)\n");
   KEPIRshParameter* parameter = ParameterAt(i);
-  if (!parameter || !FindShaderSupport(parameter)) return;
+  if (!parameter) return;
+  const KEP_var<KEPIRshShaderSupport> support = KEPRshShaderTree::FindShaderSupport(parameter);
+  if (!support) return;
   // The views of the material hear of the change as one modification of this shader.
+  const KEP_var<KEPIModelEvents> events = KEPQueryVar<KEPIModelEvents>(support);
   KEPRbaBeginShaderModifyNotification begin;
   begin.shader = shader_.Get();
   begin.changeClass = "KEPIGraphicMaterial";
   begin.attributeKind = 2;
-  KEPRshModelEvents::SendBegin(begin);
+  if (events) events->SendBeginShaderModify(begin);
   HRESULT written = E_FAIL;
   {
     const KEPRdgRenderLock lock;
@@ -349,7 +362,7 @@ void KEPRshShaderFrame::DisconnectCB(KEPDialog*, KEPNotification*, KEPDlgClientD
   end.changeClass = "KEPIGraphicMaterial";
   end.attributeKind = 2;
   end.flag = 1;
-  KEPRshModelEvents::SendEnd(end);
+  if (events) events->SendEndShaderModify(end);
 
   // A refused write leaves the row as it was: it still shows the shader that stays connected.
   if (FAILED(written)) {

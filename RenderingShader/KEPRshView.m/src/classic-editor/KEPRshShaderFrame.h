@@ -19,7 +19,7 @@
 
 class KEPDlgPushButton;
 class KEPDlgPushItem;
-class KEPIRshShaderSupport;
+class KEPRshConnectionDialog;
 class KEPRshShaderRootFrame;
 
 class KEPRshShaderFrame : public KEPDlgFrame {
@@ -41,6 +41,12 @@ class KEPRshShaderFrame : public KEPDlgFrame {
   void ConnectCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData i);
   void DisconnectCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData i);
   void EditCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData i);
+  /// The connection dialog opened for row i is done with (confirmed or not): the row shows what
+  /// the parameter now holds.
+  void ConnectionDoneCB(KEPDialog* sender, KEPNotification* notification, KEPDlgClientData i);
+
+  /// The connection dialog last opened (borrowed; a child of this frame), or null.
+  KEPRshConnectionDialog* GetConnectionDialog() const { return connectionDialog_; }
 
  protected:
   ~KEPRshShaderFrame() override;
@@ -55,8 +61,8 @@ class KEPRshShaderFrame : public KEPDlgFrame {
   KEPIRshParameter* ParameterAt(KEPDlgClientData i) const;
   /// The enclosing root frame, climbing from `from` (borrowed), or null.
   static KEPRshShaderRootFrame* FindRootFrame(KEPDialog* from);
-  /// The object owning the parameter's node, climbing the model's fathers, or null.
-  static KEP_var<KEPIRshShaderSupport> FindShaderSupport(KEPIRshParameter* parameter);
+  /// Lets go of the connection dialog, if one was opened.
+  void CloseConnectionDialog();
   void ShowConnected(std::size_t slot, bool connected);
   /// The row's button icons, sensitivities and texts for a connected or unconnected parameter.
   void ShowConnection(std::size_t slot, bool connected, const Texts& texts);
@@ -76,5 +82,6 @@ class KEPRshShaderFrame : public KEPDlgFrame {
   std::vector<KEPDlgPushButton*> disconnectButtons_;
   std::vector<KEPDlgPushItem*> disconnectItems_;
   std::vector<KEPDlgPushItem*> editItems_;
+  KEPRshConnectionDialog* connectionDialog_ = nullptr;
   int observer_ = 0;  ///< token of the model observer (rows with buttons only), 0 when none
 };

@@ -9,12 +9,19 @@
 #include "KEPBaseUnknown_WR.h"
 #include "KEPIAlias.h"
 #include "KEPIRshParameterImmLayout.h"
+#include "KEPIRshShaderSupport.h"
+#include "KEPIRshSubShaders.h"
 #include "KEPMsgCatalog.h"
 #include "KEPRbaConfiguration.h"
+#include "KEPRdgRenderLock.h"
+#include "KEPRshConnectionDialog.h"
+#include "KEPRshConnectionDoneNotification.h"
 #include "KEPRshLayoutParameter.h"
 #include "KEPRshParameterGrouping.h"
 #include "KEPRshParameterOrdering.h"
 #include "KEPRshShaderImmLayoutSource.h"
+#include "KEPRshShaderManager.h"
+#include "KEPRshShaderTree.h"
 #include "KEPSysPreferenceRepository.h"
 #include "KEPVidCtlButton.h"
 #include "KEPVidCtlExpander.h"
@@ -216,7 +223,8 @@ int KEPRshShaderImmLayout::AddParameterRow(KEPVidLayGrid* grid, int gridRow,
 
 void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow, const KEPString& number,
                                           KEPIRshParameter* parameter, KEPVidWidget* widget) {
-  ConnectionRow row;
+  connectionRows_.push_back(std::make_unique<ConnectionRow>());
+  ConnectionRow& row = *connectionRows_.back();
   row.parameter = parameter;
   row.widget = widget;
   row.connector = new KEPVidCtlButton(grid, "ParameterConnection" + number);
@@ -229,6 +237,14 @@ void KEPRshShaderImmLayout::AddConnection(KEPVidLayGrid* grid, int gridRow, cons
   row.connectedShaderLayout =
       new KEPVidLayGrid(row.connectedShaderWidget, "ParameterConnectedShader" + number + "Layout");
   ShowConnectionState(row);
+  // The row lives as long as the editor, which owns it; the handler reaches it only while the
+  // editor is alive.
+  const KEPBaseUnknown_WR editor(this);
+  ConnectionRow* data = &row;
+  row.connector->AddHandler(KEPVidEvent::Pressed, [editor, data](KEPVidWidget*, KEPVidEvent) {
+    if (auto* self = dynamic_cast<KEPRshShaderImmLayout*>(editor.Get()))
+      self->OnConnectionPressed(*data);
+  });
 }
 
 void KEPRshShaderImmLayout::ShowConnectionState(const ConnectionRow& row) {
@@ -273,4 +289,168 @@ void KEPRshShaderImmLayout::OnGroupToggled(KEPVidWidget* sender, bool collapsed)
     trace_.Info("%s expanded", key.c_str());
   const short value = collapsed ? 1 : 0;
   if (repository->WriteSetting(key, &value, 1) == 1) repository->Commit();
+}
+
+void KEPRshShaderImmLayout::OnConnectionPressed(ConnectionRow& row) {
+  KEP_ASSERT_FATAL(row.parameter != nullptr,
+                   "( parameter != NULL ) && \"No parameter set in callback datas for connected "
+                   "shader\"",
+                   KEPRshShaderImmLayoutSource);
+  KEP_ASSERT_FATAL(row.connector != nullptr,
+                   "( widget_connector != NULL ) && \"No connector widget set in callback datas "
+                   "for connected shader\"",
+                   KEPRshShaderImmLayoutSource);
+  KEP_ASSERT_FATAL(row.connectedShaderWidget != nullptr,
+                   "( widget_connected_shader != NULL ) && \"No parameter connector set in "
+                   "callback datas for connected shader\"",
+                   KEPRshShaderImmLayoutSource);
+  KEP_ASSERT_FATAL(row.connectedShaderLayout != nullptr,
+                   "( layout_connected_shader != NULL ) && \"No parameter connected shader set in "
+                   "callback datas for connected shader\"",
+                   KEPRshShaderImmLayoutSource);
+  KEPIRshShader* connected = nullptr;
+  const HRESULT hr = row.parameter->GetConnectedShader(connected);
+  const auto hold = KEP_var<KEPIRshShader>::Adopt(connected);
+  if (FAILED(hr) || !hold) {
+    Connect(row);
+    return;
+  }
+  HRESULT written = E_FAIL;
+  {
+    const KEPRdgRenderLock lock;
+    written = row.parameter->SetConnectedShader(nullptr);
+  }
+  if (FAILED(written))
+    trace_.Warning("Disconnection refused { parameter row = %s, result = %s }",
+                   row.connector->GetName().c_str(), KEPResultName(written));
+  ShowConnectionState(row);
+}
+
+void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
+  const KEP_var<KEPIRshShaderSupport> support = KEPRshShaderTree::FindShaderSupport(shader_.Get());
+  std::vector<KEP_var<KEPIRshShader>> shaders;
+  if (!support || FAILED(support->GetShaders(shaders))) shaders.clear();
+  for (const KEP_var<KEPIRshShader>& current_shader : shaders)
+    KEP_ASSERT_FATAL(static_cast<bool>(current_shader),
+                     "( current_shader != NULL ) && \"Fetched sub-shaders are not KEPIRshShader\"",
+                     KEPRshShaderImmLayoutSource);
+
+  const KEPRshShaderManager* shader_manager = KEPRshShaderManager::GetManager();
+  KEP_ASSERT_FATAL(shader_manager != nullptr,
+                   "( shader_manager ) && \"No shader manager available but we are editing a "
+                   "shader....\"",
+                   KEPRshShaderImmLayoutSource);
+  KEPString parameterType;
+  if (FAILED(row.parameter->GetTypeName(parameterType))) parameterType.clear();
+  std::vector<KEPString> types;
+  std::vector<KEPUnicodeString> labels;
+  if (FAILED(shader_manager->GetConnectableShaders(parameterType, types, labels, 2))) types.clear();
+  KEP_ASSERT_FATAL(!types.empty(),
+                   "( types.Size( ) > 0 ) && \"Nothing is connectable to this parameter, "
+                   "connection callback should not have been accesssible in the first place\"",
+                   KEPRshShaderImmLayoutSource);
+
+  // A node that exactly one other parameter uses may be shared with this one.
+  KEP_var<KEPIRshShader> reusable;
+  for (const KEP_var<KEPIRshShader>& shader_node : shaders) {
+    KEP_ASSERT_FATAL(static_cast<bool>(shader_node),
+                     "( shader_node != NULL ) && \"Shader node is not a KEPIRshShader\"",
+                     KEPRshShaderImmLayoutSource);
+    const auto* shader_node_feature = dynamic_cast<const KEPBaseUnknown*>(shader_node.Get());
+    KEP_ASSERT_FATAL(shader_node_feature != nullptr,
+                     "( shader_node_feature != NULL_var ) && \"Shader Node is not a feature\"",
+                     KEPRshShaderImmLayoutSource);
+    KEPString nodeType;
+    if (FAILED(shader_node->GetTypeName(nodeType))) nodeType.clear();
+    if (!(nodeType == parameterType || parameterType.empty() ||
+          (parameterType == "KEPRmaVector" && nodeType == "KEPRmaVoid")))
+      continue;
+    std::vector<KEP_var<KEPIRshParameter>> pointing;
+    if (FAILED(shader_node->GetPointingComponents(pointing))) pointing.clear();
+    int others = 0;
+    for (const KEP_var<KEPIRshParameter>& pointed : pointing) {
+      KEP_ASSERT_FATAL(static_cast<bool>(pointed),
+                       "( pointed != NULL ) && \"Pointed Component is NULL\"",
+                       KEPRshShaderImmLayoutSource);
+      if (pointed.Get() != row.parameter) ++others;
+    }
+    if (others != 1) continue;
+    bool excluded = false;
+    if (FAILED(support->IsConnectionExcluded(row.parameter, shader_node.Get(), excluded)) ||
+        excluded)
+      continue;
+    reusable = shader_node;
+    break;
+  }
+
+  const bool oneType = types.size() == 1;
+  if (static_cast<bool>(reusable) == oneType) {
+    OpenConnectionDialog(row, support.Get());
+  } else if (oneType) {
+    ConnectNew(row, types.front());
+  } else if (reusable) {
+    ConnectExisting(row, reusable.Get());
+  } else {
+    KEP_ASSERT_FATAL(false, "false && \"Unreachable code\"", KEPRshShaderImmLayoutSource);
+  }
+}
+
+void KEPRshShaderImmLayout::OpenConnectionDialog(ConnectionRow& row,
+                                                 KEPIRshShaderSupport* support) {
+  if (KEPRshConnectionDialog* old = row.dialog) {
+    // A new press replaces the row's earlier dialog.
+    row.dialog = nullptr;
+    old->SetFather(nullptr);
+    old->Release();
+  }
+  auto* dialog = new KEPRshConnectionDialog(nullptr, "connectionDialog", 0, support, row.parameter);
+  dialog->SetFather(this);
+  row.dialog = dialog;
+  row.dialogMode = true;
+  // The editor is no classic widget: it listens in the dialog's own table, where the done
+  // notification starts.
+  const KEPBaseUnknown_WR editor(this);
+  ConnectionRow* data = &row;
+  dialog->AddCallback(dialog, dialog->GetDoneNotification(),
+                      [editor, data](KEPDialog*, KEPNotification*, KEPDlgClientData) {
+                        auto* self = dynamic_cast<KEPRshShaderImmLayout*>(editor.Get());
+                        if (!self) return;
+                        data->dialogMode = false;
+                        self->ShowConnectionState(*data);
+                      });
+  dialog->SetVisibility(KEPDlgShow);
+}
+
+void KEPRshShaderImmLayout::ConnectNew(ConnectionRow& row, const KEPString& type) {
+  const KEP_var<KEPIRshShader> root = KEPRshShaderTree::RootShader(shader_.Get());
+  const auto* root_shader_feature = dynamic_cast<const KEPBaseUnknown*>(root.Get());
+  KEP_ASSERT_FATAL(root_shader_feature != nullptr,
+                   "( root_shader_feature != NULL_var ) && \"Root shader is not a feature\"",
+                   KEPRshShaderImmLayoutSource);
+  const KEP_var<KEPIRshShaderSupport> root_shader_container =
+      KEPRshShaderTree::FindShaderSupport(root.Get());
+  KEP_ASSERT_FATAL(static_cast<bool>(root_shader_container),
+                   "( root_shader_container != NULL_var ) && \"Root shader has no container\"",
+                   KEPRshShaderImmLayoutSource);
+  KEP_var<KEPIRshShader> created;
+  if (FAILED(KEPRshShaderManager::GetManager()->CreateShader(type, root_shader_container.Get(),
+                                                             *created.Out())) ||
+      !created) {
+    trace_.Warning("Shader not created { type = %s }", type.c_str());
+    return;
+  }
+  if (const auto holder = KEPQueryVar<KEPIRshSubShaders>(root)) holder->AddSubShader(created.Get());
+  ConnectExisting(row, created.Get());
+}
+
+void KEPRshShaderImmLayout::ConnectExisting(ConnectionRow& row, KEPIRshShader* shader) {
+  HRESULT written = E_FAIL;
+  {
+    const KEPRdgRenderLock lock;
+    written = row.parameter->SetConnectedShader(shader);
+  }
+  if (FAILED(written))
+    trace_.Warning("Connection refused { parameter row = %s, result = %s }",
+                   row.connector->GetName().c_str(), KEPResultName(written));
+  ShowConnectionState(row);
 }

@@ -16,6 +16,7 @@
 // the configuration, and every expand or collapse by the user is written and committed at once.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "KEPIRshShader.h"
@@ -25,10 +26,12 @@
 #include "KEPVidLayGrid.h"
 #include "KEP_var.h"
 
+class KEPRshConnectionDialog;
 class KEPRshLayoutParameter;
 class KEPRshParameterGrouping;
 class KEPVidCtlButton;
 class KEPVidCtlExpander;
+class KEPIRshShaderSupport;
 
 class KEPRshShaderImmLayout : public KEPVidLayGrid {
   KEP_DECLARE_CLASS
@@ -58,6 +61,8 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
     KEPVidCtlExpander* connectedShaderWidget = nullptr;  ///< "ParameterConnectedShader" + n
     KEPVidLayGrid* connectedShaderLayout = nullptr;      ///< inside it, for the sub-shader's editor
     KEPVidWidget* widget = nullptr;                      ///< the row's value widget, or null
+    bool dialogMode = false;                   ///< true while a connection dialog serves this row
+    KEPRshConnectionDialog* dialog = nullptr;  ///< the row's last dialog (a child of the editor)
   };
 
   void Build();
@@ -75,11 +80,22 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
   /// Sets the button, the value widget and the connected-shader row as the parameter's
   /// connection requires: a connected sub-shader's own editor shows in the row below.
   void ShowConnectionState(const ConnectionRow& row);
+  /// The press of a row's connection button: disconnects what is connected, else connects a
+  /// node made new, a node reused, or opens the connection dialog when there is a choice.
+  void OnConnectionPressed(ConnectionRow& row);
+  void Connect(ConnectionRow& row);
+  /// Opens the connection dialog for the row; the row refreshes when the dialog is done.
+  void OpenConnectionDialog(ConnectionRow& row, KEPIRshShaderSupport* support);
+  /// Makes a node of `type` in the root shader's container, held by the root shader, and connects
+  /// it; a failed creation leaves the row as it was.
+  void ConnectNew(ConnectionRow& row, const KEPString& type);
+  void ConnectExisting(ConnectionRow& row, KEPIRshShader* shader);
   /// Writes 1 (collapsed) or 0 (expanded) under the preference key of the sender's group and
   /// commits the repository.
   void OnGroupToggled(KEPVidWidget* sender, bool collapsed) const;
 
   KEP_var<KEPIRshShader> shader_;
+  std::vector<std::unique_ptr<ConnectionRow>> connectionRows_;
   KEPString configurationId_;
   std::vector<KEPRshGroupRecord> groups_;
   KEPTrace trace_;

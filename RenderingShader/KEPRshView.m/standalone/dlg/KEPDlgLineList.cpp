@@ -54,6 +54,21 @@ void KEPDlgLineList::DescribeState(KEPVidStateWriter& writer) const {
   writer.Int("visibleTextWidth", textWidth_);
 }
 
+namespace {
+// The refusal of a line text that is not there, with the lines that are, so that a script's
+// author sees what to write instead.
+std::string NoSuchLine(const std::vector<KEPUnicodeString>& lines, std::string_view argument) {
+  std::string what = "no line reads " + KEPVidQuote(argument);
+  if (lines.empty()) return what + " (it has no lines)";
+  what += " (lines:";
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    what += i ? ", " : " ";
+    what += KEPVidQuote(lines[i].ToUTF8());
+  }
+  return what + ")";
+}
+}  // namespace
+
 HRESULT KEPDlgLineList::InjectUserEvent(KEPVidAction action, std::string_view argument,
                                         std::string& error) {
   if (action != KEPVidAction::Select) return KEPVidRefuseAction(this, action, error);
@@ -68,8 +83,7 @@ HRESULT KEPDlgLineList::InjectUserEvent(KEPVidAction action, std::string_view ar
                           error);
   } else {
     const auto it = std::find(lines_.begin(), lines_.end(), KEPUnicodeString::FromUTF8(argument));
-    if (it == lines_.end())
-      return KEPVidRefuse(this, "no line reads " + KEPVidQuote(argument), error);
+    if (it == lines_.end()) return KEPVidRefuse(this, NoSuchLine(lines_, argument), error);
     index = static_cast<int>(it - lines_.begin());
   }
   selected_ = index;

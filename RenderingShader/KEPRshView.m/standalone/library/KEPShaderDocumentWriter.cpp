@@ -63,6 +63,13 @@ class Writer {
     Json values = Json::object();
     Json connections = Json::object();
     std::vector<KEPHostShaderNode*> children;
+    // The nodes this node holds come first, so that a node made for a material is saved under
+    // it wherever it is connected.
+    if (depth < kMaxNesting)
+      for (const auto& held : document_.Nodes())
+        if (held->Father() == static_cast<KEPBaseUnknown*>(&node) &&
+            placed_.insert(held.Get()).second)
+          children.push_back(held.Get());
     for (const auto& parameter : node.Parameters()) {
       KEPString name;
       parameter->GetName(name);
@@ -74,7 +81,9 @@ class Writer {
       connected->GetId(id);
       connections[name] = id;
       KEPHostShaderNode* target = document_.FindNode(id);
-      if (target && depth < kMaxNesting && placed_.insert(target).second)
+      // A node held by another node is saved under its holder.
+      if (target && depth < kMaxNesting && !dynamic_cast<KEPHostShaderNode*>(target->Father()) &&
+          placed_.insert(target).second)
         children.push_back(target);
     }
     if (!values.empty()) json["values"] = std::move(values);

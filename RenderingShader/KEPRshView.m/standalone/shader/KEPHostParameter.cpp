@@ -237,6 +237,8 @@ void KEPHostParameter::DetachFather() {
 HRESULT KEPHostParameter::SetConnectedShader(KEPIRshShader* shader) {
   auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
   if (shader && !node) return E_INVALIDARG;
+  // A node from which this parameter is reached (its own node included) would make a cycle.
+  if (node && node->Reaches(this)) return E_FAIL;
   const Announcer announce(this, KEPRshParameterChangeKind::Connection);
   // A renderer follows connections while it holds the lock for its frame.
   KEPRdgRenderLock lock;

@@ -77,3 +77,26 @@ HRESULT KEPHostShaderDocument::CreateShader(const KEPString& typeName, const KEP
   shader->AddRef();
   return S_OK;
 }
+
+HRESULT KEPHostShaderDocument::IsConnectionExcluded(KEPIRshParameter* parameter,
+                                                    KEPIRshShader* shader, bool& excluded) {
+  if (!parameter || !shader) return E_INVALIDARG;
+  const auto* target = dynamic_cast<const KEPHostParameter*>(parameter);
+  const auto* node = dynamic_cast<const KEPHostShaderNode*>(shader);
+  // Components of another model are none of this document's: nothing can be said of them.
+  if (!target || !node) return E_INVALIDARG;
+  excluded = node == target->Father() || node->Reaches(target);
+  return S_OK;
+}
+
+HRESULT KEPHostShaderDocument::SendBeginShaderModify(
+    const KEPRbaBeginShaderModifyNotification& notification) {
+  KEPRshModelEvents::SendBegin(notification);
+  return S_OK;
+}
+
+HRESULT KEPHostShaderDocument::SendEndShaderModify(
+    const KEPRbaEndShaderModifyNotification& notification) {
+  KEPRshModelEvents::SendEnd(notification);
+  return S_OK;
+}

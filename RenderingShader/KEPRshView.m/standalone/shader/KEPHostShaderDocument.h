@@ -10,9 +10,12 @@
 #include "KEPHostRenderingMaterial.h"
 #include "KEPHostShaderLibrary.h"
 #include "KEPHostShaderNode.h"
+#include "KEPIModelEvents.h"
 #include "KEPIRshShaderSupport.h"
 
-class KEPHostShaderDocument : public KEPBaseUnknown, public KEPIRshShaderSupport {
+class KEPHostShaderDocument : public KEPBaseUnknown,
+                              public KEPIRshShaderSupport,
+                              public KEPIModelEvents {
   KEP_DECLARE_CLASS
  public:
   /// A new empty document over `library`, with one reference for the caller.
@@ -22,6 +25,11 @@ class KEPHostShaderDocument : public KEPBaseUnknown, public KEPIRshShaderSupport
   HRESULT FindShader(const KEPString& id, KEPIRshShader*& shader) override;
   HRESULT CreateShader(const KEPString& typeName, const KEPString& id,
                        KEPIRshShader*& shader) override;
+  HRESULT IsConnectionExcluded(KEPIRshParameter* parameter, KEPIRshShader* shader,
+                               bool& excluded) override;
+  // KEPIModelEvents: passed on to the observers of KEPRshModelEvents
+  HRESULT SendBeginShaderModify(const KEPRbaBeginShaderModifyNotification& notification) override;
+  HRESULT SendEndShaderModify(const KEPRbaEndShaderModifyNotification& notification) override;
 
   const std::shared_ptr<const KEPHostShaderLibrary>& Library() const { return library_; }
   const std::vector<KEP_var<KEPHostShaderNode>>& Nodes() const { return nodes_; }

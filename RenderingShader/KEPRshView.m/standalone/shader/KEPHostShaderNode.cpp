@@ -1,7 +1,9 @@
 #include "KEPHostShaderNode.h"
 
 #include <algorithm>
+#include <unordered_set>
 
+#include "KEPHostShaderDocument.h"
 #include "KEPRdgRenderLock.h"
 #include "KEPRshLateTypes.h"
 #include "KEPRshParameterServices.h"
@@ -147,4 +149,59 @@ void KEPHostShaderNode::RemovePointing(KEPHostParameter* parameter) {
   std::erase_if(pointing_, [&](const KEPBaseUnknown_WR& ref) {
     return !ref.IsAlive() || ref.Get() == static_cast<KEPBaseUnknown*>(parameter);
   });
+}
+
+bool KEPHostShaderNode::Reaches(const KEPHostParameter* target) const {
+  std::unordered_set<const KEPHostShaderNode*> walked;
+  std::vector<const KEPHostShaderNode*> pending{this};
+  while (!pending.empty()) {
+    const KEPHostShaderNode* node = pending.back();
+    pending.pop_back();
+    if (!walked.insert(node).second) continue;
+    for (const auto& parameter : node->parameters_) {
+      if (parameter.Get() == target) return true;
+      KEP_var<KEPIRshShader> connected;
+      if (FAILED(parameter->GetConnectedShader(*connected.Out())) || !connected) continue;
+      if (const auto* next = dynamic_cast<const KEPHostShaderNode*>(connected.Get()))
+        pending.push_back(next);
+    }
+  }
+  return false;
+}
+
+namespace {
+/// The document that owns `node`: the first father up the chain that is a document.
+KEPHostShaderDocument* OwningDocument(const KEPHostShaderNode* node) {
+  // Fathers never form a cycle (AddSubShader refuses one), but the walk is bounded all the same.
+  KEPBaseUnknown* father = node->Father();
+  for (int depth = 0; father && depth < 4096; ++depth) {
+    if (auto* document = dynamic_cast<KEPHostShaderDocument*>(father)) return document;
+    const auto* holder = dynamic_cast<KEPHostShaderNode*>(father);
+    if (!holder) return nullptr;
+    father = holder->Father();
+  }
+  return nullptr;
+}
+}  // namespace
+
+HRESULT KEPHostShaderNode::GetSubShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) {
+  shaders.clear();
+  const KEPHostShaderDocument* document = OwningDocument(this);
+  if (!document) return S_OK;
+  for (const auto& node : document->Nodes())
+    if (node->Father() == static_cast<KEPBaseUnknown*>(this))
+      shaders.emplace_back(static_cast<KEPIRshShader*>(node.Get()));
+  return S_OK;
+}
+
+HRESULT KEPHostShaderNode::AddSubShader(KEPIRshShader* shader) {
+  auto* node = dynamic_cast<KEPHostShaderNode*>(shader);
+  if (!node) return E_INVALIDARG;
+  KEPHostShaderDocument* document = OwningDocument(this);
+  if (!document || OwningDocument(node) != document) return E_INVALIDARG;
+  // A node that holds this one (or this one itself) would hold itself.
+  for (const KEPHostShaderNode* up = this; up; up = dynamic_cast<KEPHostShaderNode*>(up->Father()))
+    if (up == node) return E_FAIL;
+  node->SetFather(this);
+  return S_OK;
 }

@@ -14,6 +14,7 @@
 #include "KEPIRshShader.h"
 #include "KEPIRshShaderPrivate.h"
 #include "KEPIRshShaderResources.h"
+#include "KEPIRshSubShaders.h"
 #include "KEPISpecObject.h"
 
 class KEPHostShaderNode;
@@ -94,7 +95,8 @@ class KEPHostShaderNode : public KEPBaseUnknown,
                           public KEPIRshShaderResources,
                           public KEPIRshShaderPrivate,
                           public KEPISpecObject,
-                          public KEPIAlias {
+                          public KEPIAlias,
+                          public KEPIRshSubShaders {
   KEP_DECLARE_CLASS
  public:
   /// A new node of `type` with the type's default values and one reference for the caller.
@@ -118,7 +120,16 @@ class KEPHostShaderNode : public KEPBaseUnknown,
   // KEPIAlias: the identifier unless an alias was given
   HRESULT GetAlias(KEPUnicodeString& alias) override;
   HRESULT SetAlias(const KEPUnicodeString& alias) override;
+  // KEPIRshSubShaders: the nodes of the document whose father is this node
+  HRESULT GetSubShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) override;
+  HRESULT AddSubShader(KEPIRshShader* shader) override;
 
+  /// True when `target` is a parameter of this node or of a node reached from this one through
+  /// connections, depth first. Each node is walked once, so a cycle already in the model ends the
+  /// walk instead of holding it.
+  bool Reaches(const KEPHostParameter* target) const;
+  /// The document or the node that holds this one (borrowed), or null.
+  KEPBaseUnknown* Father() const { return father_; }
   const std::string& Id() const { return id_; }
   const std::string& TypeName() const { return type_.name; }
   const std::vector<KEP_var<KEPHostParameter>>& Parameters() const { return parameters_; }

@@ -126,17 +126,19 @@ TEST_F(ShaderFrameTest, RowButtonsFollowConnectionsMadeElsewhere) {
   EXPECT_FALSE(disconnect->IsSensitive());
 }
 
-TEST_F(ShaderFrameTest, ConnectOpensNothingYetAndSaysSo) {
+TEST_F(ShaderFrameTest, ConnectOpensTheConnectionDialogUnderTheFrame) {
   KEPHostShaderNode* material = Aliased("mia_phen_material", "Material");
   KEPRshShaderRootFrame* root = Root(material);
   KEPRshShaderFrame* frame = root->GetShaderFrame();
   TraceCapture trace(5);
   frame->ConnectCB(frame, nullptr, 1);
   EXPECT_TRUE(trace.Contains("(KEPRshShaderFrame::ConnectCB)\n"));
-  EXPECT_TRUE(trace.Contains("No connection dialog"));
   KEPIRshShader* connected = nullptr;
   EXPECT_TRUE(FAILED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
-  EXPECT_EQ(root->FindNamedChild("connectionDialog"), nullptr);
+  KEPVidWidget* dialog = root->FindNamedChild("connectionDialog");
+  ASSERT_NE(dialog, nullptr);
+  EXPECT_EQ(dialog->GetFather(), frame);
+  EXPECT_TRUE(dialog->IsVisible());
 }
 
 TEST_F(ShaderFrameTest, DetachedFrameActsOnNothing) {
