@@ -17,6 +17,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <thread>
+#include <utility>
 
 #include "RshviewRun.h"
 #include "RshviewServe.h"
@@ -377,6 +378,40 @@ TEST(RshviewServe, AResetWritesTheLibraryDefaultAndRefusesWhatHasNone) {
   EXPECT_EQ(colourAnswer["writes"][0]["new"].size(), 4u) << colourAnswer["writes"];
   EXPECT_EQ(colourAnswer["writes"][0]["new"], Json::parse("[0.55, 0.03, 0.03, 1.0]"));
   EXPECT_EQ(colourAnswer["revision"], 3);
+}
+
+TEST(RshviewServe, AnEditorFetchedAgainShowsWhatAnotherEditorWroteMeanwhile) {
+  Scratch scratch;
+  Server server;
+  const auto gloss = [&] {
+    const Json editor = server.GetJson("/api/nodes/red_paint/editor");
+    const Json* slider = FindWidget(editor["editor"], [](const Json& w) {
+      return w["path"].is_string() &&
+             w["path"].get<std::string>().ends_with("ParameterWidget3/ScalarLayout/scalarSlider");
+    });
+    return std::pair{slider ? (*slider)["state"]["value"] : Json(), editor["revision"]};
+  };
+  ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status, 200);
+  // Nothing changed in between: the same answer, byte for byte.
+  const auto first = server.Client().Get("/api/nodes/red_paint/editor");
+  const auto second = server.Client().Get("/api/nodes/red_paint/editor");
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(first->body, second->body);
+  EXPECT_EQ(gloss(), std::pair(Json(60), Json(1)));
+
+  // Written through the classic editor (a reset), then by another tab through the immersive one:
+  // each next answer shows the new value and revision, not the tree it sent before.
+  auto viaClassic =
+      server.Post("/api/nodes/red_paint/reset", R"({"editor": "classic", "parameter": )"
+                                                R"("default_generic_brdf_diffuse_glossiness"})");
+  ASSERT_EQ(viaClassic->status, 200) << viaClassic->body;
+  EXPECT_EQ(gloss(), std::pair(Json(20), Json(2)));
+  ASSERT_EQ(server
+                .Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "45"),
+                      {{"X-Rshview-Client", "tab-2"}})
+                ->status,
+            200);
+  EXPECT_EQ(gloss(), std::pair(Json(45), Json(3)));
 }
 
 TEST(RshviewServe, AUnitsChangeRebuildsTheEditorsInTheNewUnit) {

@@ -192,10 +192,13 @@ RshviewReply RshviewHttpServer::OnUi(Work work) {
 
 void RshviewHttpServer::Handle(const httplib::Request& request, httplib::Response& response,
                                const std::string& body) {
-  const RshviewReply reply = Route(request, response, body);
+  RshviewReply reply = Route(request, response, body);
   if (reply.status == 0) return;  // the event stream set the response up itself
   response.status = reply.status;
-  response.set_content(reply.body, reply.contentType);
+  // As set_content does, but the body (megabytes for a large editor) is moved, not copied.
+  response.body = std::move(reply.body);
+  response.headers.erase("Content-Type");
+  response.set_header("Content-Type", reply.contentType);
   response.set_header("Cache-Control", "no-store");
   response.set_header("X-Content-Type-Options", "nosniff");
 }

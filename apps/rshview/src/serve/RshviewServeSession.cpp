@@ -97,6 +97,8 @@ Json RshviewServeSession::Origin(const std::string& client) {
 }
 
 void RshviewServeSession::NoteWrite(KEPIRshParameter* parameter) {
+  // Whichever editor or request wrote it, the trees written before may show the old value.
+  ++stamp_;
   Json write = log_.Write(parameter);
   writes_.push_back(write);
   dirty_ = true;
@@ -201,12 +203,20 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
                   {"editorKind", kind},
                   {"restricted", restricted},
                   {"revision", Revision()}};
-  std::string text = RshviewJsonText(head);
-  text.pop_back();  // the closing brace
-  auto tree = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open->editor.Editor()));
-  text += ",\"editor\":" + tree->Text() + "}";
-  open->snapshot = std::move(tree);
-  open->snapshotStamp = stamp_;
+  // The tree written for the last request or event serves again while nothing changed since:
+  // a large editor's tree takes longer to write and read than to send.
+  if (!open->snapshot || open->snapshotStamp != stamp_) {
+    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open->editor.Editor()));
+    open->snapshotStamp = stamp_;
+  }
+  const std::string headText = RshviewJsonText(head);
+  const std::string_view headOpen(headText.data(), headText.size() - 1);  // without its brace
+  static constexpr std::string_view kEditorKey = ",\"editor\":";
+  const std::string& tree = open->snapshot->Text();
+  // Made at its final size in one go: the tree is megabytes for a large node.
+  std::string text;
+  text.reserve(headOpen.size() + kEditorKey.size() + tree.size() + 1);
+  text.append(headOpen).append(kEditorKey).append(tree).push_back('}');
   return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 

@@ -77,7 +77,8 @@ class RshviewServeSession {
     bool restricted = false;
     RshviewEditor editor;
     /// The editor's tree as last written, while nothing changed it since (snapshotStamp equals
-    /// the session's stamp_): the "before" of the next event, so each event writes the tree once.
+    /// the session's stamp_): the "before" of the next event, so each event writes the tree once,
+    /// and the answer to the next request of the editor.
     std::unique_ptr<RshviewWidgetText> snapshot;
     std::uint64_t snapshotStamp = 0;
   };
@@ -100,7 +101,8 @@ class RshviewServeSession {
   std::map<std::string, std::unique_ptr<OpenEditor>> editors_;
   std::atomic<std::uint64_t> revision_{0};
   std::string instance_;
-  std::uint64_t stamp_ = 0;  ///< grows with every event and every rebuild of the editors
+  /// Grows with every event, every parameter write and every rebuild of the editors.
+  std::uint64_t stamp_ = 0;
   bool dirty_ = false;
   std::string client_;             ///< the client whose request is running
   nlohmann::ordered_json writes_;  ///< the writes of the event that is running

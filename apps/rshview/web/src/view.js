@@ -156,8 +156,15 @@ function scrollerOf(el) {
   return null;
 }
 
-/** How many widgets an editor draws at once; groups beyond are drawn as they scroll near. */
-export const EAGER_WIDGETS = 800;
+/**
+ * How many widgets an editor draws at once, for a visible height in pixels: about what fills that
+ * height (a parameter row is 22 px high and holds up to 8 widgets), so that a large editor shows
+ * its first screen without laying out the rest. Groups beyond are drawn as they scroll near.
+ */
+export function eagerWidgets(height) {
+  const rows = Math.ceil(Math.max(Number(height) || 0, 400) / 22);
+  return rows * 8;
+}
 
 export class EditorView {
   constructor(root, ctx) {
@@ -167,6 +174,18 @@ export class EditorView {
     this.tree = null;
     this.filterText = '';
     installTooltips(root);
+    // Keyboard navigation into a group not drawn yet (its header takes the focus) draws it, so
+    // that the next Tab goes into its rows.
+    root.addEventListener('focusin', (e) => {
+      const group = e.target.closest?.('.expander');
+      if (group && this.deferred?.has(group)) this.fill(group);
+    });
+  }
+
+  /** The element that scrolls the editor (null: the window), looked up once. */
+  scroller() {
+    if (this.scrollerEl === undefined) this.scrollerEl = scrollerOf(this.root);
+    return this.scrollerEl;
   }
 
   /** Draws a whole tree, replacing what was shown. */
@@ -174,7 +193,8 @@ export class EditorView {
     this.byPath.clear();
     this.observer?.disconnect();
     this.deferred = new Set();
-    this.budget = EAGER_WIDGETS;
+    const scroller = this.scroller();
+    this.budget = eagerWidgets(scroller ? scroller.clientHeight : window.innerHeight);
     this.tree = tree;
     const el = this.build(tree);
     this.budget = Infinity; // what a patch rebuilds is drawn whole
@@ -207,7 +227,7 @@ export class EditorView {
   watchDeferred() {
     this.observer = new IntersectionObserver((entries) => {
       for (const entry of entries) if (entry.isIntersecting) this.fill(entry.target);
-    }, { root: scrollerOf(this.root), rootMargin: '600px 0px' });
+    }, { root: this.scroller(), rootMargin: '600px 0px' });
     for (const el of this.deferred) this.observer.observe(el);
   }
 

@@ -34,6 +34,18 @@ async function withPage(t, body) {
 
 const labels = (page) => page.$$eval('.param-label', (all) => all.map((l) => l.textContent));
 
+/** The check box on the row of the parameter labelled `name` (the widget on the label's grid row). */
+async function rowBox(page, name) {
+  const path = await page.evaluate((n) => {
+    const label = [...document.querySelectorAll('.param-label')].find((l) => l.textContent === n);
+    const cell = [...(label?.parentElement.children || [])]
+      .find((c) => c !== label && c.style.gridRow === label.style.gridRow && c.querySelector('input[type="checkbox"]'));
+    return cell?.querySelector('input[type="checkbox"]').closest('[data-path]').dataset.path;
+  }, name);
+  assert.ok(path, `no check box on the row of ${name}`);
+  return page.locator(`[data-path="${path}"] input[type="checkbox"]`).first();
+}
+
 test('groups beyond the first screens are drawn as they scroll near, and then take events', async (t) => {
   await withPage(t, async (page) => {
     const deferred = await page.locator('.expander-body.deferred').count();
@@ -64,5 +76,57 @@ test('the parameter filter finds a row of a group not drawn yet', async (t) => {
     await page.fill('#param-filter', missing);
     const shown = await page.$$eval('.param-label', (all) => all.filter((l) => l.offsetParent).map((l) => l.textContent));
     assert.deepEqual(shown, [missing]);
+  });
+});
+
+test('the first draw is about a screen: nothing visible is a placeholder, most groups wait', async (t) => {
+  await withPage(t, async (page) => {
+    const { hidden, screens } = await page.evaluate(() => {
+      const pane = document.querySelector('.editor-pane').getBoundingClientRect();
+      const bodies = [...document.querySelectorAll('.expander-body')].map((b) => ({ deferred: b.classList.contains('deferred'), r: b.getBoundingClientRect() }));
+      const drawnTo = Math.max(...bodies.filter((b) => !b.deferred).map((b) => b.r.bottom));
+      return {
+        hidden: bodies.filter((b) => b.deferred && b.r.top < pane.bottom && b.r.bottom > pane.top).length,
+        screens: (drawnTo - pane.top) / pane.height,
+      };
+    });
+    assert.equal(hidden, 0, 'a placeholder shows where rows should be');
+    // The screen, the groups that scroll near first and the rest of the last group begun.
+    assert.ok(screens < 3, `${screens.toFixed(1)} screens of rows drawn at once`);
+  });
+});
+
+test('keyboard navigation into a group not drawn yet goes on into its rows', async (t) => {
+  await withPage(t, async (page) => {
+    const header = page.locator('.expander:has(> .expander-body.deferred) > .expander-header').last();
+    const name = await header.evaluate((el) => el.closest('.expander').dataset.name);
+    await header.focus();
+    await page.keyboard.press('Tab');
+    const inside = await page.evaluate(() => document.activeElement.closest('.expander')?.dataset.name);
+    assert.equal(inside, name);
+    assert.ok(await page.evaluate(() => !!document.activeElement.closest('.expander-body .w')));
+  });
+});
+
+test('a write in another tab to a group not drawn yet shows once it is drawn', async (t) => {
+  await withPage(t, async (page) => {
+    await page.waitForFunction(() => document.body.dataset.stream === 'open');
+    const drawn = new Set(await labels(page));
+    // A check box parameter (every tenth from p3) that this tab has not drawn.
+    const name = Array.from({ length: count }, (_, i) => `p${i}`).find((n, i) => i % 10 === 3 && !drawn.has(n));
+    assert.ok(name, 'every check box was drawn at once');
+    const other = await openPage(browser, server.url, { hash: '#big' });
+    try {
+      await other.fill('#param-filter', name);
+      const box = await rowBox(other, name);
+      const checked = await box.isChecked();
+      await box.click();
+      await other.waitForFunction(() => window.rshview.api.queue.length === 0 && window.rshview.api.pending === 0);
+      await page.waitForFunction((n) => document.querySelector('#status').textContent.startsWith(`big.${n}:`), name, { timeout: 5000 });
+      await page.fill('#param-filter', name);
+      assert.equal(await (await rowBox(page, name)).isChecked(), !checked);
+    } finally {
+      await other.context().close();
+    }
   });
 });
