@@ -202,7 +202,13 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
   EXPECT_EQ(nodes[1]["parent"], "red_paint");
   EXPECT_EQ(nodes[1]["root"], false);
   std::map<std::string, std::string> kinds;
-  for (const Json& node : nodes) kinds[node["id"]] = node["kind"];
+  std::map<std::string, Json> parents;
+  for (const Json& node : nodes) {
+    kinds[node["id"]] = node["kind"];
+    parents[node["id"]] = node["parent"];
+  }
+  // A shared sub-shader is listed under the node that holds it, not the first one that uses it.
+  EXPECT_EQ(parents["floor.tiles"], "floor");
   EXPECT_EQ(kinds["key_light"], "light");
   EXPECT_EQ(kinds["plaster_wall.bump"], "other");
   EXPECT_EQ(kinds["window"], "material");

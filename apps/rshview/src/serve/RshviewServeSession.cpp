@@ -173,10 +173,21 @@ RshviewReply RshviewServeSession::Document() {
                      {"subShaders", std::move(subShaders)},
                      {"parameters", std::move(parameters)}});
   }
+  // A sub-shader is listed under the node that holds it (where the document keeps it), else under
+  // the first node connected to it.
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    const auto parent = parents.find(document.Nodes()[i].Get());
-    if (parent != parents.end() && !nodes[i]["root"].get<bool>())
-      nodes[i]["parent"] = parent->second;
+    if (nodes[i]["root"].get<bool>()) continue;
+    KEPHostShaderNode* node = document.Nodes()[i].Get();
+    KEPBaseUnknown* father = nullptr;
+    if (SUCCEEDED(node->GetFather(father)) && father) {
+      const auto held = KEP_var<KEPBaseUnknown>::Adopt(father);
+      if (const auto* holder = dynamic_cast<const KEPHostShaderNode*>(held.Get())) {
+        nodes[i]["parent"] = holder->Id();
+        continue;
+      }
+    }
+    const auto parent = parents.find(node);
+    if (parent != parents.end()) nodes[i]["parent"] = parent->second;
   }
   Json units = Json::object();
   const Json all = RshviewUnitsJson();

@@ -156,6 +156,8 @@ function typedDiffers(w, action, argument) {
   return !near(w?.state?.value) && !near(leadingNumber(text));
 }
 
+const RESTARTED = 'The server restarted: the document was read again';
+
 /** Notes the server's run; true when it changed (the server restarted: revisions start again). */
 function noteInstance(instance) {
   if (typeof instance !== 'string' || instance === app.instance) return false;
@@ -177,7 +179,9 @@ function setSaved(saved) {
 async function loadDocument() {
   const doc = await api.document();
   app.doc = doc;
-  noteInstance(doc.instance);
+  // Whichever answer shows the new run first (this one, after the page retried while the server
+  // was away, or the event stream's hello) tells the person.
+  if (noteInstance(doc.instance)) setStatus(RESTARTED);
   noteRevision(doc.revision);
   $('doc-path').textContent = doc.path || '';
   $('doc-path').title = doc.path || '';
@@ -330,7 +334,7 @@ function subscribe() {
     // Another run of the server (restarted): what this tab shows may be older than its revision
     // 0. Else writes may have been missed while the stream was away: catch up.
     if (noteInstance(data.instance)) {
-      setStatus('The server restarted: the document was read again');
+      setStatus(RESTARTED);
       refreshAll();
     } else if (typeof data.revision === 'number' && data.revision > app.revision) {
       refreshAll();
