@@ -315,15 +315,7 @@ void KEPRshShaderImmLayout::OnConnectionPressed(ConnectionRow& row) {
     Connect(row);
     return;
   }
-  HRESULT written = E_FAIL;
-  {
-    const KEPRdgRenderLock lock;
-    written = row.parameter->SetConnectedShader(nullptr);
-  }
-  if (FAILED(written))
-    trace_.Warning("Disconnection refused { parameter row = %s, result = %s }",
-                   row.connector->GetName().c_str(), KEPResultName(written));
-  ShowConnectionState(row);
+  WriteConnection(row, nullptr);
 }
 
 void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
@@ -389,7 +381,7 @@ void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
   } else if (oneType) {
     ConnectNew(row, types.front());
   } else if (reusable) {
-    ConnectExisting(row, reusable.Get());
+    WriteConnection(row, reusable.Get());
   } else {
     KEP_ASSERT_FATAL(false, "false && \"Unreachable code\"", KEPRshShaderImmLayoutSource);
   }
@@ -440,17 +432,18 @@ void KEPRshShaderImmLayout::ConnectNew(ConnectionRow& row, const KEPString& type
     return;
   }
   if (const auto holder = KEPQueryVar<KEPIRshSubShaders>(root)) holder->AddSubShader(created.Get());
-  ConnectExisting(row, created.Get());
+  WriteConnection(row, created.Get());
 }
 
-void KEPRshShaderImmLayout::ConnectExisting(ConnectionRow& row, KEPIRshShader* shader) {
+void KEPRshShaderImmLayout::WriteConnection(ConnectionRow& row, KEPIRshShader* shader) {
   HRESULT written = E_FAIL;
   {
     const KEPRdgRenderLock lock;
     written = row.parameter->SetConnectedShader(shader);
   }
   if (FAILED(written))
-    trace_.Warning("Connection refused { parameter row = %s, result = %s }",
+    trace_.Warning(shader ? "Connection refused { parameter row = %s, result = %s }"
+                          : "Disconnection refused { parameter row = %s, result = %s }",
                    row.connector->GetName().c_str(), KEPResultName(written));
   ShowConnectionState(row);
 }

@@ -89,7 +89,9 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
   /// Makes a node of `type` in the root shader's container, held by the root shader, and connects
   /// it; a failed creation leaves the row as it was.
   void ConnectNew(ConnectionRow& row, const KEPString& type);
-  void ConnectExisting(ConnectionRow& row, KEPIRshShader* shader);
+  /// Connects `shader` to the row's parameter (null disconnects) under the render lock, traces a
+  /// refusal, and shows the connection the parameter then holds.
+  void WriteConnection(ConnectionRow& row, KEPIRshShader* shader);
   /// Writes 1 (collapsed) or 0 (expanded) under the preference key of the sender's group and
   /// commits the repository.
   void OnGroupToggled(KEPVidWidget* sender, bool collapsed) const;
