@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Builds the libFuzzer targets (the `fuzz` preset: Clang with the address and undefined-behaviour
-# sanitizers) and runs each for a while, one after the other; prints the executions and any crash,
-# leak or sanitizer report per target, and fails when there was one.
+# Builds the libFuzzer targets (the `fuzz` preset: optimised Clang with the address and
+# undefined-behaviour sanitizers) and runs each for a while, one after the other; prints the
+# executions and any crash, leak or sanitizer report per target, and fails when there was one.
 #   scripts/fuzz.sh [SECONDS-PER-TARGET] [TARGET...]    default 60 s and every target
+# KEPRSH_FUZZ_PRESET=asan builds and runs them in the sanitizer build instead (it has them too), so
+# that a full test run does not compile the host a third time; the paths below then start with
+# build/asan instead of build/fuzz.
 # Targets: json_reader configuration library document style_sheet. Each runs on its seeds
 # (build/fuzz/fuzz/seeds/TARGET) and its growing corpus (build/fuzz/corpus/TARGET); crash inputs
 # go to build/fuzz/artifacts/TARGET/ (replay one: build/fuzz/bin/fuzz_TARGET FILE).
@@ -15,11 +18,12 @@ targets=("$@")
 [ ${#targets[@]} -eq 0 ] && targets=(json_reader configuration library document style_sheet)
 [[ "$seconds" =~ ^[0-9]+$ ]] || { echo "seconds must be a number: $seconds" >&2; exit 2; }
 
-echo "=== fuzz: configure and build"
-cmake --preset fuzz ${KEPRSH_WERROR:+-DKEPRSH_WERROR=$KEPRSH_WERROR} >/dev/null
-cmake --build --preset fuzz -j "$(nproc 2>/dev/null || echo 2)"
+preset=${KEPRSH_FUZZ_PRESET:-fuzz}
+echo "=== fuzz: configure and build (${preset})"
+cmake --preset "$preset" ${KEPRSH_WERROR:+-DKEPRSH_WERROR=$KEPRSH_WERROR} >/dev/null
+cmake --build --preset "$preset" --target keprsh_fuzzers -j "$(nproc 2>/dev/null || echo 2)"
 
-out=build/fuzz
+out=build/$preset
 scratch=$out/tmp
 rm -rf "$scratch"
 mkdir -p "$scratch"

@@ -69,7 +69,8 @@ if [ "$full" = 1 ]; then
   echo "=== clang-tidy"
   scripts/check-tidy.sh build/release
   phase_done "clang-tidy"
-  KEPRSH_WERROR=ON scripts/fuzz.sh "$fuzz_seconds"
+  # The sanitizer build has the fuzz targets already.
+  KEPRSH_FUZZ_PRESET=asan KEPRSH_WERROR=ON scripts/fuzz.sh "$fuzz_seconds"
   phase_done "fuzz"
 fi
 echo "All tests passed (${presets[*]})."

@@ -12,6 +12,7 @@
 #include "KEPShaderDocumentLoader.h"
 #include "KEPShaderLibraryLoader.h"
 #include "RshviewCommands.h"
+#include "RshviewConnectableCheck.h"
 
 const char* const kRshviewLintHelp =
     "Usage: rshview lint [--library DIR] [--doc FILE] [--format text|json]\n"
@@ -27,6 +28,9 @@ const char* const kRshviewLintHelp =
     "           step, a sign on a count or order ('-1' wraps around), an index written with a\n"
     "           leading zero, an unknown unit or magnitude, a key that no reader asks for\n"
     "           (often a typing mistake); the hint after ';' says what the readers make of it\n"
+    "           A shader type listed under \"connectable\" that declares no \"output\", or whose\n"
+    "           output the listed parameter type does not take, is warned about too: its\n"
+    "           nodes can be made new for such a parameter but are never offered for reuse\n"
     "\n"
     "The library is --library DIR, else the \"library\" entry of --doc FILE, else the bundled\n"
     "sample library. With --doc the document is checked against the library as well. The text\n"
@@ -110,7 +114,9 @@ Findings Check(RshviewOptions& options) {
   auto library = std::make_shared<KEPHostShaderLibrary>();
   const KEPLoadResult loaded = KEPShaderLibraryLoader::Load(options.library, *library);
   findings.Add(loaded);
-  findings.files.push_back((fs::path(options.library) / "library.json").string());
+  const std::string libraryFile = (fs::path(options.library) / "library.json").string();
+  findings.files.push_back(libraryFile);
+  if (loaded.Ok()) findings.Add(RshviewCheckConnectableOutputs(*library, libraryFile));
   const fs::path config = fs::path(options.library) / "config";
   std::error_code ec;
   std::size_t configurations = 0;

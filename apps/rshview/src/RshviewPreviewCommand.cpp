@@ -7,6 +7,7 @@
 #include "KEPCreateComponent.h"
 #include "KEPDlgFrame.h"
 #include "KEPIHardwareMaterial.h"
+#include "KEPIRmaMappingManipulatorMaterial.h"
 #include "KEPIRshShaderLink.h"
 #include "KEPPixelImage.h"
 #include "KEPRbaImageServices.h"
@@ -19,10 +20,12 @@ const char* const kRshviewPreviewHelp =
     "Usage: rshview preview [--library DIR] [--doc FILE] [--node ID] [--size N] --out FILE\n"
     "\n"
     "Draws a lit sphere in the material of a node, as the viewer's material answers it\n"
-    "(diffuse and specular colours and weights, glossiness, transparency, the texture image\n"
-    "with its position, size, angle, flips and wrapping), on a neutral grey background, and\n"
-    "writes the picture as an RGBA PNG file (atomically: FILE keeps its old content if the\n"
-    "write fails). The picture goes through the editors' preview frame, as a pixel image.\n"
+    "(diffuse and specular colours and weights, glossiness, transparency, luminosity, the\n"
+    "texture image with its position, size, angle, flips and wrapping), on a neutral grey\n"
+    "background, and writes the picture as an RGBA PNG file (atomically: FILE keeps its old\n"
+    "content if the write fails). The picture goes through the editors' preview frame, as a\n"
+    "pixel image. A luminous material (luminosity 1) shows its colour and texture at full\n"
+    "strength, as the viewer shows a material that lights itself.\n"
     "\n"
     "  --node ID    the node; default: the document's first material\n"
     "  --size N     width and height in pixels, 1 to 4096; default 256\n"
@@ -53,6 +56,13 @@ bool RshviewAskSphereMaterial(KEPIRshShader* node, RshviewSphereMaterial& m) {
   material->GetDiffuse(m.diffuse, m.diffuseColor);
   material->GetSpecular(m.specular, m.specularColor, m.glossiness);
   m.transparency = material->GetTransparencyCoef();
+  // The luminosity is asked as the viewer asks it; a material that does not answer it does not
+  // light itself.
+  double luminosity = 0.0;
+  auto mapping = KEPQueryVar<KEPIRmaMappingManipulatorMaterial>(delegate);
+  m.luminosity = mapping && SUCCEEDED(mapping->GetLuminosity(luminosity))
+                     ? static_cast<float>(luminosity)
+                     : 0.0f;
   if (auto image = KEP_var<KEPTexturePixelImage>::Adopt(material->GetTextureImage())) {
     m.texture = image->GetPixels();
     m.textureWidth = image->GetWidth();

@@ -65,6 +65,9 @@ std::vector<std::uint8_t> RshviewRenderSphere(const RshviewSphereMaterial& m, in
   const float exponent = 2.0f + 126.0f * Clamp01(m.glossiness);
   const float background = static_cast<float>(kRshviewPreviewBackground) / 255.0f;
   const float seeThrough = 0.5f * Clamp01(m.transparency);
+  // A luminous material's colour is its own light: the share `glow` of it shows at full strength
+  // and the rest is lit as usual, so a luminosity of 0 leaves the lit picture exactly as it is.
+  const float glow = std::isfinite(m.luminosity) ? Clamp01(m.luminosity) : 0.0f;
   constexpr float kAmbient = 0.15f;
   const float radius = 0.45f * static_cast<float>(side);
   const float centre = 0.5f * static_cast<float>(side);
@@ -88,7 +91,7 @@ std::vector<std::uint8_t> RshviewRenderSphere(const RshviewSphereMaterial& m, in
         const float lambert = std::max(0.0f, x * light[0] + y * light[1] + z * light[2]);
         const float highlight =
             std::pow(std::max(0.0f, x * half[0] + y * half[1] + z * half[2]), exponent);
-        const float d = kAmbient + m.diffuse * lambert;
+        const float d = glow + (1.0f - glow) * (kAmbient + m.diffuse * lambert);
         const float s = m.specular * highlight;
         const Rgb shaded{base.r * d + m.specularColor[0] * s, base.g * d + m.specularColor[1] * s,
                          base.b * d + m.specularColor[2] * s};

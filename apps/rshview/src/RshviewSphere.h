@@ -13,6 +13,8 @@ struct RshviewSphereMaterial {
   float specularColor[3] = {1.0f, 1.0f, 1.0f};
   float glossiness = 0.0f;    ///< 0 (broad highlight) to 1 (sharp)
   float transparency = 0.0f;  ///< 0 opaque to 1 clear
+  /// 0 (lit by the light only) to 1 (lights itself: its colour at full strength whatever the light)
+  float luminosity = 0.0f;
   // The texture, when `texture` is not empty: width × height RGBA pixels, rows from the top.
   std::vector<std::uint8_t> texture;
   int textureWidth = 0;

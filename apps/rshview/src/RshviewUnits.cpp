@@ -1,5 +1,6 @@
 #include "RshviewUnits.h"
 
+#include <cstdlib>
 #include <ostream>
 #include <utility>
 #include <vector>
@@ -116,7 +117,10 @@ bool RshviewStoreUnits(std::string& message) {
   for (KEPICkeMagnitude* magnitude : KEPParmDictionary::Magnitudes())
     repository->SetValue(magnitude->Name().ToUTF8(), magnitude->CurrentUnit()->Name().ToUTF8());
   if (FAILED(repository->Commit())) {
-    message = "the choice could not be saved (see the trace above)";
+    // The file is named where the person chose it; else the host's default place.
+    const char* file = std::getenv("KEPRSH_PREFERENCES");
+    message = file && *file ? "the choice could not be saved to " + std::string(file)
+                            : "the choice could not be saved (see the trace above)";
     return false;
   }
   return true;

@@ -69,6 +69,8 @@ Json RshviewValueLog::Connection(KEPIRshParameter* parameter) {
 
 std::vector<Json> RshviewValueLog::NewNodes() {
   std::vector<Json> created;
+  // A document never loses a node (it has no removal), so an unchanged count means no new node;
+  // should nodes ever be removed, this shortcut must go and the sets be compared.
   if (nodes_.size() == document_.Nodes().size()) return created;
   for (const auto& node : document_.Nodes()) {
     if (nodes_.count(node.Get())) continue;

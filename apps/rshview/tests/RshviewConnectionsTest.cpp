@@ -9,32 +9,15 @@
 #include <nlohmann/json.hpp>
 
 #include "RshviewRun.h"
+#include "RshviewScratch.h"
 
 namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 /// A scratch folder with its own preference file.
-class Scratch {
- public:
-  Scratch() {
-    std::string pattern = (fs::temp_directory_path() / "rshview-connectXXXXXX").string();
-    root_ = mkdtemp(pattern.data());
-    setenv("KEPRSH_PREFERENCES", Path("preferences.json").c_str(), 1);
-  }
-  ~Scratch() {
-    unsetenv("KEPRSH_PREFERENCES");
-    std::error_code ignored;
-    fs::remove_all(root_, ignored);
-  }
-  std::string Path(const std::string& name) const { return (root_ / name).string(); }
-  std::string Write(const std::string& name, const std::string& text) const {
-    std::ofstream(Path(name)) << text;
-    return Path(name);
-  }
-
- private:
-  fs::path root_;
+struct Scratch : RshviewScratch {
+  Scratch() : RshviewScratch("rshview-connect") {}
 };
 
 /// A document's connection tree: per node, the node whose subShaders list holds it ("" for a
@@ -76,13 +59,16 @@ Outcome Drive(const Scratch& scratch, const std::string& node, const std::string
 }
 
 const std::string kShowroom = std::string(RSHVIEW_TEST_SAMPLES) + "/documents/showroom.rshdoc.json";
+/// The sample's floor tiles as a colour parameter of the floor is offered them.
+const std::string kTilesLine =
+    "Floor tiles (Red metallic paint:flake_color, Polished floor:diffuse_texture)";
 
 }  // namespace
 
 // Each scenario on the sample's floor (its bump takes a new texture or bump through the dialog,
-// its reflection colour a texture, made at once in the immersive editor), the lines printed, and
-// how the saved tree differs from the sample's, whose floor tiles also colour the paint's flakes
-// and whose plaster drives the wall's bumps.
+// its reflection colour a new texture, its diffuse colour the floor tiles shared), the lines
+// printed, and how the saved tree differs from the sample's, whose floor tiles also colour the
+// paint's flakes and whose plaster drives the wall's bumps.
 TEST(RshviewConnections, ScenariosPrintTheSameLinesInBothEditorsAndSaveTheTree) {
   const char* const newBump =
       "3: new node kep_phen_bump.1 (kep_phen_bump)\n"
@@ -90,7 +76,7 @@ TEST(RshviewConnections, ScenariosPrintTheSameLinesInBothEditorsAndSaveTheTree) 
   const char* const unhooked = "|1| diffuse_texture=floor.tiles";
   struct Case {
     bool classic;
-    const char* script;
+    std::string script;
     const char* out;
     const char* changed[2];  ///< "id=tree entry" of the saved tree that differ from the sample
   } cases[] = {
@@ -103,12 +89,18 @@ TEST(RshviewConnections, ScenariosPrintTheSameLinesInBothEditorsAndSaveTheTree) 
        "press parameterButton13\nselect connectionDialog/shaderSelector 1\nok connectionDialog\n",
        newBump,
        {"floor=|1| bump=kep_phen_bump.1 diffuse_texture=floor.tiles", "kep_phen_bump.1=floor|1|"}},
+      // One type to make, and nothing of the floor's own tree to share without asking (its tiles
+      // have two users already): the immersive press makes a texture at once.
       {false,
        "press ParameterConnection6\n",
        "1: new node kep_phen_texture.1 (kep_phen_texture)\n"
        "1: floor.refl_color: connection (none) -> kep_phen_texture.1\n",
        {"floor=|1| diffuse_texture=floor.tiles refl_color=kep_phen_texture.1",
         "kep_phen_texture.1=floor|1|"}},
+      {true,
+       "press parameterButton1\nselect connectionDialog/shaderSelector " + kTilesLine + "\nok\n",
+       "3: floor.diffuse: connection (none) -> floor.tiles\n",
+       {"floor=|1| diffuse=floor.tiles diffuse_texture=floor.tiles"}},
       {false, "press ParameterConnection4\ncancel\n", "", {}},
       {true, "press connectionMenu13/connectItem\nclose\n", "", {}},
       {false,
@@ -173,6 +165,7 @@ TEST(RshviewConnections, TheJsonFormListsConnectionsAndCreatedNodes) {
   // The new node's parameters write like any other, from their default.
   EXPECT_EQ(events[1]["writes"], Json::parse(R"([{"node": "kep_phen_texture.1",
       "parameter": "gamma", "old": 2.2, "new": 0.5}])"));
+  EXPECT_TRUE(events[1]["connections"].empty());
   EXPECT_EQ(events[2]["connections"][0]["old"], "kep_phen_texture.1");
   EXPECT_EQ(events[2]["connections"][0]["new"], nullptr);
 }
@@ -186,7 +179,8 @@ TEST(RshviewConnections, RefusedDialogEventsNameWhatIsThere) {
   } cases[] = {
       {false, "press ParameterConnection4\nselect connectionDialog/shaderSelector Plaster (new)\n",
        ":2: connectionDialog/shaderSelector: KEPDlgSelectorList \"shaderSelector\": no line reads "
-       "\"Plaster (new)\" (lines: \"Image texture (new)\", \"Bump (new)\")"},
+       "\"Plaster (new)\" (lines: \"Image texture (new)\", \"Bump (new)\", \"Plaster bumps (Bumpy "
+       "plaster wall:bump)\")"},
       {true, "ok\n", ":1: 'ok' without a path needs an open dialog, and none is open"},
       {false, "press ParameterConnection4\ncancel\nok connectionDialog\n",
        ":3: connectionDialog: KEPRshConnectionDialog \"connectionDialog\": cannot be reached"},
@@ -204,22 +198,23 @@ TEST(RshviewConnections, RefusedDialogEventsNameWhatIsThere) {
   }
 }
 
-// Reusing a node of another material, in a library whose colour maps are named after the feature
-// type they produce, which is what the dialog compares to offer a node again. The door's mix
-// reads the wall, so offering it to a wall's parameter would close a cycle.
+// Reusing a node of another material, in a library whose colour maps declare that they yield
+// colours, which is what the dialog compares to offer a node again. The door's mix reads the
+// wall, so offering it to a wall's parameter would close a cycle.
 TEST(RshviewConnections, ASharedNodeIsOfferedUnlessItWouldCloseACycle) {
   Scratch scratch;
   fs::create_directories(scratch.Path("lib"));
   scratch.Write("lib/library.json", R"({"shaderTypes": {
     "mia_phen_material": {"parameters": [{"name": "diffuse", "type": "KEPRmaColor"},
                                          {"name": "refl_color", "type": "KEPRmaColor"}]},
-    "KEPRmaColor": {"parameters": [{"name": "input", "type": "KEPRmaColor"}]}},
-  "connectable": {"KEPRmaColor": [{"type": "KEPRmaColor", "label": "Colour map"}]}})");
+    "colour_map": {"output": "KEPRmaColor",
+                   "parameters": [{"name": "input", "type": "KEPRmaColor"}]}},
+  "connectable": {"KEPRmaColor": [{"type": "colour_map", "label": "Colour map"}]}})");
   const std::string doc = scratch.Write("rooms.rshdoc.json", R"({"library": "lib", "materials": [
     {"id": "wall", "type": "mia_phen_material", "alias": "Wall", "connections": {"diffuse": "map"},
-     "subShaders": [{"id": "map", "type": "KEPRmaColor", "alias": "Map"}]},
+     "subShaders": [{"id": "map", "type": "colour_map", "alias": "Map"}]},
     {"id": "door", "type": "mia_phen_material", "alias": "Door", "connections": {"diffuse": "mix"},
-     "subShaders": [{"id": "mix", "type": "KEPRmaColor", "alias": "Mix",
+     "subShaders": [{"id": "mix", "type": "colour_map", "alias": "Mix",
                      "connections": {"input": "wall"}}]}]})");
   const std::string saved = scratch.Path("saved.rshdoc.json");
   for (const bool classic : {false, true}) {
@@ -244,4 +239,77 @@ TEST(RshviewConnections, ASharedNodeIsOfferedUnlessItWouldCloseACycle) {
               std::string::npos)
         << cycle.err;
   }
+}
+
+// The classic editor offers the sample floor's diffuse colour the sample's textures, each with the
+// parameters that use it; once the floor tiles are shared, the saved document reads back with the
+// one node used by three parameters, and offers it so. (The immersive press on the floor makes a
+// texture at once: it shares without asking only a node of the floor's own tree.)
+TEST(RshviewConnections, TheSampleFloorSharesItsTilesAndTheSavedDocumentKeepsThemShared) {
+  constexpr bool classic = true;
+  Scratch scratch;
+  const std::string diffuse = "press parameterButton1\n";
+  // Every line is chosen by its exact text, and there are no more than these four.
+  const Outcome listing = Drive(
+      scratch, "floor",
+      diffuse +
+          "select connectionDialog/shaderSelector Checker decal (Red metallic "
+          "paint:default_slot_diffuse_texture)\n"
+          "select connectionDialog/shaderSelector " +
+          kTilesLine +
+          "\n"
+          "select connectionDialog/shaderSelector Plaster (Bumpy plaster wall:diffuse_texture, "
+          "Plaster bumps:bump_map)\n"
+          "select connectionDialog/shaderSelector 4\n",
+      classic, scratch.Path("never.rshdoc.json"));
+  EXPECT_EQ(listing.code, 1);
+  EXPECT_NE(listing.err.find(":5: connectionDialog/shaderSelector: KEPDlgSelectorList "
+                             "\"shaderSelector\": line 4 is not one of its 4 lines"),
+            std::string::npos)
+      << listing.err;
+
+  const std::string saved = scratch.Path("shared.rshdoc.json");
+  const Outcome shared = Drive(
+      scratch, "floor", diffuse + "select connectionDialog/shaderSelector " + kTilesLine + "\nok\n",
+      classic, saved);
+  ASSERT_EQ(shared.code, 0) << shared.err;
+  const Tree tree = ReadTree(saved);
+  EXPECT_EQ(tree.at("floor"), "|1| diffuse=floor.tiles diffuse_texture=floor.tiles");
+  EXPECT_EQ(tree.at("floor.tiles"), "floor|1|");
+
+  const std::string reflection = "press parameterButton5\n";
+  const Outcome reloaded = Drive(scratch, "floor",
+                                 reflection +
+                                     "select connectionDialog/shaderSelector Floor tiles (Red "
+                                     "metallic paint:flake_color, Polished floor:diffuse, "
+                                     "Polished floor:diffuse_texture)\nok\n",
+                                 classic, scratch.Path("again.rshdoc.json"), saved);
+  ASSERT_EQ(reloaded.code, 0) << reloaded.err;
+  EXPECT_EQ(reloaded.out, "3: floor.refl_color: connection (none) -> floor.tiles\nsaved " +
+                              scratch.Path("again.rshdoc.json") + "\n");
+}
+
+// In the immersive editor the paint's colour slot has a texture to make and its own decal to
+// share, so the press asks; choosing the decal shares it, and the saved paint keeps it shared.
+TEST(RshviewConnections, TheSamplePaintSharesItsDecalThroughTheImmersiveDialog) {
+  Scratch scratch;
+  const std::string saved = scratch.Path("decal.rshdoc.json");
+  const Outcome run = Drive(scratch, "red_paint",
+                            "press ParameterConnection0\n"
+                            "select connectionDialog/shaderSelector Checker decal (Red metallic "
+                            "paint:default_slot_diffuse_texture)\nok\n",
+                            false, saved);
+  ASSERT_EQ(run.code, 0) << run.err;
+  EXPECT_EQ(
+      run.out,
+      "3: red_paint.default_slot_diffuse_color: connection (none) -> red_paint.decal\nsaved " +
+          saved + "\n");
+  const Tree sample = ReadTree(kShowroom);
+  Tree tree = ReadTree(saved);
+  EXPECT_NE(tree.at("red_paint").find(" default_slot_diffuse_color=red_paint.decal"),
+            std::string::npos)
+      << tree.at("red_paint");
+  EXPECT_EQ(tree.at("red_paint.decal"), sample.at("red_paint.decal"));
+  tree["red_paint"] = sample.at("red_paint");
+  EXPECT_EQ(tree, sample);
 }

@@ -7,36 +7,15 @@
 #include <nlohmann/json.hpp>
 
 #include "RshviewRun.h"
+#include "RshviewScratch.h"
 
 namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::json;
 
 /// A scratch folder with its own preference file for the runs of one test.
-class Scratch {
- public:
-  Scratch() {
-    std::string pattern = (fs::temp_directory_path() / "rshview-editorXXXXXX").string();
-    root_ = mkdtemp(pattern.data());
-    setenv("KEPRSH_PREFERENCES", Path("preferences.json").c_str(), 1);
-  }
-  ~Scratch() {
-    unsetenv("KEPRSH_PREFERENCES");
-    std::error_code ignored;
-    fs::remove_all(root_, ignored);
-  }
-  std::string Path(const std::string& name) const { return (root_ / name).string(); }
-  std::string Write(const std::string& name, const std::string& text) const {
-    std::ofstream(Path(name)) << text;
-    return Path(name);
-  }
-  std::string Read(const std::string& name) const {
-    std::ifstream in(Path(name));
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-
- private:
-  fs::path root_;
+struct Scratch : RshviewScratch {
+  Scratch() : RshviewScratch("rshview-editor") {}
 };
 
 const char* const kGlossSlider = "ParameterGroup0/ParameterWidget3/scalarSlider";

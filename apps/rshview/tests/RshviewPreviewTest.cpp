@@ -5,29 +5,20 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "KEPPixelImage.h"
 #include "RshviewRun.h"
+#include "RshviewScratch.h"
 #include "RshviewSphere.h"
 
 namespace {
 namespace fs = std::filesystem;
 
-class Scratch {
- public:
-  Scratch() {
-    std::string pattern = (fs::temp_directory_path() / "rshview-previewXXXXXX").string();
-    root_ = mkdtemp(pattern.data());
-  }
-  ~Scratch() {
-    std::error_code ignored;
-    fs::remove_all(root_, ignored);
-  }
-  std::string Path(const std::string& name) const { return (root_ / name).string(); }
-
- private:
-  fs::path root_;
+struct Scratch : RshviewScratch {
+  Scratch() : RshviewScratch("rshview-preview") {}
 };
 
 struct Pixel {
@@ -121,6 +112,77 @@ TEST(RshviewPreview, SphereShadingRules) {
     return bright;
   };
   EXPECT_GT(count(RshviewRenderSphere(broad, 64)), count(RshviewRenderSphere(sharp, 64)));
+}
+
+TEST(RshviewPreview, LuminosityShowsTheBaseColourAtFullStrength) {
+  // Base 0.5 grey with a diffuse weight of 2: lit alone, the side facing the light is brighter
+  // than the base colour and the far side darker.
+  RshviewSphereMaterial lit;
+  lit.diffuse = 2.0f;
+  lit.diffuseColor[0] = lit.diffuseColor[1] = lit.diffuseColor[2] = 0.5f;
+  const auto unlit = RshviewRenderSphere(lit, 32);
+  EXPECT_GT(At(unlit, 32, 10, 10).r, 140);  // not held at the base colour
+  EXPECT_LT(At(unlit, 32, 22, 22).r, 100);
+
+  struct Case {
+    float luminosity;
+    bool luminous;  // drawn as luminosity 1, else as luminosity 0
+  };
+  for (const Case& c :
+       {Case{0.0f, false}, Case{-1.0f, false}, Case{std::numeric_limits<float>::quiet_NaN(), false},
+        Case{1.0f, true}, Case{3.0f, true}}) {
+    RshviewSphereMaterial m = lit;
+    m.luminosity = c.luminosity;
+    const auto pixels = RshviewRenderSphere(m, 32);
+    if (!c.luminous) {
+      EXPECT_EQ(pixels, unlit) << c.luminosity;
+      continue;
+    }
+    // Every pixel of the sphere is the base colour, whatever the light.
+    for (const auto& [x, y] : {std::pair{16, 16}, std::pair{10, 10}, std::pair{22, 22},
+                               std::pair{3, 16}, std::pair{28, 16}})
+      EXPECT_EQ(At(pixels, 32, x, y).r, 128) << c.luminosity << " at " << x << "," << y;
+    EXPECT_EQ(At(pixels, 32, 0, 0).r, 128);  // the background
+  }
+
+  // Half luminous: half way between the lit and the luminous picture; the specular is added on
+  // top of a luminous colour.
+  RshviewSphereMaterial half = lit;
+  half.luminosity = 0.5f;
+  const int halfWay = At(RshviewRenderSphere(half, 32), 32, 22, 22).r;
+  EXPECT_NEAR(halfWay, (At(unlit, 32, 22, 22).r + 128) / 2, 1);
+  RshviewSphereMaterial shiny = lit;
+  shiny.luminosity = 1.0f;
+  shiny.specular = 1.0f;
+  EXPECT_GT(At(RshviewRenderSphere(shiny, 32), 32, 11, 11).r, 200);
+}
+
+TEST(RshviewPreview, TexturedLuminousSampleMaterialsShowTheirChecker) {
+  // The floor and the plaster wall answer luminosity 1, diffuse weight 0 and the checker image:
+  // the sphere shows both of the checker's texels as they are, not near black.
+  Scratch scratch;
+  for (const char* node : {"floor", "plaster_wall"}) {
+    const std::string file = scratch.Path(std::string(node) + ".png");
+    const Outcome run = Rshview({"preview", "--node", node, "--size", "64", "--out", file});
+    ASSERT_EQ(run.code, 0) << node << ": " << run.err;
+    auto image =
+        KEP_var<KEPPixelImage>::Adopt(KEPPixelImage::Load(KEPUnicodeString::FromUTF8(file)));
+    ASSERT_TRUE(image) << node;
+    int light = 0, dark = 0, sphere = 0;
+    for (int y = 0; y < 64; ++y) {
+      for (int x = 0; x < 64; ++x) {
+        const Pixel p = At(image->GetPixels(), 64, x, y);
+        if (p.r == 128 && p.g == 128 && p.b == 128) continue;  // the background
+        ++sphere;
+        light += p.r == 230 && p.g == 230 && p.b == 220 ? 1 : 0;
+        dark += p.r == 40 && p.g == 40 && p.b == 48 ? 1 : 0;
+      }
+    }
+    EXPECT_GT(sphere, 2500) << node;
+    EXPECT_EQ(light + dark, sphere) << node << ": pixels other than the two texels";
+    EXPECT_GT(light, sphere / 4) << node;
+    EXPECT_GT(dark, 40) << node;
+  }
 }
 
 TEST(RshviewClassicEditor, DumpShowsTheRootFrameOfTheSampleNode) {

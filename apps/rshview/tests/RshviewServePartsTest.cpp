@@ -1,12 +1,15 @@
 // The parts of rshview serve that stand alone: the request checks, the comparison of editor
-// trees, the UI thread's task queue and the event stream.
+// trees, the UI thread's task queue, the event stream and the recovery file's name.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "RshviewCompactTree.h"
 #include "RshviewEditorDiff.h"
+#include "RshviewEditorView.h"
 #include "RshviewEventStream.h"
+#include "RshviewRecovery.h"
 #include "RshviewRequestChecks.h"
 #include "RshviewUiQueue.h"
 
@@ -139,6 +142,96 @@ TEST(RshviewServeDiff, ReportsTheHighestChangedWidgetOfEachBranch) {
   EXPECT_FALSE(RshviewWidgetText("{\"path\": \"a\"").Valid());
 }
 
+TEST(RshviewServeCompact, LeavesOutDefaultsAndThePathsAReaderDerives) {
+  // A widget's common keys at their defaults go, another value stays; an object loses its keys
+  // at their defaults, and goes when none is left; numbers compare by value (1 and 1.0).
+  const std::string tree =
+      R"({"class":"KEPVidLayGrid","name":"Top","path":"","visible":true,"sensitive":false,)"
+      R"("layoutWhenInvisible":true,"cell":{"row":0,"column":0,"rowSpan":1,"columnSpan":1,)"
+      R"("attach":[]},"minimumSize":{"width":0,"height":5},"state":{"rows":1,)"
+      R"("columnWeights":[1.0],"rowWeights":[],"horizontalSpacing":2,"verticalSpacing":2},)"
+      R"("children":[)"
+      // Its path follows from its father's: left out; an empty state goes.
+      R"({"class":"KEPVidCtlSlider","name":"s","path":"s","visible":false,"cell":{"row":2,)"
+      R"("column":0,"rowSpan":1,"columnSpan":1,"attach":["left"]},"state":{"singleStep":1,)"
+      R"("pageStep":10,"tickInterval":0,"tickPosition":0,"barSize":1,"squareHeightRatio":0.1,)"
+      R"("magnifier":true},"children":[]},)"
+      // A second "s" is s[1]; a path that does not follow stays; a class without defaults
+      // keeps its state whole.
+      R"({"class":"KEPVidCtlSlider","name":"s","path":"s[1]","children":[]},)"
+      R"({"class":"KEPVidCtlLabel","name":"t","path":"elsewhere/t","state":{"text":""}},)"
+      // Below an unnamed widget (path null) every path stays.
+      R"({"class":"KEPVidLayGrid","name":"","path":null,"children":[)"
+      R"({"class":"KEPVidCtlLabel","name":"u","path":"u","children":[]}]}]})";
+  const std::optional<std::string> compact = RshviewCompactTree(tree);
+  ASSERT_TRUE(compact);
+  EXPECT_EQ(*compact,
+            R"({"class":"KEPVidLayGrid","name":"Top","path":"","sensitive":false,)"
+            R"("minimumSize":{"height":5},"state":{"columnWeights":[1.0]},"children":[)"
+            R"({"class":"KEPVidCtlSlider","name":"s","visible":false,)"
+            R"("cell":{"row":2,"attach":["left"]}},)"
+            R"({"class":"KEPVidCtlSlider","name":"s"},)"
+            R"({"class":"KEPVidCtlLabel","name":"t","path":"elsewhere/t","state":{"text":""}},)"
+            R"({"class":"KEPVidLayGrid","name":"","path":null,"children":[)"
+            R"({"class":"KEPVidCtlLabel","name":"u","path":"u"}]}]})");
+  // A subtree's root keeps its path (a reader has no father to derive it from).
+  EXPECT_EQ(RshviewCompactTree(R"({"class":"KEPVidCtlLabel","name":"x","path":"a/x"})"),
+            R"({"class":"KEPVidCtlLabel","name":"x","path":"a/x"})");
+  // The defaults the answer lists are the ones left out, as JSON.
+  const Json defaults = Json::parse(RshviewCompactDefaults());
+  EXPECT_EQ(defaults["widget"]["cell"]["rowSpan"], 1);
+  EXPECT_EQ(defaults["widget"]["children"], Json::array());
+  EXPECT_EQ(defaults["state"]["KEPVidCtlSlider"]["squareHeightRatio"], 0.1);
+  // Text that is not a widget tree gives nothing rather than half a tree.
+  for (const char* bad :
+       {"", "[]", R"({"class":"x","children":[{"class":"y"})", R"({"class":"x","cell":{"row":0)",
+        R"({"class":"x"} trailing)", R"({"class":"x","children":[1]})",
+        R"({"class":"KEPVidCtlSlider","state":{"a" 1}})"})
+    EXPECT_FALSE(RshviewCompactTree(bad)) << bad;
+}
+
+TEST(RshviewServeView, ChangesWithWhatWidgetsStandForNotWithTheirValues) {
+  const std::string base =
+      R"({"class":"KEPRshShaderRootFrame","name":"","path":"","state":{"title":"Floor"},)"
+      R"("children":[{"class":"KEPVidCtlLabel","name":"l","path":"l","state":{"text":"gloss"}},)"
+      R"({"class":"KEPVidCtlEditor","name":"e","path":"e","visible":true,)"
+      R"("state":{"text":"0.35","value":0.35},"children":[]},)"
+      R"({"class":"KEPVidCtlDoubleSpinBox","name":"s","path":"s","state":{"suffix":"mm"}},)"
+      R"({"class":"KEPVidCtlButton","name":"b","path":"b","state":{"label":"","icon":"c.png"}},)"
+      R"({"class":"KEPRbaScalarWheel","name":"w","path":"w","state":{"unitSymbol":"deg"}},)"
+      R"({"class":"KEPDlgSelectorList","name":"y","path":"y","state":{"lines":["A","B"]}},)"
+      R"({"class":"KEPVidCtlExpander","name":"x","path":"x","state":{"label":"Base"}}]})";
+  const auto view = [](const std::string& tree, std::string_view units = R"({"length":"mm"})") {
+    const RshviewWidgetText text(tree);
+    EXPECT_TRUE(text.Valid()) << tree;
+    return RshviewEditorView(text, units);
+  };
+  const auto edited = [&](std::string_view from, std::string_view to) {
+    std::string tree = base;
+    tree.replace(tree.find(from), from.size(), to);
+    return tree;
+  };
+  const std::string shown = view(base);
+  EXPECT_EQ(shown.size(), 16u);
+  // What a value write or a hidden row changes: the same view.
+  EXPECT_EQ(view(edited(R"("text":"0.35","value":0.35)", R"("text":"0.6","value":0.6)")), shown);
+  EXPECT_EQ(view(edited(R"("visible":true)", R"("visible":false)")), shown);
+  // What changes what a path means or how a value typed there is read: another view.
+  for (const auto& [from, to] :
+       std::initializer_list<std::pair<std::string_view, std::string_view>>{
+           {R"("title":"Floor")", R"("title":"Floor - Tiles")"},
+           {R"("text":"gloss")", R"("text":"gamma")"},
+           {R"("suffix":"mm")", R"("suffix":"cm")"},
+           {R"("icon":"c.png")", R"("icon":"d.png")"},
+           {R"("unitSymbol":"deg")", R"("unitSymbol":"rad")"},
+           {R"(["A","B"])", R"(["A","C"])"},
+           {R"("label":"Base")", R"("label":"Coat")"},
+           {R"("name":"e","path":"e")", R"("name":"f","path":"f")"},
+           {R"("class":"KEPVidCtlEditor")", R"("class":"KEPVidCtlSlider")"}})
+    EXPECT_NE(view(edited(from, to)), shown) << to;
+  EXPECT_NE(view(base, R"({"length":"cm"})"), shown);
+}
+
 TEST(RshviewServeQueue, RunsTasksOnTheUiThreadAndTimesOutOrClosesOtherwise) {
   RshviewUiQueue queue;
   // Nobody runs the queue: the task is dropped at the time-out and never runs later.
@@ -155,9 +248,20 @@ TEST(RshviewServeQueue, RunsTasksOnTheUiThreadAndTimesOutOrClosesOtherwise) {
   EXPECT_EQ(queue.Call([&] { where = std::this_thread::get_id(); }, 5s),
             RshviewUiQueue::Outcome::Done);
   EXPECT_EQ(where, ui.get_id());
-  // A task that has started is waited for to its end, past the time-out.
-  EXPECT_EQ(queue.Call([] { std::this_thread::sleep_for(50ms); }, 1ms),
-            RshviewUiQueue::Outcome::Done);
+  // A task that has started is waited for to its end, past the time-out. Whether the UI
+  // thread picks it up before the time-out depends on the machine's load, so the call is
+  // repeated until it does; a task that never started must have been given up.
+  bool started = false;
+  for (int attempt = 0; attempt < 100 && !started; ++attempt) {
+    const auto outcome = queue.Call(
+        [&] {
+          started = true;
+          std::this_thread::sleep_for(60ms);
+        },
+        10ms);
+    EXPECT_EQ(outcome, started ? RshviewUiQueue::Outcome::Done : RshviewUiQueue::Outcome::TimedOut);
+  }
+  EXPECT_TRUE(started);
   // An exception does not leave the caller waiting.
   EXPECT_EQ(queue.Call([] { throw std::runtime_error("x"); }, 5s), RshviewUiQueue::Outcome::Done);
   stop = true;
@@ -201,3 +305,24 @@ TEST(RshviewServeStream, RefusesReadersBeyondTheLimit) {
   EXPECT_TRUE(stream.Subscribe(cursor));
 }
 }  // namespace
+
+TEST(RshviewServeRecovery, NamesTheFileBesideTheDocumentNeverTheDocumentItself) {
+  struct Case {
+    const char* doc;
+    const char* recovery;
+  };
+  const Case cases[] = {
+      {"/d/showroom.rshdoc.json", "/d/showroom.unsaved.rshdoc.json"},
+      {"/d/my.room.rshdoc.json", "/d/my.room.unsaved.rshdoc.json"},
+      // A recovery file opened as the document keeps its own beside it, under another name.
+      {"/d/showroom.unsaved.rshdoc.json", "/d/showroom.unsaved.unsaved.rshdoc.json"},
+      {"/d/room.json", "/d/room.unsaved.json"},
+      {"/d/notes", "/d/notes.unsaved"},
+      {"/d/.rshdoc.json", "/d/.rshdoc.unsaved.json"},
+      {"rel/a b.rshdoc.json", "rel/a b.unsaved.rshdoc.json"},
+  };
+  for (const Case& c : cases) EXPECT_EQ(RshviewRecoveryPath(c.doc), c.recovery) << c.doc;
+  EXPECT_EQ(RshviewShellWord("/d/room.unsaved.rshdoc.json"), "/d/room.unsaved.rshdoc.json");
+  EXPECT_EQ(RshviewShellWord("/d/it's a room"), R"('/d/it'\''s a room')");
+  EXPECT_EQ(RshviewShellWord(""), "''");
+}

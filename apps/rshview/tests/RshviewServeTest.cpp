@@ -16,11 +16,14 @@
 #include <future>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <thread>
 #include <utility>
 
 #include "RshviewRun.h"
+#include "RshviewScratch.h"
 #include "RshviewServe.h"
+#include "RshviewServeSession.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -29,31 +32,10 @@ using Json = nlohmann::json;
 const char* const kGlossSlider = "ParameterGroup0/ParameterWidget3/scalarSlider";
 
 /// A scratch folder holding the working copy and the preference file of one test.
-class Scratch {
- public:
-  Scratch() {
-    std::string pattern = (fs::temp_directory_path() / "rshview-serveXXXXXX").string();
-    root_ = mkdtemp(pattern.data());
-    setenv("KEPRSH_PREFERENCES", Path("preferences.json").c_str(), 1);
-    setenv("RSHVIEW_DATA", Path("data").c_str(), 1);
-  }
-  ~Scratch() {
-    unsetenv("KEPRSH_PREFERENCES");
-    unsetenv("RSHVIEW_DATA");
-    std::error_code ignored;
-    fs::remove_all(root_, ignored);
-  }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  std::string Path(const std::string& name) const { return (root_ / name).string(); }
-  std::string Write(const std::string& name, const std::string& text) const {
-    fs::create_directories(fs::path(Path(name)).parent_path());
-    std::ofstream(Path(name)) << text;
-    return Path(name);
-  }
-
- private:
-  fs::path root_;
+struct Scratch : RshviewScratch {
+  Scratch()
+      : RshviewScratch("rshview-serve",
+                       {{"KEPRSH_PREFERENCES", "preferences.json"}, {"RSHVIEW_DATA", "data"}}) {}
 };
 
 /// `rshview serve --port 0 ARGS...` on a thread of its own, with a client for it; stopped (as
@@ -229,6 +211,67 @@ TEST(RshviewServe, ListsTheWorkingCopyOfTheShowroomWithEveryNode) {
   EXPECT_NE(ended.out.find("rshview: stopped"), std::string::npos);
 }
 
+/// Fills in a compact widget tree in place, as docs/api.md says a reader does.
+void ExpandCompact(Json& widget, const Json& defaults) {
+  for (const auto& [key, value] : defaults["widget"].items()) {
+    if (!widget.contains(key)) {
+      widget[key] = value;
+    } else if (value.is_object()) {
+      for (const auto& [sub, subValue] : value.items())
+        if (!widget[key].contains(sub)) widget[key][sub] = subValue;
+    }
+  }
+  const std::string className = widget.value("class", "");
+  if (defaults["state"].contains(className)) {
+    Json& state = widget["state"];
+    if (!state.is_object()) state = Json::object();
+    for (const auto& [key, value] : defaults["state"][className].items())
+      if (!state.contains(key)) state[key] = value;
+  }
+  std::map<std::string, int> names;
+  for (Json& child : widget["children"]) {
+    const std::string name = child.value("name", "");
+    const int earlier = name.empty() ? 0 : names[name]++;
+    if (!name.empty() && !child.contains("path") && widget["path"].is_string()) {
+      const std::string father = widget["path"];
+      child["path"] = (father.empty() ? "" : father + "/") + name +
+                      (earlier > 0 ? "[" + std::to_string(earlier) + "]" : "");
+    }
+    ExpandCompact(child, defaults);
+  }
+}
+
+TEST(RshviewServe, CompactEditorFilledInIsTheWholeTree) {
+  Scratch scratch;
+  Server server;
+  for (const std::string node : {"red_paint", "red_paint.decal", "floor", "key_light"}) {
+    for (const std::string kind : {"immersive", "classic"}) {
+      const std::string route = "/api/nodes/" + node + "/editor?editor=" + kind;
+      const Json whole = server.GetJson(route);
+      const Json compact = server.GetJson(route + "&compact=1");
+      EXPECT_FALSE(whole.contains("defaults"));
+      ASSERT_TRUE(compact.contains("defaults")) << route;
+      EXPECT_LT(compact["editor"].dump().size() * 3, whole["editor"].dump().size() * 2) << route;
+      Json filled = compact["editor"];
+      ExpandCompact(filled, compact["defaults"]);
+      EXPECT_EQ(filled, whole["editor"]) << route;
+    }
+  }
+  // After an event, the compact tree shows the new state too (it is made again).
+  const std::string route = "/api/nodes/red_paint/editor?compact=1";
+  const Json before = server.GetJson(route);
+  ASSERT_EQ(
+      server
+          .Post("/api/nodes/red_paint/events", R"({"action": "expand", "path": "ParameterGroup2"})")
+          ->status,
+      200);
+  const Json after = server.GetJson(route);
+  EXPECT_NE(after["editor"], before["editor"]);
+  Json filled = after["editor"];
+  ExpandCompact(filled, after["defaults"]);
+  EXPECT_EQ(filled, server.GetJson("/api/nodes/red_paint/editor")["editor"]);
+}
+
 TEST(RshviewServe, EditorIsTheDumpTreeAndEventsReportWritesAndChangedWidgets) {
   Scratch scratch;
   { Server first; }  // makes the working copy, which the dump reads
@@ -303,10 +346,225 @@ TEST(RshviewServe, ARefusedEventAnswers422AndChangesNothing) {
     EXPECT_EQ(error["error"], "refused event");
     EXPECT_NE(error["detail"].get<std::string>().find(c.detail), std::string::npos)
         << error["detail"];
+    // The refusal also says what the event did before it: here, nothing.
+    EXPECT_EQ(error["writes"], Json::array()) << error;
+    EXPECT_EQ(error["changed"], Json::array()) << error;
   }
   const Json document = server.GetJson("/api/document");
   EXPECT_EQ(document["revision"], 0);
   EXPECT_EQ(document["saved"], true);
+}
+
+// A label's reset takes the parameter the editor shows beside it: the sub-shader's after the
+// classic frame walked into it or inside a nested immersive editor, never the root's parameter of
+// the same position; rows the editor locks are refused.
+TEST(RshviewServe, AResetByLabelTakesTheParameterTheEditorShowsThere) {
+  Scratch scratch;
+  Server server;
+  const auto post = [&](const std::string& route, const Json& body) {
+    auto result = server.Post(route, body.dump());
+    return std::pair{result ? result->status : 0,
+                     result ? Json::parse(result->body, nullptr, false) : Json()};
+  };
+  const Json tilesGamma{{"node", "floor.tiles"}, {"parameter", "gamma"}};
+  // Immersive: the floor's editor nests the tiles' editor under its diffuse_texture row.
+  ASSERT_EQ(
+      post("/api/nodes/floor/events", {{"action", "expand"}, {"path", "ParameterConnectedShader3"}})
+          .first,
+      200);
+  const auto [nested, nestedAnswer] =
+      post("/api/nodes/floor/reset",
+           {{"path", "ParameterConnectedShader3/ConnectedShaderEditor/ParameterLabel2"}});
+  ASSERT_EQ(nested, 200) << nestedAnswer;
+  EXPECT_EQ(nestedAnswer["reset"], tilesGamma);
+  ASSERT_EQ(nestedAnswer["writes"].size(), 1u) << nestedAnswer;
+  EXPECT_EQ(nestedAnswer["writes"][0]["node"], "floor.tiles");
+  EXPECT_DOUBLE_EQ(nestedAnswer["writes"][0]["old"].get<double>(), 1.8);
+  EXPECT_DOUBLE_EQ(nestedAnswer["writes"][0]["new"].get<double>(), 2.2);
+
+  // Classic: "edit" shows the tiles in the frame, under the label names of the floor's rows.
+  ASSERT_EQ(
+      post("/api/nodes/floor/events",
+           {{"editor", "classic"}, {"action", "press"}, {"path", "connectionMenu14/editItem"}})
+          .first,
+      200);
+  const auto [walked, walkedAnswer] =
+      post("/api/nodes/floor/reset", {{"editor", "classic"}, {"path", "parameterLabel3"}});
+  ASSERT_EQ(walked, 200) << walkedAnswer;
+  EXPECT_EQ(walkedAnswer["reset"], tilesGamma);
+  EXPECT_EQ(walkedAnswer["writes"], Json::array()) << "at its default since the reset above";
+
+  struct Case {
+    std::string node;
+    Json body;
+    int status;
+    std::string error;
+    std::string detail;
+  };
+  const Case cases[] = {
+      // The restricted editor makes the type's widget insensitive.
+      {"red_paint",
+       {{"restricted", true}, {"path", "ParameterGroup3/ParameterGroup3Layout/ParameterLabel11"}},
+       422,
+       "locked parameter",
+       "'type'"},
+      {"red_paint", {{"path", kGlossSlider}}, 422, "no such label", "no parameter label"},
+      {"red_paint", {{"path", "ParameterGroup0/nope"}}, 422, "no such label", "segment 2"},
+      {"red_paint",
+       {{"path", "ParameterLabel3"}, {"parameter", "type"}},
+       400,
+       "bad request",
+       "not both"},
+      {"red_paint", {{"path", ""}}, 400, "bad request", "'path'"},
+  };
+  const Json revision = server.GetJson("/api/document")["revision"];
+  for (const Case& c : cases) {
+    const auto [status, answer] = post("/api/nodes/" + c.node + "/reset", c.body);
+    EXPECT_EQ(status, c.status) << c.body << ": " << answer;
+    EXPECT_EQ(answer["error"], c.error) << c.body;
+    EXPECT_NE(answer["detail"].dump().find(c.detail), std::string::npos) << answer["detail"];
+  }
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], revision);
+}
+
+namespace {
+/// The data of the first event `name` in the text of an event stream, or null.
+Json StreamEvent(const std::string& stream, const std::string& name) {
+  const std::size_t at = stream.find("event: " + name + "\n");
+  if (at == std::string::npos) return nullptr;
+  const std::size_t data = stream.find("data: ", at);
+  const std::size_t end = stream.find('\n', data);
+  if (data == std::string::npos || end == std::string::npos) return nullptr;
+  return Json::parse(stream.substr(data + 6, end - data - 6), nullptr, false);
+}
+}  // namespace
+
+// A connection made through an editor is a connection, not a value write: the answer and the
+// stream name the old and new node and the node made for it, and the document lists it.
+TEST(RshviewServe, AConnectionIsAnsweredAndStreamedWithTheNodeItMade) {
+  Scratch scratch;
+  Server server;
+  std::promise<void> greeted, connected;
+  std::string received;
+  std::thread listener([&] {
+    httplib::Client client("127.0.0.1", server.Port());
+    client.set_read_timeout(30, 0);
+    bool sawHello = false, sawConnection = false;
+    client.Get("/api/events", [&](const char* data, std::size_t length) {
+      received.append(data, length);
+      if (!sawHello && StreamEvent(received, "hello").is_object()) {
+        sawHello = true;
+        greeted.set_value();
+      }
+      if (!sawConnection && StreamEvent(received, "connection").is_object()) {
+        sawConnection = true;
+        connected.set_value();
+      }
+      return true;
+    });
+  });
+  ASSERT_EQ(greeted.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  auto pressed = server.Post("/api/nodes/floor/events",
+                             Json{{"action", "press"}, {"path", "ParameterConnection6"}}.dump(),
+                             {{"X-Rshview-Client", "tab-a"}});
+  ASSERT_TRUE(pressed);
+  ASSERT_EQ(pressed->status, 200) << pressed->body;
+  const Json answer = Json::parse(pressed->body);
+  const Json made = Json::parse(
+      R"([{"id": "kep_phen_texture.1", "type": "kep_phen_texture", "alias": "kep_phen_texture.1"}])");
+  EXPECT_EQ(answer["writes"], Json::array()) << answer;
+  EXPECT_EQ(answer["connections"], Json::parse(R"([{"node": "floor", "parameter": "refl_color",
+      "old": null, "new": "kep_phen_texture.1"}])"));
+  EXPECT_EQ(answer["created"], made);
+  EXPECT_EQ(answer["revision"], 1);
+
+  ASSERT_EQ(connected.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+  const Json event = StreamEvent(received, "connection");
+  EXPECT_EQ(event["node"], "floor");
+  EXPECT_EQ(event["parameter"], "refl_color");
+  EXPECT_EQ(event["old"], nullptr);
+  EXPECT_EQ(event["new"], "kep_phen_texture.1");
+  EXPECT_EQ(event["created"], made);
+  EXPECT_EQ(event["origin"], "tab-a");
+  EXPECT_EQ(event["revision"], 1);
+  EXPECT_TRUE(StreamEvent(received, "write").is_null()) << received;
+
+  const Json document = server.GetJson("/api/document");
+  EXPECT_EQ(document["saved"], false);
+  bool listed = false;
+  for (const Json& node : document["nodes"]) {
+    if (node["id"] == "kep_phen_texture.1") listed = node["parent"] == "floor";
+    if (node["id"] == "floor") {
+      EXPECT_NE(node["subShaders"].dump().find("kep_phen_texture.1"), std::string::npos);
+    }
+  }
+  EXPECT_TRUE(listed) << document["nodes"];
+  server.Stop();
+  listener.join();
+}
+
+// Units that cannot be stored for later runs are not changed for this run either: the open
+// editors, built in the old unit, and the units answered stay in step.
+TEST(RshviewServe, AUnitsChangeThatCannotBeStoredChangesNothing) {
+  Scratch scratch;
+  // The preference file's folder is a file: nothing can be written there.
+  scratch.Write("blocker", "not a folder");
+  setenv("KEPRSH_PREFERENCES", scratch.Path("blocker/preferences.json").c_str(), 1);
+  Server server;
+  const auto before = server.Client().Get("/api/nodes/red_paint/editor");
+  ASSERT_TRUE(before);
+  auto refused =
+      server.Client().Put("/api/units", R"({"length": "cm", "persist": true})", "application/json");
+  ASSERT_TRUE(refused);
+  EXPECT_EQ(refused->status, 500) << refused->body;
+  EXPECT_NE(refused->body.find("blocker"), std::string::npos) << refused->body;
+  EXPECT_EQ(server.GetJson("/api/units")["length"]["unit"], "mm");
+  EXPECT_EQ(server.GetJson("/api/document")["units"]["length"], "mm");
+  const auto after = server.Client().Get("/api/nodes/red_paint/editor");
+  ASSERT_TRUE(after);
+  EXPECT_EQ(after->body, before->body);
+}
+
+// A chunked body that never ends is cut off: the server answers 413 and closes the connection
+// while the client is still sending, instead of reading for as long as it sends.
+TEST(RshviewServe, AChunkedBodyWithoutEndIsCutOff) {
+  Scratch scratch;
+  Server server;
+  const int fd = socket(AF_INET, SOCK_STREAM, 0);
+  timeval wait{10, 0};
+  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+  setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &wait, sizeof wait);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(server.Port()));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  std::atomic<bool> answered = false;
+  std::string reply;
+  std::thread reader([&] {
+    char buffer[4096];
+    for (ssize_t got; (got = recv(fd, buffer, sizeof buffer, 0)) > 0;) {
+      reply.append(buffer, static_cast<std::size_t>(got));
+      answered = true;
+    }
+  });
+  const std::string head =
+      "PUT /api/units HTTP/1.1\r\nHost: " + server.Address() +
+      "\r\nContent-Type: application/json\r\nTransfer-Encoding: chunked\r\n\r\n";
+  send(fd, head.data(), head.size(), MSG_NOSIGNAL);
+  const std::string chunk = "10000\r\n" + std::string(0x10000, ' ') + "\r\n";
+  constexpr std::size_t kCap = std::size_t{64} << 20;
+  std::size_t sent = 0;
+  while (sent < kCap && !answered &&
+         send(fd, chunk.data(), chunk.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(chunk.size()))
+    sent += chunk.size();
+  shutdown(fd, SHUT_WR);
+  reader.join();
+  close(fd);
+  EXPECT_LT(sent, kCap) << "the server read all that was sent";
+  EXPECT_EQ(StatusAndBody(reply).first, 413) << reply.substr(0, 200);
+  // The server still answers.
+  EXPECT_EQ(server.GetJson("/api/units")["length"]["unit"], "mm");
 }
 
 TEST(RshviewServe, AResetWritesTheLibraryDefaultAndRefusesWhatHasNone) {
@@ -420,6 +678,125 @@ TEST(RshviewServe, AnEditorFetchedAgainShowsWhatAnotherEditorWroteMeanwhile) {
   EXPECT_EQ(gloss(), std::pair(Json(45), Json(3)));
 }
 
+// Each tab works in editors of its own: one walking the classic editor into a sub-shader does not
+// change what another tab's label paths mean. An event carries the view of the tree it was made
+// on: it is refused once the editor shows other things there (units changed, walked elsewhere),
+// and played on an editor built afresh that shows the same (closed to make room, or a restart).
+TEST(RshviewServe, EachTabHasItsOwnEditorsAndAnEventIsPlayedOnlyOnTheViewItWasMadeOn) {
+  Scratch scratch;
+  Server server;
+  const auto call = [&](const std::string& client, const std::string& route, Json body) {
+    const httplib::Headers headers{{"X-Rshview-Client", client}};
+    auto result =
+        route.ends_with("editor")
+            ? server.Client().Get(("/api/nodes/" + route + "?editor=classic").c_str(), headers)
+            : server.Post("/api/nodes/" + route, body.dump(), headers);
+    return std::pair{result ? result->status : 0,
+                     result ? Json::parse(result->body, nullptr, false) : Json()};
+  };
+  const std::string floorView = call("tab-a", "floor/editor", {}).second["view"];
+  EXPECT_EQ(call("tab-b", "floor/editor", {}).second["view"], floorView) << "the same widgets";
+  const Json edit{{"editor", "classic"},
+                  {"view", floorView},
+                  {"action", "press"},
+                  {"path", "connectionMenu14/editItem"}};
+  const auto [walked, walkedAnswer] = call("tab-a", "floor/events", edit);
+  ASSERT_EQ(walked, 200) << walkedAnswer;
+  const std::string tilesView = walkedAnswer["view"];
+  EXPECT_NE(tilesView, floorView);
+  // Tab B still shows the floor: its label names the floor's own parameter.
+  const auto reset = [](const std::string& view) {
+    return Json{{"editor", "classic"}, {"path", "parameterLabel3"}, {"view", view}};
+  };
+  const auto [resetStatus, resetAnswer] = call("tab-b", "floor/reset", reset(floorView));
+  ASSERT_EQ(resetStatus, 200) << resetAnswer;
+  EXPECT_EQ(resetAnswer["reset"]["node"], "floor");
+  EXPECT_EQ(resetAnswer["view"], floorView) << "a value write changes no view";
+  EXPECT_EQ(call("tab-a", "floor/reset", reset(tilesView)).second["reset"]["node"], "floor.tiles");
+  // Made on the floor's rows, refused on the tiles', events and resets alike, doing nothing.
+  const Json before = server.GetJson("/api/document")["revision"];
+  const auto [walkedStale, walkedStaleAnswer] = call("tab-a", "floor/reset", reset(floorView));
+  EXPECT_EQ(walkedStale, 409);
+  EXPECT_EQ(walkedStaleAnswer["error"], "stale editor");
+  EXPECT_NE(walkedStaleAnswer["detail"].get<std::string>().find("fetch it again"),
+            std::string::npos);
+  Json slider{{"editor", "classic"},
+              {"view", floorView},
+              {"action", "set"},
+              {"path", "container/shaderFrame/parameterDialog2/scalarSlider"},
+              {"argument", "0.5"}};
+  EXPECT_EQ(call("tab-a", "floor/events", slider).first, 409);
+  EXPECT_EQ(server.GetJson("/api/document")["revision"], before);
+
+  // The units change builds every editor again, in other units: tab B's view is stale.
+  const Json revision = server.GetJson("/api/document")["revision"];
+  ASSERT_EQ(server.Client().Put("/api/units", R"({"length": "cm"})", "application/json")->status,
+            200);
+  EXPECT_EQ(call("tab-b", "floor/reset", reset(floorView)).first, 409);
+  EXPECT_EQ(server.GetJson("/api/document")["revision"].get<int>(), revision.get<int>() + 1)
+      << "only the units change";
+  const std::string cmView = call("tab-b", "floor/editor", {}).second["view"];
+  EXPECT_NE(cmView, floorView);
+  ASSERT_EQ(call("tab-b", "floor/reset", reset(cmView)).first, 200);
+
+  // The editor used longest ago is closed when a new one would pass the bound (tab A's, built
+  // first but used since, stays); an event on a closed one is played on one built afresh when it
+  // shows the same, refused otherwise.
+  Json editInCm = edit;
+  editInCm["view"] = cmView;
+  ASSERT_EQ(call("tab-a", "floor/events", editInCm).first, 200);
+  const std::string tilesCmView = call("tab-a", "floor/editor", {}).second["view"];
+  std::size_t opened = 0;
+  const auto open = [&](std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+      ASSERT_EQ(call("tab-c" + std::to_string(opened++), "floor/editor", {}).first, 200);
+  };
+  open(RshviewServeSession::kMaxOpenEditors - 2);
+  ASSERT_EQ(call("tab-a", "floor/editor", {}).first, 200);
+  open(1);
+  EXPECT_EQ(call("tab-a", "floor/reset", reset(tilesCmView)).first, 200) << "still walked";
+  open(RshviewServeSession::kMaxOpenEditors);
+  EXPECT_EQ(call("tab-b", "floor/reset", reset(cmView)).first, 200);
+  EXPECT_EQ(call("tab-a", "floor/reset", reset(tilesCmView)).first, 409);
+}
+
+// Another tab's connection adds rows to this tab's immersive editor: its next answer shows them
+// under another view, and a press made on the old rows is refused rather than undoing it.
+TEST(RshviewServe, AConnectionMadeInOneTabShowsInTheImmersiveEditorOfAnother) {
+  Scratch scratch;
+  Server server;
+  const auto editor = [&](const std::string& client) {
+    auto result = server.Client().Get("/api/nodes/floor/editor",
+                                      httplib::Headers{{"X-Rshview-Client", client}});
+    return result ? Json::parse(result->body) : Json();
+  };
+  const auto icon = [](const Json& answer) {
+    const Json* button = FindWidget(answer["editor"], [](const Json& w) {
+      return w["path"].is_string() &&
+             w["path"].get<std::string>().ends_with("/ParameterConnection6");
+    });
+    return button ? (*button)["state"]["icon"] : Json();
+  };
+  const Json before = editor("tab-a");
+  EXPECT_EQ(icon(before), "I_RmaConnect.png");
+  const Json press{{"action", "press"}, {"path", "ParameterConnection6"}};
+  auto made = server.Post("/api/nodes/floor/events", press.dump(), {{"X-Rshview-Client", "tab-b"}});
+  ASSERT_EQ(made->status, 200) << made->body;
+  ASSERT_EQ(Json::parse(made->body)["connections"].size(), 1u) << made->body;
+
+  const Json after = editor("tab-a");
+  EXPECT_EQ(icon(after), "I_RmaDisconnect.png");
+  EXPECT_NE(after["view"], before["view"]);
+  Json stale = press;
+  stale["view"] = before["view"];
+  EXPECT_EQ(
+      server.Post("/api/nodes/floor/events", stale.dump(), {{"X-Rshview-Client", "tab-a"}})->status,
+      409);
+  const Json floor = server.GetJson("/api/document")["nodes"][2];
+  ASSERT_EQ(floor["id"], "floor");
+  EXPECT_EQ(floor["subShaders"].size(), 2u) << floor["subShaders"] << ": the new one stays";
+}
+
 TEST(RshviewServe, AUnitsChangeRebuildsTheEditorsInTheNewUnit) {
   Scratch scratch;
   Server server;
@@ -489,6 +866,147 @@ TEST(RshviewServe, SaveWritesTheDocFileAtomicallyAndItReloads) {
       EXPECT_DOUBLE_EQ(parameter["value"].get<double>(), 0.6);
     }
   EXPECT_TRUE(found);
+}
+
+/// The glossiness of red_paint as `rshview params` reads it from `doc`, or -1.
+double GlossinessIn(const std::string& doc) {
+  const Outcome params =
+      Rshview({"params", "--doc", doc, "--node", "red_paint", "--format", "json"});
+  EXPECT_EQ(params.code, 0) << params.err;
+  if (params.code != 0) return -1;
+  const Json listed = Json::parse(params.out);
+  for (const Json& parameter : listed["parameters"])
+    if (parameter["name"] == "default_generic_brdf_diffuse_glossiness")
+      return parameter["value"].get<double>();
+  return -1;
+}
+
+TEST(RshviewServe, AStopKeepsUnsavedChangesInARecoveryFileThatTheNextStartNames) {
+  Scratch scratch;
+  // The working copy (no --doc): made on this first start.
+  const std::string doc = scratch.Path("data/showroom.rshdoc.json");
+  const std::string recovery = scratch.Path("data/showroom.unsaved.rshdoc.json");
+  std::string original;
+  {
+    Server server;
+    original = scratch.Read("data/showroom.rshdoc.json");
+    EXPECT_FALSE(server.GetJson("/api/document").contains("recovery"));
+    ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status,
+              200);
+    const Outcome& ended = server.Stop();
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_NE(ended.err.find("not written to " + doc + "; they are kept in " + recovery),
+              std::string::npos)
+        << ended.err;
+    EXPECT_NE(ended.err.find("mv " + recovery + " " + doc), std::string::npos) << ended.err;
+  }
+  // The document is as it was; the recovery file loads and holds the write.
+  EXPECT_EQ(scratch.Read("data/showroom.rshdoc.json"), original);
+  EXPECT_DOUBLE_EQ(GlossinessIn(recovery), 0.6);
+  EXPECT_DOUBLE_EQ(GlossinessIn(doc), 0.2);
+  const std::string kept = scratch.Read("data/showroom.unsaved.rshdoc.json");
+  const auto keptTime = fs::last_write_time(recovery);
+  {
+    Server server;
+    const Json document = server.GetJson("/api/document");
+    ASSERT_TRUE(document.contains("recovery")) << document.dump();
+    EXPECT_EQ(document["recovery"]["path"], recovery);
+    EXPECT_TRUE(std::regex_match(document["recovery"]["modified"].get<std::string>(),
+                                 std::regex(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ)")))
+        << document["recovery"];
+    // Changes made without taking the kept ones go to a second file: the first is not lost.
+    ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "45"))->status,
+              200);
+  }
+  const std::string second = scratch.Path("data/showroom.unsaved-2.rshdoc.json");
+  EXPECT_EQ(scratch.Read("data/showroom.unsaved.rshdoc.json"), kept);
+  EXPECT_DOUBLE_EQ(GlossinessIn(second), 0.45);
+  fs::last_write_time(second, keptTime + std::chrono::seconds(2));
+  {
+    Server server;
+    const Json document = server.GetJson("/api/document");
+    EXPECT_EQ(document["recovery"]["path"], second) << "the newest";
+    EXPECT_EQ(document["recovery"]["count"], 2);
+    // A save leaves the recovery file; a document newer than it ends the notice.
+    ASSERT_EQ(server.Post("/api/save", "")->status, 200);
+    fs::last_write_time(doc, keptTime + std::chrono::seconds(3));
+    EXPECT_FALSE(server.GetJson("/api/document").contains("recovery"));
+    // Without changes the stop writes nothing.
+    const Outcome& ended = server.Stop();
+    EXPECT_EQ(ended.code, 0) << ended.err;
+    EXPECT_NE(
+        ended.out.find("rshview: changes not saved when the server last stopped are in " + second),
+        std::string::npos)
+        << ended.out;
+    EXPECT_EQ(ended.err.find("unsaved"), std::string::npos) << ended.err;
+  }
+  EXPECT_EQ(scratch.Read("data/showroom.unsaved.rshdoc.json"), kept);
+  EXPECT_EQ(fs::last_write_time(recovery), keptTime);
+  // The document saved since says nothing of the kept changes: the next stop writes beside them.
+  {
+    Server server;
+    ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "30"))->status,
+              200);
+  }
+  EXPECT_EQ(scratch.Read("data/showroom.unsaved.rshdoc.json"), kept);
+  EXPECT_DOUBLE_EQ(GlossinessIn(second), 0.45);
+  EXPECT_DOUBLE_EQ(GlossinessIn(scratch.Path("data/showroom.unsaved-3.rshdoc.json")), 0.3);
+}
+
+TEST(RshviewServe, ARecoveryFileGoesToAFreeNameAndOneThatCannotBeWrittenFailsTheStop) {
+  Scratch scratch;
+  const auto copyOfTheSample = [&](const std::string& doc) {
+    const Outcome copy = Rshview(
+        {"drive", "--node", "red_paint", "--save", doc, scratch.Write("empty.txt", "# nothing\n")});
+    EXPECT_EQ(copy.code, 0) << copy.err;
+  };
+  // Something of another kind in the first name's place is left alone, and found past the gap.
+  const std::string doc = scratch.Path("mine.rshdoc.json");
+  copyOfTheSample(doc);
+  const std::string taken = scratch.Path("mine.unsaved.rshdoc.json");
+  fs::create_directories(fs::path(taken) / "inside");
+  {
+    // A change put back leaves nothing to keep.
+    Server server({"--doc", doc});
+    for (const char* value : {"60", "20"})
+      ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, value))->status,
+                200);
+    const Outcome& ended = server.Stop();
+    EXPECT_NE(ended.err.find("nothing to keep"), std::string::npos) << ended.err;
+  }
+  EXPECT_FALSE(fs::exists(scratch.Path("mine.unsaved-2.rshdoc.json")));
+  {
+    Server server({"--doc", doc});
+    ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status,
+              200);
+    EXPECT_EQ(server.Stop().code, 0);
+  }
+  const std::string recovery = scratch.Path("mine.unsaved-2.rshdoc.json");
+  EXPECT_DOUBLE_EQ(GlossinessIn(recovery), 0.6);
+  EXPECT_TRUE(fs::is_directory(fs::path(taken) / "inside"));
+  {
+    Server server({"--doc", doc});
+    const Json document = server.GetJson("/api/document");
+    EXPECT_EQ(document["recovery"]["path"], recovery) << document.dump();
+    EXPECT_EQ(document["recovery"]["count"], 1);
+  }
+
+  // The document's folder went away while the server ran: the changes cannot be kept.
+  const std::string gone = scratch.Path("gone/mine.rshdoc.json");
+  fs::create_directories(fs::path(gone).parent_path());
+  copyOfTheSample(gone);
+  Server server({"--doc", gone});
+  ASSERT_EQ(server.Post("/api/nodes/red_paint/events", EventBody(kGlossSlider, "60"))->status, 200);
+  fs::remove_all(fs::path(gone).parent_path());
+  const Outcome& ended = server.Stop();
+  EXPECT_EQ(ended.code, 1);
+  EXPECT_NE(ended.err.find("could not be kept in " + scratch.Path("gone/mine.unsaved.rshdoc.json")),
+            std::string::npos)
+      << ended.err;
+  EXPECT_NE(ended.err.find("warning: the changes since the last save were not written to " + gone),
+            std::string::npos)
+      << ended.err;
+  EXPECT_NE(ended.out.find("rshview: stopped"), std::string::npos);
 }
 
 TEST(RshviewServe, TheEventStreamDeliversAWriteToAnotherClientAndEndsAtStop) {
@@ -573,6 +1091,7 @@ TEST(RshviewServe, RefusedRequestsAnswerTheirErrorAndChangeNothing) {
       {"unknown route", client.Get("/api/nothing"), 404, "/api/nothing"},
       {"unknown node", server.Post("/api/nodes/nope/events", set), 404, "'nope'"},
       {"unknown editor", client.Get("/api/nodes/red_paint/editor?editor=fancy"), 400, "fancy"},
+      {"bad compact", client.Get("/api/nodes/red_paint/editor?compact=yes"), 400, "'yes'"},
       {"bad client id", server.Post(events, set, {{"X-Rshview-Client", "a b"}}), 400,
        "X-Rshview-Client"},
       {"bad preview size", client.Get("/api/nodes/red_paint/preview.png?size=9999"), 400, "9999"},

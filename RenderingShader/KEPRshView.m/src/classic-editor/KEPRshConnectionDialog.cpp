@@ -112,9 +112,7 @@ void KEPRshConnectionDialog::AddReusable(KEPIRshShader* node, const KEPString& p
   // The parameter's own node, and any node from which the parameter is reached, would close a
   // cycle.
   if (node == owner_.Get() || KEPRshShaderTree::Reaches(node, parameter_.Get())) return;
-  KEPString nodeType;
-  if (FAILED(node->GetTypeName(nodeType))) nodeType.clear();
-  if (!TypeFits(parameterType, nodeType)) return;
+  if (!TypeFits(parameterType, KEPRshShaderTree::ConnectionType(node))) return;
 
   std::vector<KEP_var<KEPIRshParameter>> pointing;
   if (FAILED(node->GetPointingComponents(pointing))) pointing.clear();
@@ -149,15 +147,21 @@ bool KEPRshConnectionDialog::Connect() {
         FAILED(manager->CreateShader(typeNames_[index], support_.Get(), *chosen.Out())) || !chosen)
       return false;
     // The new node belongs to the material whose tree it joins, and is saved under its root.
-    const KEP_var<KEPIRshShader> root = KEPRshShaderTree::RootShader(owner_.Get());
-    if (const auto holder = KEPQueryVar<KEPIRshSubShaders>(root))
-      holder->AddSubShader(chosen.Get());
+    const KEP_var<KEPIRshShader> root =
+        holder_ ? holder_ : KEPRshShaderTree::RootShader(owner_.Get());
+    const auto holder = KEPQueryVar<KEPIRshSubShaders>(root);
+    if (!holder || FAILED(holder->AddSubShader(chosen.Get())))
+      KEPModuleTrace::Trace(2, "(KEPRshConnectionDialog::OkCB) New node not held by the root\n");
   } else if (index - typeNames_.size() < reusable_.size()) {
     chosen = reusable_[index - typeNames_.size()];
   }
   if (!chosen) return false;
   const KEPRdgRenderLock lock;
-  return SUCCEEDED(parameter_->SetConnectedShader(chosen.Get()));
+  if (SUCCEEDED(parameter_->SetConnectedShader(chosen.Get()))) return true;
+  // The support offers no removal: a node made here that cannot be connected stays unused.
+  if (index < typeNames_.size())
+    KEPModuleTrace::Trace(2, "(KEPRshConnectionDialog::OkCB) New node made but not connected\n");
+  return false;
 }
 
 void KEPRshConnectionDialog::OkCB(KEPDialog*, KEPNotification*, KEPDlgClientData) {

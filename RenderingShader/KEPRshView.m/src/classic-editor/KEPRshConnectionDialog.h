@@ -43,6 +43,10 @@ class KEPRshConnectionDialog : public KEPDlgDialog {
   /// The reusable nodes, in line order after the types.
   const std::vector<KEP_var<KEPIRshShader>>& GetReusableShaders() const { return reusable_; }
 
+  /// The node that holds a node the dialog makes, so that the document saves it there. Without
+  /// one, the root of the tree the parameter's node belongs to.
+  void SetHolder(KEPIRshShader* holder) { holder_ = KEP_var<KEPIRshShader>(holder); }
+
   /// The style bits the dialog adds to its caller's.
   static constexpr int kStyleBits = 0x2240200;
 
@@ -61,7 +65,8 @@ class KEPRshConnectionDialog : public KEPDlgDialog {
 
   KEP_var<KEPIRshShaderSupport> support_;
   KEP_var<KEPIRshParameter> parameter_;
-  KEP_var<KEPIRshShader> owner_;  ///< the node owning the parameter
+  KEP_var<KEPIRshShader> owner_;   ///< the node owning the parameter
+  KEP_var<KEPIRshShader> holder_;  ///< see SetHolder
   std::vector<KEPString> typeNames_;
   std::vector<KEP_var<KEPIRshShader>> reusable_;
   KEPDlgLineList* chooser_ = nullptr;

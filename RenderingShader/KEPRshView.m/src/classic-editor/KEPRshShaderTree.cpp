@@ -5,6 +5,7 @@
 
 #include "KEPBaseUnknown.h"
 #include "KEPIAlias.h"
+#include "KEPIRshShaderOutput.h"
 #include "KEPISpecObject.h"
 #include "KEPListP.h"
 
@@ -71,6 +72,15 @@ bool KEPRshShaderTree::Reaches(KEPIRshShader* from, KEPIRshParameter* target) {
     if (found) return true;
   }
   return false;
+}
+
+KEPString KEPRshShaderTree::ConnectionType(KEPIRshShader* node) {
+  if (!node) return {};
+  KEPString type;
+  if (const KEP_var<KEPIRshShaderOutput> output = KEPQueryVar<KEPIRshShaderOutput>(node))
+    if (SUCCEEDED(output->GetOutputType(type))) return type;
+  if (FAILED(node->GetTypeName(type))) type.clear();
+  return type;
 }
 
 KEPUnicodeString KEPRshShaderTree::Alias(KEPIUnknown* object, const KEPUnicodeString& fallback) {

@@ -1,6 +1,7 @@
 // KEPRshShaderTree: what the editors need to know of the tree of shader nodes around a parameter:
 // the node that owns it, the shader support (the document) above it, the root shader of the
-// material, and whether a parameter can be reached from a node through connections.
+// material, whether a parameter can be reached from a node through connections, and the type a
+// node is matched by when it is offered for reuse.
 #pragma once
 
 #include "KEPIRshParameter.h"
@@ -22,6 +23,10 @@ class KEPRshShaderTree {
   /// connections, depth first. Each node is walked once and the walk is bounded, so a model that
   /// already holds a cycle, or shares nodes, cannot make it hang.
   static bool Reaches(KEPIRshShader* from, KEPIRshParameter* target);
+  /// The type that decides which parameters `node` may be connected to: the feature type of its
+  /// output when the node answers one (KEPIRshShaderOutput, possibly ""), else its type name, so
+  /// that a host without outputs keeps comparing type names.
+  static KEPString ConnectionType(KEPIRshShader* node);
   /// What a person knows `object` by: its alias when it has one, else `fallback`.
   static KEPUnicodeString Alias(KEPIUnknown* object, const KEPUnicodeString& fallback = {});
 };

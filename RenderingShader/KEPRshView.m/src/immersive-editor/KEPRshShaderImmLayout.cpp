@@ -19,6 +19,7 @@
 #include "KEPRshLayoutParameter.h"
 #include "KEPRshParameterGrouping.h"
 #include "KEPRshParameterOrdering.h"
+#include "KEPRshQuickReuse.h"
 #include "KEPRshShaderImmLayoutSource.h"
 #include "KEPRshShaderManager.h"
 #include "KEPRshShaderTree.h"
@@ -258,12 +259,14 @@ void KEPRshShaderImmLayout::ShowConnectionState(const ConnectionRow& row) {
   if (connected && FAILED(connected->GetId(connectedId))) connectedId.clear();
   row.connectedShaderWidget->SetLabel(connected ? DisplayName(connected.Get(), connectedId)
                                                 : KEPUnicodeString::FromUTF8(kNoShaderConnected));
+  // The expander is folded and hidden before its old content goes, and the row's value widget
+  // follows last: whoever listens to the expander sees the row as it was until then.
+  row.connectedShaderWidget->SetExpanded(false);
+  row.connectedShaderWidget->SetVisibility(static_cast<bool>(connected));
   row.connectedShaderLayout->DeleteChildren();
   // A connected sub-shader drives the parameter: its own editor shows below the row, and the
   // row's value widget waits until it is disconnected.
   if (row.widget) row.widget->SetSensitivity(!connected);
-  row.connectedShaderWidget->SetExpanded(false);
-  row.connectedShaderWidget->SetVisibility(static_cast<bool>(connected));
   if (!connected) return;
   std::vector<KEPIRshShader*>& inBuild = ShadersInBuild();
   if (std::find(inBuild.begin(), inBuild.end(), connected.Get()) != inBuild.end()) return;
@@ -308,6 +311,10 @@ void KEPRshShaderImmLayout::OnConnectionPressed(ConnectionRow& row) {
                    "( layout_connected_shader != NULL ) && \"No parameter connected shader set in "
                    "callback datas for connected shader\"",
                    KEPRshShaderImmLayoutSource);
+  // A press is the user's latest word on the row: a dialog still open for it is released first,
+  // so that its OK cannot later overwrite what this press connects or disconnects. Ignoring the
+  // press instead would leave a button that seems dead while its dialog may be out of sight.
+  ReleaseDialog(row);
   KEPIRshShader* connected = nullptr;
   const HRESULT hr = row.parameter->GetConnectedShader(connected);
   const auto hold = KEP_var<KEPIRshShader>::Adopt(connected);
@@ -319,9 +326,9 @@ void KEPRshShaderImmLayout::OnConnectionPressed(ConnectionRow& row) {
 }
 
 void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
-  const KEP_var<KEPIRshShaderSupport> support = KEPRshShaderTree::FindShaderSupport(shader_.Get());
-  std::vector<KEP_var<KEPIRshShader>> shaders;
-  if (!support || FAILED(support->GetShaders(shaders))) shaders.clear();
+  // Quick reuse looks in the edited tree only; the dialog offers the whole document.
+  const std::vector<KEP_var<KEPIRshShader>> shaders =
+      KEPRshQuickReuse::HeldNodes(EditedRoot().Get());
   for (const KEP_var<KEPIRshShader>& current_shader : shaders)
     KEP_ASSERT_FATAL(static_cast<bool>(current_shader),
                      "( current_shader != NULL ) && \"Fetched sub-shaders are not KEPIRshShader\"",
@@ -342,39 +349,9 @@ void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
                    "connection callback should not have been accesssible in the first place\"",
                    KEPRshShaderImmLayoutSource);
 
-  // A node that exactly one other parameter uses may be shared with this one.
-  KEP_var<KEPIRshShader> reusable;
-  for (const KEP_var<KEPIRshShader>& shader_node : shaders) {
-    KEP_ASSERT_FATAL(static_cast<bool>(shader_node),
-                     "( shader_node != NULL ) && \"Shader node is not a KEPIRshShader\"",
-                     KEPRshShaderImmLayoutSource);
-    const auto* shader_node_feature = dynamic_cast<const KEPBaseUnknown*>(shader_node.Get());
-    KEP_ASSERT_FATAL(shader_node_feature != nullptr,
-                     "( shader_node_feature != NULL_var ) && \"Shader Node is not a feature\"",
-                     KEPRshShaderImmLayoutSource);
-    KEPString nodeType;
-    if (FAILED(shader_node->GetTypeName(nodeType))) nodeType.clear();
-    if (!(nodeType == parameterType || parameterType.empty() ||
-          (parameterType == "KEPRmaVector" && nodeType == "KEPRmaVoid")))
-      continue;
-    std::vector<KEP_var<KEPIRshParameter>> pointing;
-    if (FAILED(shader_node->GetPointingComponents(pointing))) pointing.clear();
-    int others = 0;
-    for (const KEP_var<KEPIRshParameter>& pointed : pointing) {
-      KEP_ASSERT_FATAL(static_cast<bool>(pointed),
-                       "( pointed != NULL ) && \"Pointed Component is NULL\"",
-                       KEPRshShaderImmLayoutSource);
-      if (pointed.Get() != row.parameter) ++others;
-    }
-    if (others != 1) continue;
-    bool excluded = false;
-    if (FAILED(support->IsConnectionExcluded(row.parameter, shader_node.Get(), excluded)) ||
-        excluded)
-      continue;
-    reusable = shader_node;
-    break;
-  }
-
+  const KEP_var<KEPIRshShaderSupport> support = KEPRshShaderTree::FindShaderSupport(shader_.Get());
+  const KEP_var<KEPIRshShader> reusable =
+      KEPRshQuickReuse::Find(shaders, row.parameter, parameterType, support.Get());
   const bool oneType = types.size() == 1;
   if (static_cast<bool>(reusable) == oneType) {
     OpenConnectionDialog(row, support.Get());
@@ -387,15 +364,36 @@ void KEPRshShaderImmLayout::Connect(ConnectionRow& row) {
   }
 }
 
+KEP_var<KEPIRshShader> KEPRshShaderImmLayout::EditedRoot() const {
+  KEP_var<KEPIRshShader> root = KEPRshShaderTree::RootShader(shader_.Get());
+  if (root.Get() != shader_.Get()) return root;
+  // No node holds the edited one: when it is shown below a row of another node, the tree is that
+  // editor's. Widget fathers never form a cycle.
+  const KEPRshShaderImmLayout* outermost = this;
+  for (const KEPVidWidget* widget = GetFather(); widget; widget = widget->GetFather())
+    if (const auto* editor = dynamic_cast<const KEPRshShaderImmLayout*>(widget)) outermost = editor;
+  if (outermost != this) root = KEPRshShaderTree::RootShader(outermost->shader_.Get());
+  return root;
+}
+
+void KEPRshShaderImmLayout::ReleaseDialog(ConnectionRow& row) {
+  KEPRshConnectionDialog* old = row.dialog;
+  if (!old) return;
+  if (row.dialogMode)
+    trace_.Info("Connection dialog given up for a new press { parameter row = %s }",
+                row.connector->GetName().c_str());
+  row.dialog = nullptr;
+  row.dialogMode = false;
+  old->SetVisibility(KEPDlgHide);
+  old->SetFather(nullptr);
+  old->Release();
+}
+
 void KEPRshShaderImmLayout::OpenConnectionDialog(ConnectionRow& row,
                                                  KEPIRshShaderSupport* support) {
-  if (KEPRshConnectionDialog* old = row.dialog) {
-    // A new press replaces the row's earlier dialog.
-    row.dialog = nullptr;
-    old->SetFather(nullptr);
-    old->Release();
-  }
+  ReleaseDialog(row);
   auto* dialog = new KEPRshConnectionDialog(nullptr, "connectionDialog", 0, support, row.parameter);
+  dialog->SetHolder(EditedRoot().Get());
   dialog->SetFather(this);
   row.dialog = dialog;
   row.dialogMode = true;
@@ -404,17 +402,19 @@ void KEPRshShaderImmLayout::OpenConnectionDialog(ConnectionRow& row,
   const KEPBaseUnknown_WR editor(this);
   ConnectionRow* data = &row;
   dialog->AddCallback(dialog, dialog->GetDoneNotification(),
-                      [editor, data](KEPDialog*, KEPNotification*, KEPDlgClientData) {
+                      [editor, data, dialog](KEPDialog*, KEPNotification*, KEPDlgClientData) {
                         auto* self = dynamic_cast<KEPRshShaderImmLayout*>(editor.Get());
-                        if (!self) return;
+                        // A dialog the row gave up has no say over it any more.
+                        if (!self || data->dialog != dialog) return;
                         data->dialogMode = false;
+                        const KEPRdgRenderLock lock;
                         self->ShowConnectionState(*data);
                       });
   dialog->SetVisibility(KEPDlgShow);
 }
 
 void KEPRshShaderImmLayout::ConnectNew(ConnectionRow& row, const KEPString& type) {
-  const KEP_var<KEPIRshShader> root = KEPRshShaderTree::RootShader(shader_.Get());
+  const KEP_var<KEPIRshShader> root = EditedRoot();
   const auto* root_shader_feature = dynamic_cast<const KEPBaseUnknown*>(root.Get());
   KEP_ASSERT_FATAL(root_shader_feature != nullptr,
                    "( root_shader_feature != NULL_var ) && \"Root shader is not a feature\"",
@@ -431,19 +431,30 @@ void KEPRshShaderImmLayout::ConnectNew(ConnectionRow& row, const KEPString& type
     trace_.Warning("Shader not created { type = %s }", type.c_str());
     return;
   }
-  if (const auto holder = KEPQueryVar<KEPIRshSubShaders>(root)) holder->AddSubShader(created.Get());
-  WriteConnection(row, created.Get());
+  KEPString createdId;
+  if (FAILED(created->GetId(createdId))) createdId.clear();
+  // The root holds the node, so that the document saves it with the material it was made for.
+  const auto holder = KEPQueryVar<KEPIRshSubShaders>(root);
+  const HRESULT held = holder ? holder->AddSubShader(created.Get()) : E_NOINTERFACE;
+  if (FAILED(held))
+    trace_.Warning("Shader not held by the root { shader = %s, result = %s }", createdId.c_str(),
+                   KEPResultName(held));
+  // The support offers no removal: a node it made that cannot be connected stays unused in the
+  // document, and the trace names it.
+  if (FAILED(WriteConnection(row, created.Get())))
+    trace_.Warning("Shader made but not connected, left unused { shader = %s, type = %s }",
+                   createdId.c_str(), type.c_str());
 }
 
-void KEPRshShaderImmLayout::WriteConnection(ConnectionRow& row, KEPIRshShader* shader) {
-  HRESULT written = E_FAIL;
-  {
-    const KEPRdgRenderLock lock;
-    written = row.parameter->SetConnectedShader(shader);
-  }
+HRESULT KEPRshShaderImmLayout::WriteConnection(ConnectionRow& row, KEPIRshShader* shader) {
+  // One change from the write until the row shows it: a render thread waits until the row and
+  // the sub-editor it builds match the parameter. The lock is re-entrant.
+  const KEPRdgRenderLock lock;
+  const HRESULT written = row.parameter->SetConnectedShader(shader);
   if (FAILED(written))
     trace_.Warning(shader ? "Connection refused { parameter row = %s, result = %s }"
                           : "Disconnection refused { parameter row = %s, result = %s }",
                    row.connector->GetName().c_str(), KEPResultName(written));
   ShowConnectionState(row);
+  return written;
 }

@@ -84,14 +84,21 @@ class KEPRshShaderImmLayout : public KEPVidLayGrid {
   /// node made new, a node reused, or opens the connection dialog when there is a choice.
   void OnConnectionPressed(ConnectionRow& row);
   void Connect(ConnectionRow& row);
+  /// The root of the tree this editor edits: the top of the edited node's holders; for a node that
+  /// the document holds itself, shown below another node's row, the root of the outermost
+  /// editor's node.
+  KEP_var<KEPIRshShader> EditedRoot() const;
   /// Opens the connection dialog for the row; the row refreshes when the dialog is done.
   void OpenConnectionDialog(ConnectionRow& row, KEPIRshShaderSupport* support);
-  /// Makes a node of `type` in the root shader's container, held by the root shader, and connects
+  /// Detaches and releases the row's dialog, open or done; nothing without one.
+  void ReleaseDialog(ConnectionRow& row);
+  /// Makes a node of `type` in the root's container, held by the edited tree's root, and connects
   /// it; a failed creation leaves the row as it was.
   void ConnectNew(ConnectionRow& row, const KEPString& type);
-  /// Connects `shader` to the row's parameter (null disconnects) under the render lock, traces a
-  /// refusal, and shows the connection the parameter then holds.
-  void WriteConnection(ConnectionRow& row, KEPIRshShader* shader);
+  /// Connects `shader` to the row's parameter (null disconnects) and shows the connection the
+  /// parameter then holds, both under one render lock; traces a refusal. Returns the write's
+  /// result.
+  HRESULT WriteConnection(ConnectionRow& row, KEPIRshShader* shader);
   /// Writes 1 (collapsed) or 0 (expanded) under the preference key of the sender's group and
   /// commits the repository.
   void OnGroupToggled(KEPVidWidget* sender, bool collapsed) const;

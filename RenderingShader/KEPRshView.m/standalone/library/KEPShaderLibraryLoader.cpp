@@ -62,13 +62,15 @@ class Reader {
         Text(member, key, type.label);
       } else if (key == "kind") {
         Kind(member, type);
+      } else if (key == "output") {
+        Output(member, type);
       } else if (key == "parameters") {
         sawParameters = true;
         Parameters(member, type);
       } else {
         Error(member, key,
               "unknown key in shader type '" + name +
-                  "' (expected configuration, label, kind, parameters)");
+                  "' (expected configuration, label, kind, output, parameters)");
       }
     }
     if (!sawParameters) Error(json, name, "shader type without 'parameters'");
@@ -84,6 +86,21 @@ class Reader {
       type.isTexture = true;
     else if (kind != "material")
       Error(json, "kind", "'" + kind + "' is not a shader kind (expected material or texture)");
+  }
+
+  // The feature type a node of the type yields when connected, or "" for a node that fits any
+  // parameter. Reuse of nodes is decided by it, so a wrong name is refused rather than kept.
+  void Output(const KEPJsonValue& json, KEPHostShaderTypeDefinition& type) {
+    const std::string key = "shaderTypes." + type.name + ".output";
+    std::string output;
+    if (!Text(json, key, output)) return;
+    if (!output.empty() && !KEPRmaTypeFromName(output))
+      return Error(json, key,
+                   "'" + output +
+                       "' is not a feature type (expected KEPRmaBoolean, KEPRmaInteger, "
+                       "KEPRmaScalar, KEPRmaColor, KEPRmaVector, KEPRmaTexture, "
+                       "KEPRmaLightProfile, KEPRmaVoid or \"\")");
+    type.output = std::move(output);
   }
 
   void Parameters(const KEPJsonValue& json, KEPHostShaderTypeDefinition& type) {
@@ -205,6 +222,7 @@ class Reader {
           continue;
         }
         KEPHostConnectableEntry entry;
+        entry.line = item.line;
         for (const auto& [key, member] : item.members) {
           if (key == "type")
             Text(member, key, entry.type);

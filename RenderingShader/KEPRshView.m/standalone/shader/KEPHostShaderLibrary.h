@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,12 +23,17 @@ struct KEPHostShaderTypeDefinition {
   /// A texture shader: its nodes supply a texture image and its placement to the material they
   /// are connected to (late type "KEPRshTextureShader"), and answer the viewer's questions.
   bool isTexture = false;
+  /// The feature type a node of this type yields when it is connected ("KEPRmaColor"), "" for a
+  /// node that fits any parameter; none when the library does not say, and then nodes of the type
+  /// are never offered for reuse.
+  std::optional<std::string> output;
   std::vector<KEPHostParameterDefinition> parameters;
 };
 
 struct KEPHostConnectableEntry {
   std::string type;
   std::string label;
+  int line = 0;  ///< where library.json lists it (0 for a library built in memory)
 };
 
 class KEPHostShaderLibrary {

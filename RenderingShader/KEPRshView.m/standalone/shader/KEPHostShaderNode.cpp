@@ -42,6 +42,12 @@ HRESULT KEPHostShaderNode::GetTypeName(KEPString& typeName) {
   return S_OK;
 }
 
+HRESULT KEPHostShaderNode::GetOutputType(KEPString& featureType) {
+  if (!type_.output) return E_NOTIMPL;
+  featureType = *type_.output;
+  return S_OK;
+}
+
 HRESULT KEPHostShaderNode::GetConfigurationId(KEPString& configurationId) {
   configurationId = type_.configurationId;
   return S_OK;

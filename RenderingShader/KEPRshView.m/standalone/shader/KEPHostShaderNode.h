@@ -12,6 +12,7 @@
 #include "KEPIRshParameter.h"
 #include "KEPIRshParameterPrivate.h"
 #include "KEPIRshShader.h"
+#include "KEPIRshShaderOutput.h"
 #include "KEPIRshShaderPrivate.h"
 #include "KEPIRshShaderResources.h"
 #include "KEPIRshSubShaders.h"
@@ -96,7 +97,8 @@ class KEPHostShaderNode : public KEPBaseUnknown,
                           public KEPIRshShaderPrivate,
                           public KEPISpecObject,
                           public KEPIAlias,
-                          public KEPIRshSubShaders {
+                          public KEPIRshSubShaders,
+                          public KEPIRshShaderOutput {
   KEP_DECLARE_CLASS
  public:
   /// A new node of `type` with the type's default values and one reference for the caller.
@@ -123,6 +125,8 @@ class KEPHostShaderNode : public KEPBaseUnknown,
   // KEPIRshSubShaders: the nodes of the document whose father is this node
   HRESULT GetSubShaders(std::vector<KEP_var<KEPIRshShader>>& shaders) override;
   HRESULT AddSubShader(KEPIRshShader* shader) override;
+  // KEPIRshShaderOutput: the type's declared output; E_NOTIMPL when it declares none
+  HRESULT GetOutputType(KEPString& featureType) override;
 
   /// True when `target` is a parameter of this node or of a node reached from this one through
   /// connections, depth first. Each node is walked once, so a cycle already in the model ends the

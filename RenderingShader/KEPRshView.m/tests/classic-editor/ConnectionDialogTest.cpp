@@ -1,6 +1,7 @@
 // The connection dialog: its lines (new types first, then the nodes other parameters use), what
 // it never offers, OK sensitivity, the title, what OK, Cancel and the close box do, and the
 // classic frame that opens it from a row's button or menu item.
+#include <functional>
 #include <random>
 
 #include "ClassicTestSupport.h"
@@ -15,6 +16,7 @@
 #include "KEPRshConnectionDialog.h"
 #include "KEPRshConnectionDoneNotification.h"
 #include "KEPRshModelEvents.h"
+#include "KEPRshShaderTree.h"
 
 namespace keptest {
 namespace {
@@ -64,6 +66,7 @@ TEST_F(ConnectionDialogTest, LinesAreNewTypesThenNodesOthersUseNeverOnesThatClos
     KEPHostShaderNode* ConnectionDocument::*node;
     const char* parameter;
     std::vector<std::string> lines;
+    std::function<void(World&, ConnectionDocument&)> arrange = nullptr;
   };
   const Case cases[] = {
       // Mixed only serves the edited parameter; Inner and Outer reach it; Lonely serves nothing.
@@ -77,6 +80,11 @@ TEST_F(ConnectionDialogTest, LinesAreNewTypesThenNodesOthersUseNeverOnesThatClos
        "tint",
        {"Colour map (new)", "Texture (new)", "Outer (Metal:extra)", "Inner (Outer:input)",
         "Mixed (Glass:tint)", "Noise (Glass:other, Metal:other)"}},
+      // The edited parameter is left out of the users of a node it also uses.
+      {&ConnectionDocument::glass,
+       "other",
+       {"Colour map (new)", "Texture (new)", "Mixed (Glass:tint)", "Tiles (Metal:tint)",
+        "Noise (Metal:other)"}},
       // A slot takes nodes answering vectors.
       {&ConnectionDocument::glass, "slot", {"Bump (new)", "Bumps (Metal:slot)"}},
       // Inner's input: Glass reaches it through nothing, but Outer does (it is connected to Inner).
@@ -84,11 +92,25 @@ TEST_F(ConnectionDialogTest, LinesAreNewTypesThenNodesOthersUseNeverOnesThatClos
        "input",
        {"Colour map (new)", "Texture (new)", "Mixed (Glass:tint)", "Tiles (Metal:tint)",
         "Noise (Glass:other, Metal:other)"}},
+      // A node whose output is empty fits any parameter, a slot as well as a colour (last: it
+      // adds a node to the document).
+      {&ConnectionDocument::glass,
+       "slot",
+       {"Bump (new)", "Bumps (Metal:slot)", "Wild (Metal:amount)"},
+       [](World& w, ConnectionDocument& d) {
+         w.Add(Type("any_map").Output("").Param("gain", Scalar(1)));
+         KEPHostShaderNode* wild = w.Node("any_map", "Wild");
+         wild->SetAlias(KEPUnicodeString::FromUTF8("Wild"));
+         EXPECT_EQ(w.Param(d.metal, "amount")->SetConnectedShader(wild), S_OK);
+       }},
   };
   for (const Case& c : cases) {
+    if (c.arrange) c.arrange(TheWorld(), d_);
     KEPRshConnectionDialog* dialog = Open(d_.*c.node, c.parameter);
     ASSERT_NE(dialog->GetChooser(), nullptr);
     EXPECT_EQ(dialog->GetChooser()->GetName(), "shaderSelector");
+    EXPECT_EQ(dialog->GetChooser()->GetVisibleTextWidth(), 20);
+    EXPECT_EQ(dialog->GetChooser()->GetGridAttachment() & KEPDlgGridAll, KEPDlgGridAll);
     EXPECT_EQ(Lines(dialog->GetChooser()), c.lines) << c.parameter;
     EXPECT_EQ(dialog->GetChooser()->GetSelect(), 0);
     EXPECT_EQ(dialog->GetOKSensitivity(), KEPDlgEnable);
@@ -126,27 +148,72 @@ TEST_F(ConnectionDialogTest, NothingToOfferLeavesOKInsensitiveAndAMissingReferen
   EXPECT_EQ(done_, std::vector<bool>{false});
 }
 
+// OK is sensitive exactly while one line is selected, in both kinds of chooser; with nothing to
+// make new, no line starts selected even when there are nodes to reuse.
+TEST_F(ConnectionDialogTest, OKFollowsTheSelectionInBothChoosers) {
+  struct Case {
+    KEPRshConnectionDialog::Chooser chooser;
+    bool typesToMake;
+  };
+  const Case cases[] = {{KEPRshConnectionDialog::Chooser::Selector, true},
+                        {KEPRshConnectionDialog::Chooser::Combo, true},
+                        {KEPRshConnectionDialog::Chooser::Selector, false},
+                        {KEPRshConnectionDialog::Chooser::Combo, false}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(
+        std::string(c.chooser == KEPRshConnectionDialog::Chooser::Combo ? "combo" : "selector") +
+        (c.typesToMake ? ", types to make" : ", reuse only"));
+    if (!c.typesToMake) TheWorld().Connectable("KEPRmaColor", {});
+    KEPRshConnectionDialog* dialog = Open(d_.glass, "tint", c.chooser);
+    KEPDlgLineList* chooser = dialog->GetChooser();
+    ASSERT_NE(chooser, nullptr);
+    const int reuseLine = c.typesToMake ? 2 : 0;
+    EXPECT_EQ(chooser->GetLine(reuseLine).ToUTF8(), "Tiles (Metal:tint)");
+    EXPECT_EQ(chooser->GetSelect(), c.typesToMake ? 0 : -1);
+    EXPECT_EQ(dialog->GetOKSensitivity(), c.typesToMake ? KEPDlgEnable : KEPDlgDisable);
+    dialog->SetVisibility(KEPDlgShow);
+    ASSERT_EQ(Inject(chooser, KEPVidAction::Select, std::to_string(reuseLine)), S_OK);
+    EXPECT_EQ(dialog->GetOKSensitivity(), KEPDlgEnable);
+    chooser->SetSelect(-1, 1);  // the user clears the selection
+    EXPECT_EQ(dialog->GetOKSensitivity(), KEPDlgDisable);
+    ASSERT_EQ(Inject(chooser, KEPVidAction::Select, std::to_string(reuseLine)), S_OK);
+    ASSERT_EQ(Inject(dialog, KEPVidAction::Ok), S_OK);
+    KEPString id;
+    ConnectedTo(d_.glass, "tint")->GetId(id);
+    EXPECT_EQ(id, "Tiles");
+    ASSERT_EQ(TheWorld().Param(d_.glass, "tint")->SetConnectedShader(d_.mixed), S_OK);
+  }
+}
+
 TEST_F(ConnectionDialogTest, OKConnectsTheChosenLineBetweenABeginAndAnEnd) {
   std::vector<std::string> heard;
   const int token = KEPRshModelEvents::AddShaderModifyObserver(
       [&](const KEPRbaShaderModifyNotification& n, bool begin) {
         heard.push_back(std::string(begin ? "begin " : "end ") + n.changeClass + " " +
-                        std::to_string(n.attributeKind) + " " + std::to_string(n.flag));
+                        std::to_string(n.attributeKind) + " " + std::to_string(n.flag) +
+                        (n.shader == static_cast<KEPIRshShader*>(d_.glass) ? " Glass" : " other"));
       });
   struct Case {
     int line;
     const char* expectedType;  ///< type of the node connected afterwards
     const char* reusedId;      ///< the node reused, or "" for a new one
+    KEPRshConnectionDialog::Chooser chooser = KEPRshConnectionDialog::Chooser::Selector;
+    KEPHostShaderNode* holder = nullptr;  ///< the opener's holder of a new node, if it names one
   };
-  const Case cases[] = {{0, "KEPRmaColor", ""},
+  const Case cases[] = {{0, "colour_map", ""},
+                        {0, "colour_map", "", KEPRshConnectionDialog::Chooser::Selector, d_.metal},
                         {1, "kep_phen_texture", ""},
-                        {2, "KEPRmaColor", "Tiles"},
-                        {3, "KEPRmaColor", "Noise"}};
+                        {2, "colour_map", "Tiles"},
+                        {3, "colour_map", "Noise"},
+                        {1, "kep_phen_texture", "", KEPRshConnectionDialog::Chooser::Combo},
+                        {3, "colour_map", "Noise", KEPRshConnectionDialog::Chooser::Combo}};
   for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
     heard.clear();
     done_.clear();
     const std::size_t nodesBefore = TheWorld().Document()->Nodes().size();
-    KEPRshConnectionDialog* dialog = Open(d_.glass, "tint");
+    KEPRshConnectionDialog* dialog = Open(d_.glass, "tint", c.chooser);
+    if (c.holder) dialog->SetHolder(c.holder);
     Listen(dialog);
     dialog->SetVisibility(KEPDlgShow);
     ASSERT_EQ(Inject(dialog->GetChooser(), KEPVidAction::Select, std::to_string(c.line)), S_OK);
@@ -154,8 +221,8 @@ TEST_F(ConnectionDialogTest, OKConnectsTheChosenLineBetweenABeginAndAnEnd) {
     ASSERT_EQ(Inject(dialog, KEPVidAction::Ok), S_OK);
     EXPECT_FALSE(dialog->IsVisible());
     EXPECT_EQ(done_, std::vector<bool>{true}) << c.line;
-    EXPECT_EQ(heard, (std::vector<std::string>{"begin KEPIGraphicMaterial 2 0",
-                                               "end KEPIRshParameter 2 1"}))
+    EXPECT_EQ(heard, (std::vector<std::string>{"begin KEPIGraphicMaterial 2 0 Glass",
+                                               "end KEPIRshParameter 2 1 Glass"}))
         << c.line;
     const KEP_var<KEPIRshShader> connected = ConnectedTo(d_.glass, "tint");
     ASSERT_TRUE(connected) << c.line;
@@ -167,10 +234,10 @@ TEST_F(ConnectionDialogTest, OKConnectsTheChosenLineBetweenABeginAndAnEnd) {
       EXPECT_EQ(id, c.reusedId);
       EXPECT_EQ(TheWorld().Document()->Nodes().size(), nodesBefore);
     } else {
-      // A new node joins the document, held by the material's root.
+      // A new node joins the document, held by the material's root or the opener's holder.
       EXPECT_EQ(TheWorld().Document()->Nodes().size(), nodesBefore + 1);
       EXPECT_EQ(TheWorld().Document()->FindNode(id)->Father(),
-                static_cast<KEPBaseUnknown*>(d_.glass));
+                static_cast<KEPBaseUnknown*>(c.holder ? c.holder : d_.glass));
     }
   }
   KEPRshModelEvents::RemoveObserver(token);
@@ -240,8 +307,16 @@ TEST_F(ConnectionDialogTest, TheFrameOpensTheDialogFromButtonAndMenuAndRefreshes
   // The frame let go of the first dialog when the second came.
   EXPECT_FALSE(trace.Contains("(KEPRshConnectionDialog::~KEPRshConnectionDialog) Destructor\n"));
   first.Reset();
-  EXPECT_TRUE(trace.Contains("(KEPRshConnectionDialog::~KEPRshConnectionDialog) Destructor\n"));
-  EXPECT_TRUE(trace.Contains("(KEPRshConnectionDialog::~KEPRshConnectionDialog) Done\n"));
+  // Destruction is traced at level 2, the callbacks at level 5.
+  auto level = [&](const std::string& text) {
+    for (const KEPTraceEntry& entry : trace.Entries())
+      if (entry.text == text) return entry.moduleLevel;
+    return -1;
+  };
+  EXPECT_EQ(level("(KEPRshConnectionDialog::~KEPRshConnectionDialog) Destructor\n"), 2);
+  EXPECT_EQ(level("(KEPRshConnectionDialog::~KEPRshConnectionDialog) Done\n"), 2);
+  EXPECT_EQ(level("(KEPRshConnectionDialog::OkCB)\n"), 5);
+  EXPECT_EQ(level("(KEPRshShaderFrame::ConnectionDoneCB)\n"), 5);
 }
 
 TEST_F(ConnectionDialogTest, NoSequenceOfConnectionsThroughTheDialogMakesACycle) {
@@ -265,6 +340,28 @@ TEST_F(ConnectionDialogTest, NoSequenceOfConnectionsThroughTheDialogMakesACycle)
     ASSERT_FALSE(HasConnectionCycle(*TheWorld().Document(), &cycle))
         << "step " << step << ": " << ::testing::PrintToString(cycle);
   }
+}
+
+// A node is matched by what it yields when its type declares it ("" too: it fits anything), and
+// by its type name otherwise, so that a host whose nodes answer no output keeps working.
+TEST_F(ConnectionDialogTest, ANodesConnectionTypeIsItsOutputOrElseItsTypeName) {
+  TheWorld().Add(Type("wild_map").Output("").Param("gain", Scalar(1)));
+  TheWorld().Add(Type("plain_map").Param("gain", Scalar(1)));
+  TheWorld().Add(Type("KEPRmaVector").Param("gain", Scalar(1)));
+  const struct {
+    const char* type;
+    const char* expected;
+  } cases[] = {{"colour_map", "KEPRmaColor"},
+               {"bump_map", "KEPRmaVector"},
+               {"wild_map", ""},
+               {"plain_map", "plain_map"},
+               {"KEPRmaVector", "KEPRmaVector"}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.type);
+    KEPHostShaderNode* node = TheWorld().Node(c.type, std::string("A ") + c.type);
+    EXPECT_EQ(KEPRshShaderTree::ConnectionType(node), c.expected);
+  }
+  EXPECT_EQ(KEPRshShaderTree::ConnectionType(nullptr), "");
 }
 
 }  // namespace

@@ -55,7 +55,8 @@ TEST_F(ShaderFrameTest, DisconnectIsOneAnnouncedModification) {
   const int token = KEPRshModelEvents::AddShaderModifyObserver(
       [&](const KEPRbaShaderModifyNotification& n, bool begin) {
         events.push_back(std::string(begin ? "begin " : "end ") + n.changeClass + " " +
-                         (n.shader == material ? "material" : "other"));
+                         (n.shader == material ? "material" : "other") + " kind " +
+                         std::to_string(n.attributeKind) + " flag " + std::to_string(n.flag));
       });
   const int parameters = KEPRshModelEvents::AddParameterObserver(
       [&](KEPIRshParameter*, KEPRshParameterChangeKind kind) {
@@ -65,8 +66,9 @@ TEST_F(ShaderFrameTest, DisconnectIsOneAnnouncedModification) {
   frame->DisconnectCB(frame, nullptr, 1);
   KEPRshModelEvents::RemoveObserver(token);
   KEPRshModelEvents::RemoveObserver(parameters);
-  EXPECT_EQ(events, (std::vector<std::string>{"begin KEPIGraphicMaterial material", "connection",
-                                              "end KEPIGraphicMaterial material"}));
+  EXPECT_EQ(events, (std::vector<std::string>{"begin KEPIGraphicMaterial material kind 2 flag 0",
+                                              "connection",
+                                              "end KEPIGraphicMaterial material kind 2 flag 1"}));
   KEPIRshShader* connected = nullptr;
   EXPECT_TRUE(FAILED(TheWorld().Param(material, "slot")->GetConnectedShader(connected)));
   EXPECT_EQ(connected, nullptr);

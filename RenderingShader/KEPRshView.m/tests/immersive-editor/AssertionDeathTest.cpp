@@ -11,22 +11,6 @@
 namespace keptest {
 namespace {
 
-/// `text` as a regular expression that matches exactly it.
-std::string Literally(const std::string& text) {
-  std::string pattern;
-  for (const char c : text) {
-    if (std::string("\\^$.|?*+()[]{}").find(c) != std::string::npos) pattern += '\\';
-    pattern += c;
-  }
-  return pattern;
-}
-
-/// What a fatal assertion of the editor prints.
-std::string Fatal(const std::string& condition) {
-  return Literally("AssertionFailed:" + condition +
-                   " (RenderingShader/KEPRshView.m/src/KEPRshShaderImmLayout:");
-}
-
 /// A shader that is not a KEPISpecObject, with the parameter list it is given (null entries
 /// included); it takes over a reference of each entry.
 class ListedShader : public KEPBaseUnknown, public KEPIRshShader {

@@ -110,6 +110,22 @@ inline std::vector<std::string> Labels(const KEPVidWidget* grid) {
   return texts;
 }
 
+/// `text` as a regular expression that matches exactly it.
+inline std::string Literally(const std::string& text) {
+  std::string pattern;
+  for (const char c : text) {
+    if (std::string("\\^$.|?*+()[]{}").find(c) != std::string::npos) pattern += '\\';
+    pattern += c;
+  }
+  return pattern;
+}
+
+/// What a fatal assertion of the editor prints: the condition and the editor's source path.
+inline std::string Fatal(const std::string& condition) {
+  return Literally("AssertionFailed:" + condition +
+                   " (RenderingShader/KEPRshView.m/src/KEPRshShaderImmLayout:");
+}
+
 class EditorTest : public Fixture {
  protected:
   void SetUp() override {

@@ -69,6 +69,9 @@ TEST_F(LibraryLoader, BundledSampleLoadsWithoutErrors) {
   // Only the texture shaders carry the late type under which they answer the viewer.
   EXPECT_TRUE(library->FindType("kep_phen_texture")->isTexture);
   EXPECT_FALSE(library->FindType("kep_phen_bump")->isTexture);
+  // Textures yield colours and bumps vectors, so either can be shared where it fits.
+  EXPECT_EQ(library->FindType("kep_phen_texture")->output, "KEPRmaColor");
+  EXPECT_EQ(library->FindType("kep_phen_bump")->output, "KEPRmaVector");
   KEPHostShaderNode* paint = document->FindNode("red_paint");
   ASSERT_NE(paint, nullptr);
   KEPUnicodeString alias;
@@ -245,6 +248,51 @@ TEST_F(LibraryLoader, LibraryFaultsNameFileLineAndKey) {
         << "input: " << c.json << "\nerrors:\n"
         << result.Text();
     EXPECT_TRUE(library.Types().empty()) << "a failed load leaves the library untouched";
+  }
+}
+
+// A type's "output" is what its nodes answer through KEPIRshShaderOutput: a feature type, "" (any
+// parameter), or nothing at all when the key is absent; any other text is refused on its line.
+TEST_F(LibraryLoader, OutputIsAFeatureTypeOrEmptyAndNodesAnswerIt) {
+  struct Case {
+    const char* output;    ///< the member's JSON text, or null for no member
+    HRESULT answer;        ///< what a node of the type answers
+    const char* expected;  ///< the answer's text, or the error when the load fails
+  };
+  const Case cases[] = {
+      {"\"KEPRmaColor\"", S_OK, "KEPRmaColor"},
+      {"\"KEPRmaVoid\"", S_OK, "KEPRmaVoid"},
+      {"\"\"", S_OK, ""},
+      {nullptr, E_NOTIMPL, "unchanged"},
+      {"\"KEPRmaColour\"", E_FAIL,
+       ":3: key 'shaderTypes.a.output': 'KEPRmaColour' is not a feature type (expected "
+       "KEPRmaBoolean, "},
+      {"\"kep_phen_texture\"", E_FAIL,
+       ":3: key 'shaderTypes.a.output': 'kep_phen_texture' is not a feature type"},
+      {"7", E_FAIL, ":3: key 'shaderTypes.a.output': expected a string, found number"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.output ? c.output : "no output");
+    ScratchDir dir;
+    const std::string file = dir.Write(
+        "library.json", std::string("{\"shaderTypes\": {\"a\": {\"parameters\": [],\n") +
+                            "\"label\": \"A\"" +
+                            (c.output ? std::string(",\n\"output\": ") + c.output : "") + "}}}");
+    KEPHostShaderLibrary library;
+    const KEPLoadResult result = KEPShaderLibraryLoader::Load(dir.Path(), library);
+    if (c.answer == E_FAIL) {
+      EXPECT_TRUE(HasError(result, file + c.expected)) << result.Text();
+      EXPECT_TRUE(library.Types().empty());
+      continue;
+    }
+    ASSERT_TRUE(result.Ok()) << result.Text();
+    const auto node =
+        KEP_var<KEPHostShaderNode>::Adopt(KEPHostShaderNode::Create(*library.FindType("a"), "n"));
+    const KEP_var<KEPIRshShaderOutput> output = KEPQueryVar<KEPIRshShaderOutput>(node.Get());
+    ASSERT_TRUE(output);
+    KEPString answer = "unchanged";
+    EXPECT_EQ(output->GetOutputType(answer), c.answer);
+    EXPECT_EQ(answer, c.expected);
   }
 }
 

@@ -14,12 +14,14 @@ ConnectionDocument BuildConnectionDocument(World& world) {
                 .Param("extra", Color(1, 1, 1))
                 .Param("slot", Void())
                 .Param("amount", Scalar(0.5f)));
-  world.Add(Type("KEPRmaColor").Param("input", Color(0, 0, 0)).Param("gain", Scalar(1)));
-  world.Add(Type("KEPRmaVector").Param("height", Scalar(1)));
-  world.Add(Type("kep_phen_texture").Param("gamma", Scalar(1)));
-  world.Connectable("KEPRmaColor",
-                    {{"KEPRmaColor", "Colour map"}, {"kep_phen_texture", "Texture"}});
-  world.Connectable("KEPRmaVoid", {{"KEPRmaVector", "Bump"}});
+  world.Add(Type("colour_map")
+                .Output("KEPRmaColor")
+                .Param("input", Color(0, 0, 0))
+                .Param("gain", Scalar(1)));
+  world.Add(Type("bump_map").Output("KEPRmaVector").Param("height", Scalar(1)));
+  world.Add(Type("kep_phen_texture").Output("KEPRmaColor").Param("gamma", Scalar(1)));
+  world.Connectable("KEPRmaColor", {{"colour_map", "Colour map"}, {"kep_phen_texture", "Texture"}});
+  world.Connectable("KEPRmaVoid", {{"bump_map", "Bump"}});
 
   ConnectionDocument d;
   auto node = [&](const std::string& type, const std::string& alias) {
@@ -30,13 +32,13 @@ ConnectionDocument BuildConnectionDocument(World& world) {
   d.glass = node("mia_phen_material", "Glass");
   d.metal = node("mia_phen_material", "Metal");
   world.Document()->materials = {"Glass", "Metal"};
-  d.outer = node("KEPRmaColor", "Outer");
-  d.inner = node("KEPRmaColor", "Inner");
-  d.mixed = node("KEPRmaColor", "Mixed");
-  d.tiles = node("KEPRmaColor", "Tiles");
-  d.noise = node("KEPRmaColor", "Noise");
-  d.bumps = node("KEPRmaVector", "Bumps");
-  d.lonely = node("KEPRmaColor", "Lonely");
+  d.outer = node("colour_map", "Outer");
+  d.inner = node("colour_map", "Inner");
+  d.mixed = node("colour_map", "Mixed");
+  d.tiles = node("colour_map", "Tiles");
+  d.noise = node("colour_map", "Noise");
+  d.bumps = node("bump_map", "Bumps");
+  d.lonely = node("colour_map", "Lonely");
   auto connect = [&](KEPHostShaderNode* from, const std::string& parameter, KEPHostShaderNode* to) {
     EXPECT_EQ(world.Param(from, parameter)->SetConnectedShader(to), S_OK) << parameter;
   };

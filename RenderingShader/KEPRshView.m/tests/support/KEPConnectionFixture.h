@@ -2,13 +2,15 @@
 //
 //   Glass (mia_phen_material)  tint -> Mixed     other -> Noise
 //   Metal (mia_phen_material)  tint -> Tiles     other -> Noise    extra -> Outer   slot -> Bumps
-//   Outer (KEPRmaColor)        input -> Inner
-//   Inner (KEPRmaColor)        input -> Glass   (so Glass.tint is reached from Inner and Outer)
-//   Mixed, Tiles, Noise (KEPRmaColor), Bumps (KEPRmaVector), Lonely (KEPRmaColor, unused)
+//   Outer (colour_map)         input -> Inner
+//   Inner (colour_map)         input -> Glass   (so Glass.tint is reached from Inner and Outer)
+//   Mixed, Tiles, Noise (colour_map), Bumps (bump_map), Lonely (colour_map, unused)
 //
-// Shader types named after the feature type they answer ("KEPRmaColor") are the ones a
-// parameter of that type may reuse. The manager offers "KEPRmaColor" ("Colour map") and
-// "kep_phen_texture" ("Texture") for colour parameters, "KEPRmaVector" ("Bump") for slots.
+// Reuse goes by what a node yields, not by its type name: colour_map declares the output
+// "KEPRmaColor" and bump_map "KEPRmaVector", and no type is named after a feature type, so an
+// editor that compared type names would offer nothing. The manager offers "colour_map"
+// ("Colour map") and "kep_phen_texture" ("Texture", output "KEPRmaColor") for colour parameters
+// and "bump_map" ("Bump") for slots.
 #pragma once
 
 #include <string>

@@ -98,6 +98,11 @@ Type& Type::TextureShader() {
   return *this;
 }
 
+Type& Type::Output(std::string featureType) {
+  definition_.output = std::move(featureType);
+  return *this;
+}
+
 World::World() : library(std::make_shared<KEPHostShaderLibrary>()) {
   Rebuild();
 }
@@ -121,7 +126,7 @@ World& World::Add(const Type& type) {
 World& World::Connectable(const std::string& parameterType,
                           std::initializer_list<std::pair<std::string, std::string>> typeAndLabel) {
   std::vector<KEPHostConnectableEntry> entries;
-  for (const auto& [type, label] : typeAndLabel) entries.push_back({type, label});
+  for (const auto& [type, label] : typeAndLabel) entries.push_back({type, label, 0});
   library->SetConnectable(parameterType, std::move(entries));
   return *this;
 }

@@ -59,6 +59,8 @@ class Type {
   Type& Resources(bool offered = true);
   /// Makes the type a texture shader (it answers the viewer for the material it is connected to).
   Type& TextureShader();
+  /// Declares the feature type a node of the type yields when connected ("" fits any parameter).
+  Type& Output(std::string featureType);
   const KEPHostShaderTypeDefinition& Definition() const { return definition_; }
 
  private:

@@ -3,54 +3,9 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "RshviewJsonScan.h"
+
 namespace {
-bool IsBlank(char c) {
-  return c == ' ' || c == '\n' || c == '\r' || c == '\t';
-}
-
-void SkipBlanks(const std::string& text, std::size_t& at) {
-  while (at < text.size() && IsBlank(text[at])) ++at;
-}
-
-/// Moves `at` past the string that starts there; false when it does not end.
-bool SkipString(const std::string& text, std::size_t& at) {
-  for (++at; at < text.size(); ++at) {
-    if (text[at] == '\\') {
-      ++at;
-    } else if (text[at] == '"') {
-      ++at;
-      return true;
-    }
-  }
-  return false;
-}
-
-/// Moves `at` past the JSON value that starts there.
-bool SkipValue(const std::string& text, std::size_t& at) {
-  SkipBlanks(text, at);
-  if (at >= text.size()) return false;
-  if (text[at] == '"') return SkipString(text, at);
-  if (text[at] != '{' && text[at] != '[') {
-    while (at < text.size() && text[at] != ',' && text[at] != '}' && text[at] != ']' &&
-           !IsBlank(text[at]))
-      ++at;
-    return true;
-  }
-  int depth = 0;
-  while (at < text.size()) {
-    const char c = text[at];
-    if (c == '"') {
-      if (!SkipString(text, at)) return false;
-      continue;
-    }
-    if (c == '{' || c == '[') ++depth;
-    if (c == '}' || c == ']') --depth;
-    ++at;
-    if (depth == 0) return true;
-  }
-  return false;
-}
-
 /// True when `path` is `ancestor` or lies below it.
 bool Covers(const std::string& ancestor, const std::string& path) {
   if (ancestor.empty()) return true;  // the editor itself
@@ -95,12 +50,12 @@ void Compare(const RshviewWidgetText& before, std::size_t b, const RshviewWidget
 RshviewWidgetText::RshviewWidgetText(std::string text) : text_(std::move(text)) {
   std::size_t at = 0, root = 0;
   valid_ = ReadWidget(at, root);
-  SkipBlanks(text_, at);
+  RshviewSkipBlanks(text_, at);
   valid_ = valid_ && at == text_.size();
 }
 
 bool RshviewWidgetText::ReadWidget(std::size_t& at, std::size_t& index) {
-  SkipBlanks(text_, at);
+  RshviewSkipBlanks(text_, at);
   if (at >= text_.size() || text_[at] != '{') return false;
   index = widgets_.size();
   widgets_.emplace_back();
@@ -108,49 +63,60 @@ bool RshviewWidgetText::ReadWidget(std::size_t& at, std::size_t& index) {
   std::size_t childrenStart = std::string::npos, childrenEnd = std::string::npos;
   std::vector<std::size_t> children;
   std::string path;
+  std::string_view cls, name, state;
   bool named = false;
   for (;;) {
-    SkipBlanks(text_, at);
+    RshviewSkipBlanks(text_, at);
     if (at < text_.size() && text_[at] == '}') break;
     const std::size_t keyStart = at;
-    if (at >= text_.size() || text_[at] != '"' || !SkipString(text_, at)) return false;
+    if (at >= text_.size() || text_[at] != '"' || !RshviewSkipString(text_, at)) return false;
     const std::string_view key(text_.data() + keyStart + 1, at - keyStart - 2);
-    SkipBlanks(text_, at);
+    RshviewSkipBlanks(text_, at);
     if (at >= text_.size() || text_[at] != ':') return false;
     ++at;
-    SkipBlanks(text_, at);
+    RshviewSkipBlanks(text_, at);
     const std::size_t valueStart = at;
     if (key == "children") {
       if (at >= text_.size() || text_[at] != '[') return false;
       childrenStart = at++;
       for (;;) {
-        SkipBlanks(text_, at);
+        RshviewSkipBlanks(text_, at);
         if (at < text_.size() && text_[at] == ']') break;
         std::size_t child = 0;
         if (!ReadWidget(at, child)) return false;
         children.push_back(child);
-        SkipBlanks(text_, at);
+        RshviewSkipBlanks(text_, at);
         if (at < text_.size() && text_[at] == ',') ++at;
       }
       childrenEnd = ++at;
     } else {
-      if (!SkipValue(text_, at)) return false;
+      if (!RshviewSkipValue(text_, at)) return false;
+      const std::string_view value(text_.data() + valueStart, at - valueStart);
+      if (key == "class")
+        cls = value;
+      else if (key == "name")
+        name = value;
+      else if (key == "state")
+        state = value;
       if (key == "path" && text_[valueStart] == '"') {
-        const nlohmann::json value =
+        const nlohmann::json parsed =
             nlohmann::json::parse(text_.begin() + static_cast<std::ptrdiff_t>(valueStart),
                                   text_.begin() + static_cast<std::ptrdiff_t>(at), nullptr, false);
-        if (!value.is_string()) return false;
-        path = value.get<std::string>();
+        if (!parsed.is_string()) return false;
+        path = parsed.get<std::string>();
         named = true;
       }
     }
-    SkipBlanks(text_, at);
+    RshviewSkipBlanks(text_, at);
     if (at < text_.size() && text_[at] == ',') ++at;
   }
   const std::size_t end = ++at;
   Widget& widget = widgets_[index];
   widget.path = std::move(path);
   widget.named = named || index == 0;
+  widget.cls = cls;
+  widget.name = name;
+  widget.state = state;
   widget.whole = std::string_view(text_.data() + start, end - start);
   if (childrenStart == std::string::npos) {
     widget.before = widget.whole;

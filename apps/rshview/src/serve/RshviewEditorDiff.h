@@ -19,11 +19,12 @@ class RshviewWidgetText {
   const std::string& Text() const { return text_; }
 
   struct Widget {
-    std::string path;         ///< empty for the root
-    bool named = false;       ///< its `path` is a string (not null)
-    std::string_view whole;   ///< the widget's object, children included
-    std::string_view before;  ///< its text before the children's array
-    std::string_view after;   ///< its text after it
+    std::string path;                   ///< empty for the root
+    bool named = false;                 ///< its `path` is a string (not null)
+    std::string_view whole;             ///< the widget's object, children included
+    std::string_view before;            ///< its text before the children's array
+    std::string_view after;             ///< its text after it
+    std::string_view cls, name, state;  ///< the values of those keys, as JSON text (or empty)
     std::size_t childCount = 0;
     std::vector<std::size_t> children;  ///< indices into Widgets()
   };

@@ -92,15 +92,20 @@ bool RshviewHttpServer::Start(std::string& error) {
                               const httplib::ContentReader& reader) {
     std::string body;
     bool tooLarge = false;
+    std::size_t dropped = 0;
     if (request.has_header("Content-Length") || request.has_header("Transfer-Encoding")) {
       const bool read = reader([&](const char* data, std::size_t length) {
-        // Past the limit the rest is read and dropped, so that the connection stays usable.
+        // Past the limit the rest is read and dropped, so that the connection stays usable, up to
+        // a bound: a body sent without end (chunked, so the library does not limit it) would hold
+        // this thread, and Stop() with it. Then the reading stops and the connection is closed.
         tooLarge = tooLarge || body.size() + length > kMaxBody;
-        if (tooLarge)
-          body.clear();
-        else
+        if (!tooLarge) {
           body.append(data, length);
-        return true;
+          return true;
+        }
+        dropped += body.size() + length;
+        body.clear();
+        return dropped <= kMaxDrained;
       });
       if (!read || tooLarge) {
         const int status = tooLarge || response.status == 413 ? 413 : 400;
@@ -295,6 +300,7 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
     const std::string kind =
         request.has_param("editor") ? request.get_param_value("editor") : "immersive";
     const std::string restricted = request.get_param_value("restricted");
+    const std::string compact = request.get_param_value("compact");
     if (!RshviewEditorKindValid(kind))
       return RshviewReply::Error(400, "bad request",
                                  "editor must be immersive or classic, not '" + kind + "'");
@@ -304,7 +310,11 @@ RshviewReply RshviewHttpServer::Api(const httplib::Request& request, httplib::Re
     if (restricted == "1" && kind == "classic")
       return RshviewReply::Error(400, "bad request",
                                  "restricted applies to the immersive editor only");
-    return OnUi([&] { return session_.Editor(node, kind, restricted == "1"); });
+    if (!compact.empty() && compact != "0" && compact != "1")
+      return RshviewReply::Error(400, "bad request",
+                                 "compact must be 0 or 1, not '" + compact + "'");
+    return OnUi(
+        [&] { return session_.Editor(node, kind, restricted == "1", client, compact == "1"); });
   }
   if (what == "events") {
     RshviewEditorEvent event;

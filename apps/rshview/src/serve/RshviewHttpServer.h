@@ -32,6 +32,8 @@ class RshviewHttpServer {
  public:
   /// The largest request body.
   static constexpr std::size_t kMaxBody = std::size_t{64} * 1024;
+  /// How much of a body over kMaxBody is read and dropped before the connection is closed.
+  static constexpr std::size_t kMaxDrained = std::size_t{1024} * 1024;
   /// The threads answering requests; event streams take at most half of them.
   static constexpr int kWorkers = 2 * RshviewEventStream::kMaxSubscribers;
 

@@ -123,13 +123,30 @@ bool ReadEditorBody(const nlohmann::json& body,
 
 bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& event,
                             std::string& error) {
-  return ReadEditorBody(
-      body, {{"action", &event.action}, {"path", &event.path}, {"argument", &event.argument}},
-      {"action", "path"}, event.editor, event.restricted, error);
+  return ReadEditorBody(body,
+                        {{"action", &event.action},
+                         {"path", &event.path},
+                         {"argument", &event.argument},
+                         {"view", &event.view}},
+                        {"action", "path"}, event.editor, event.restricted, error);
 }
 
 bool RshviewReadParameterReset(const nlohmann::json& body, RshviewParameterReset& reset,
                                std::string& error) {
-  return ReadEditorBody(body, {{"parameter", &reset.parameter}}, {"parameter"}, reset.editor,
-                        reset.restricted, error);
+  if (!ReadEditorBody(
+          body, {{"path", &reset.path}, {"parameter", &reset.parameter}, {"view", &reset.view}}, {},
+          reset.editor, reset.restricted, error))
+    return false;
+  // One of the two names the parameter: the label's path (resolved by the editor) or its name.
+  const bool byPath = body.contains("path"), byName = body.contains("parameter");
+  if (byPath == byName) {
+    error = byPath ? "give 'path' (the label's widget path) or 'parameter', not both"
+                   : "missing key 'path' (a label's widget path) or 'parameter'";
+    return false;
+  }
+  if (byPath && reset.path.empty()) {
+    error = "'path' must name a label, not be empty";
+    return false;
+  }
+  return true;
 }

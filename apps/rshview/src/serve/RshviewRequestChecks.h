@@ -33,7 +33,8 @@ bool RshviewParseBody(const std::string& body, bool emptyIsObject, nlohmann::jso
 bool RshviewReadEditorEvent(const nlohmann::json& body, RshviewEditorEvent& event,
                             std::string& error);
 
-/// Reads the body of POST /api/nodes/{id}/reset, as RshviewReadEditorEvent does.
+/// Reads the body of POST /api/nodes/{id}/reset, as RshviewReadEditorEvent does; exactly one of
+/// `path` and `parameter` must be given.
 bool RshviewReadParameterReset(const nlohmann::json& body, RshviewParameterReset& reset,
                                std::string& error);
 

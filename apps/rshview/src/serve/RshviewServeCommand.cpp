@@ -1,5 +1,6 @@
 // `rshview serve`: loads the document, then answers the HTTP API while the calling thread, which
-// owns the host, runs the requests handed to it, until Ctrl-C, SIGTERM or the control stops it.
+// owns the host, runs the requests handed to it, until Ctrl-C, SIGTERM, SIGHUP (its terminal
+// closed) or the control stops it.
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
@@ -17,6 +18,7 @@
 
 #include "KEPShaderDocumentWriter.h"
 #include "RshviewHttpServer.h"
+#include "RshviewRecovery.h"
 #include "RshviewServe.h"
 
 extern char** environ;
@@ -35,6 +37,7 @@ const char* const kRshviewServeHelp =
     "$XDG_DATA_HOME/rshview/showroom.rshdoc.json (~/.local/share/... when XDG_DATA_HOME is not\n"
     "set, $RSHVIEW_DATA/... when that is), made on first use; saving writes there, never into\n"
     "the bundled samples. With --doc FILE, saving writes FILE (atomically).\n"
+    "Changes not saved at a stop are kept beside the document (room.unsaved.rshdoc.json).\n"
     "\n"
     "  --port N     the port; default 8642; 0 picks a free one\n"
     "  --host ADDR  the address to listen on; default 127.0.0.1 (this machine only)\n"
@@ -52,8 +55,9 @@ extern "C" void OnStopSignal(int) {
   gSignalled = 1;
 }
 
-/// Catches SIGINT and SIGTERM while alive, restoring the previous handlers. Only the first signal
-/// is caught: it asks for an orderly stop, and a second one ends the process at once.
+/// Catches SIGINT, SIGTERM and SIGHUP while alive, restoring the previous handlers. Only the first
+/// signal is caught: it asks for an orderly stop (which keeps unsaved changes), and a second one
+/// ends the process at once.
 class StopSignals {
  public:
   StopSignals() {
@@ -64,10 +68,12 @@ class StopSignals {
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, &previousInt_);
     sigaction(SIGTERM, &action, &previousTerm_);
+    sigaction(SIGHUP, &action, &previousHup_);
   }
   ~StopSignals() {
     sigaction(SIGINT, &previousInt_, nullptr);
     sigaction(SIGTERM, &previousTerm_, nullptr);
+    sigaction(SIGHUP, &previousHup_, nullptr);
   }
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
@@ -75,6 +81,7 @@ class StopSignals {
  private:
   struct sigaction previousInt_ {};
   struct sigaction previousTerm_ {};
+  struct sigaction previousHup_ {};
 };
 
 /// Starts `xdg-open URL` with its output discarded; the child's pid, or -1.
@@ -216,6 +223,30 @@ bool Loopback(const std::string& host) {
   return host.starts_with("127.") || host == "::1" || host == "[::1]" || host == "localhost";
 }
 
+/// Writes the changes not saved to the recovery file beside `doc` and says where they are and
+/// how to keep them; 0, or 1 when they could not be written (they are lost: the stop says so).
+int KeepUnsavedChanges(RshviewContext& context, const std::string& doc) {
+  if (RshviewDocumentAsSaved(*context.document, doc)) {
+    context.err << "rshview serve: the changes since the last save leave " << doc
+                << " as it is: nothing to keep\n";
+    return 0;
+  }
+  std::string recovery, error;
+  if (!RshviewWriteRecovery(*context.document, doc, recovery, error)) {
+    context.err << "rshview serve: error: the changes since the last save could not be kept in "
+                << recovery << ": " << error << "\n"
+                << "rshview serve: warning: the changes since the last save were not written to "
+                << doc << "\n";
+    return 1;
+  }
+  context.err << "rshview serve: the changes since the last save were not written to " << doc
+              << "; they are kept in " << recovery << ". To look at them: rshview serve --doc "
+              << RshviewShellWord(recovery)
+              << "; to keep them, move that file over the document: mv "
+              << RshviewShellWord(recovery) << " " << RshviewShellWord(doc) << "\n";
+  return 0;
+}
+
 bool ParsePort(const std::string& text, int& port) {
   if (text.empty()) {
     port = 8642;
@@ -277,6 +308,18 @@ int RunServeCommand(RshviewContext& context) {
                           ":" + std::to_string(server.Port()) + "/";
   const std::string doc = fs::absolute(options.doc).lexically_normal().string();
   context.out << "rshview: editing " << doc << "\n";
+  if (const auto recovery = RshviewFindRecovery(doc))
+    context.out << "rshview: changes not saved when the server last stopped are in "
+                << recovery->path << " (" << recovery->modified
+                << "). To look at them beside this server: rshview serve --port 0 --doc "
+                << RshviewShellWord(recovery->path)
+                << "; to keep them, stop this server first (it would write over them), then: mv "
+                << RshviewShellWord(recovery->path) << " " << RshviewShellWord(doc)
+                << (recovery->count > 1
+                        ? " (" + std::to_string(recovery->count - 1) +
+                              " older recovery file(s) beside it hold other changes)"
+                        : std::string())
+                << "\n";
   if (!Loopback(serverOptions.host))
     context.err << "rshview serve: warning: listening on " << serverOptions.host
                 << ", so other machines on the network can reach the server, and it asks no one "
@@ -303,13 +346,12 @@ int RunServeCommand(RshviewContext& context) {
       context.err << "rshview serve: warning: xdg-open " << url << " failed\n";
   }
 
-  if (session.Dirty())
-    context.err << "rshview serve: warning: the changes since the last save were not written to "
-                << doc << "\n";
-  // Nothing waits on the UI thread or the event stream any more, then the HTTP threads end.
+  // Nothing waits on the UI thread or the event stream any more, then the HTTP threads end. The
+  // document changes no more once the queue is closed: what it holds then is what was not saved.
   queue.Close();
+  const int code = session.Dirty() ? KeepUnsavedChanges(context, doc) : 0;
   events.Close();
   server.Stop();
   context.out << "rshview: stopped" << std::endl;
-  return 0;
+  return code;
 }

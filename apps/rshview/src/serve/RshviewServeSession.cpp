@@ -19,8 +19,12 @@
 #include "KEPRshModelEvents.h"
 #include "KEPShaderDocumentWriter.h"
 #include "KEPVidTree.h"
+#include "RshviewCompactTree.h"
 #include "RshviewDefaultValue.h"
 #include "RshviewEditorDiff.h"
+#include "RshviewEditorView.h"
+#include "RshviewLabelParameter.h"
+#include "RshviewRecovery.h"
 #include "RshviewUnits.h"
 #include "RshviewViewer.h"
 
@@ -72,8 +76,12 @@ std::string NewInstanceId() {
   return text;
 }
 
-std::string EditorKey(const std::string& node, bool classic, bool restricted) {
-  return node + '\n' + (classic ? "classic" : restricted ? "restricted" : "immersive");
+std::string EditorKey(const std::string& client, const std::string& node, bool classic,
+                      bool restricted) {
+  return client + '\n' + node + '\n' +
+         (classic      ? "classic"
+          : restricted ? "restricted"
+                       : "immersive");
 }
 }  // namespace
 
@@ -84,7 +92,9 @@ RshviewServeSession::RshviewServeSession(RshviewContext& context, RshviewEventSt
       instance_(NewInstanceId()) {
   RshviewEnsureStartupPath(context.options.library);
   observer_ = KEPRshModelEvents::AddParameterObserver(
-      [this](KEPIRshParameter* parameter, KEPRshParameterChangeKind) { NoteWrite(parameter); });
+      [this](KEPIRshParameter* parameter, KEPRshParameterChangeKind kind) {
+        NoteWrite(parameter, kind);
+      });
 }
 
 RshviewServeSession::~RshviewServeSession() {
@@ -96,12 +106,34 @@ Json RshviewServeSession::Origin(const std::string& client) {
   return client.empty() ? Json(nullptr) : Json(client);
 }
 
-void RshviewServeSession::NoteWrite(KEPIRshParameter* parameter) {
+void RshviewServeSession::NoteWrite(KEPIRshParameter* parameter, KEPRshParameterChangeKind kind) {
   // Whichever editor or request wrote it, the trees written before may show the old value.
   ++stamp_;
+  dirty_ = true;
+  // A node the connection dialog made is taken in before the change that connects it, so that
+  // its own writes read from its first values.
+  Json created = Json::array();
+  for (Json& made : log_.NewNodes()) {
+    created_.push_back(made);
+    created.push_back(std::move(made));
+  }
+  if (kind == KEPRshParameterChangeKind::Connection) {
+    // Told apart from a value write: the page reads the document (its node list and tree) again.
+    Json connection = log_.Connection(parameter);
+    connections_.push_back(connection);
+    connection["created"] = std::move(created);
+    connection["revision"] = ++revision_;
+    connection["origin"] = Origin(client_);
+    events_.Publish("connection", connection);
+    // The editor that made it refreshed its own row; a classic editor follows connections itself.
+    // Every other immersive editor may nest or list the changed slot: built again before its next
+    // use, it shows the rows the connection added or removed (and a new view).
+    for (auto& [key, open] : editors_)
+      if (!open->classic && open.get() != acting_) open->rebuild = true;
+    return;
+  }
   Json write = log_.Write(parameter);
   writes_.push_back(write);
-  dirty_ = true;
   write["revision"] = ++revision_;
   write["origin"] = Origin(client_);
   events_.Publish("write", write);
@@ -115,23 +147,67 @@ KEPHostShaderNode* RshviewServeSession::FindNode(const std::string& id, RshviewR
   return node;
 }
 
+void RshviewServeSession::Snapshot(OpenEditor& open) {
+  if (open.snapshot && open.snapshotStamp == stamp_) return;
+  open.snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open.editor.Editor()));
+  open.snapshotStamp = stamp_;
+  open.compact.reset();
+  open.view = RshviewEditorView(*open.snapshot, RshviewJsonText(RshviewUnitsJson()));
+}
+
 RshviewServeSession::OpenEditor* RshviewServeSession::OpenEditorOf(KEPHostShaderNode* node,
                                                                    bool classic, bool restricted,
+                                                                   const std::string& client,
+                                                                   const std::string& view,
                                                                    RshviewReply& reply) {
-  auto& slot = editors_[EditorKey(node->Id(), classic, restricted)];
-  if (slot) return slot.get();
-  auto open = std::make_unique<OpenEditor>();
-  open->node = node->Id();
-  open->classic = classic;
-  open->restricted = restricted;
-  std::string message;
-  if (!open->editor.Build(node, restricted, message, classic)) {
-    editors_.erase(EditorKey(node->Id(), classic, restricted));
-    reply = RshviewReply::Error(404, "no editor", message);
-    return nullptr;
+  const std::string key = EditorKey(client, node->Id(), classic, restricted);
+  auto kept = editors_.find(key);
+  if (kept == editors_.end()) {
+    auto made = std::make_unique<OpenEditor>();
+    made->node = node->Id();
+    made->classic = classic;
+    made->restricted = restricted;
+    std::string message;
+    if (!made->editor.Build(node, restricted, message, classic)) {
+      reply = RshviewReply::Error(404, "no editor", message);
+      return nullptr;
+    }
+    if (editors_.size() >= kMaxOpenEditors)
+      editors_.erase(std::min_element(editors_.begin(), editors_.end(), [](auto& a, auto& b) {
+        return a.second->lastUse < b.second->lastUse;
+      }));
+    kept = editors_.emplace(key, std::move(made)).first;
   }
-  slot = std::move(open);
-  return slot.get();
+  OpenEditor& open = *kept->second;
+  open.lastUse = ++uses_;
+  if (open.rebuild) {
+    std::string message;
+    if (!open.editor.Build(node, restricted, message, classic)) {
+      editors_.erase(kept);
+      reply = RshviewReply::Error(404, "no editor", message);
+      return nullptr;
+    }
+    open.rebuild = false;
+    open.snapshot.reset();
+  }
+  if (!view.empty()) {
+    Snapshot(open);
+    if (open.view != view) {
+      // The event's path was read from a tree whose widgets stood for other things.
+      reply = RshviewReply::Error(
+          409, "stale editor",
+          "the " +
+              std::string(classic      ? "classic"
+                          : restricted ? "restricted"
+                                       : "immersive") +
+              " editor of node '" + node->Id() + "' no longer shows what it showed in view " +
+              view + " (now " + open.view +
+              ": the units changed, a connection changed its rows, or it was left in another "
+              "state): fetch it again and repeat the change");
+      return nullptr;
+    }
+  }
+  return &open;
 }
 
 RshviewReply RshviewServeSession::Document() {
@@ -192,42 +268,52 @@ RshviewReply RshviewServeSession::Document() {
   Json units = Json::object();
   const Json all = RshviewUnitsJson();
   for (const auto& [magnitude, value] : all.items()) units[magnitude] = value["unit"];
-  return RshviewReply::Json({{"path", Absolute(context_.options.doc)},
-                             {"library", Absolute(context_.options.library)},
-                             {"saved", !dirty_},
-                             {"instance", instance_},
-                             {"revision", Revision()},
-                             {"units", units},
-                             {"nodes", nodes}});
+  const std::string path = Absolute(context_.options.doc);
+  Json answer{{"path", path},           {"library", Absolute(context_.options.library)},
+              {"saved", !dirty_},       {"instance", instance_},
+              {"revision", Revision()}, {"units", units}};
+  // Changes a stop could not save into the document, while it is not saved after them.
+  if (const auto recovery = RshviewFindRecovery(path))
+    answer["recovery"] = {
+        {"path", recovery->path}, {"modified", recovery->modified}, {"count", recovery->count}};
+  answer["nodes"] = std::move(nodes);
+  return RshviewReply::Json(answer);
 }
 
 RshviewReply RshviewServeSession::Editor(const std::string& id, const std::string& kind,
-                                         bool restricted) {
+                                         bool restricted, const std::string& client, bool compact) {
   RshviewReply reply;
   KEPHostShaderNode* node = FindNode(id, reply);
   if (!node) return reply;
-  OpenEditor* open = OpenEditorOf(node, kind == "classic", restricted, reply);
+  OpenEditor* open = OpenEditorOf(node, kind == "classic", restricted, client, {}, reply);
   if (!open) return reply;
-  // The tree is written as text directly, as `rshview dump --format json` writes it.
-  const Json head{{"node", node->Id()},
-                  {"type", node->TypeName()},
-                  {"editorKind", kind},
-                  {"restricted", restricted},
-                  {"revision", Revision()}};
   // The tree written for the last request or event serves again while nothing changed since:
   // a large editor's tree takes longer to write and read than to send.
-  if (!open->snapshot || open->snapshotStamp != stamp_) {
-    open->snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open->editor.Editor()));
-    open->snapshotStamp = stamp_;
+  Snapshot(*open);
+  // The tree is written as text directly, as `rshview dump --format json` writes it.
+  const Json head{{"node", node->Id()},       {"type", node->TypeName()}, {"editorKind", kind},
+                  {"restricted", restricted}, {"view", open->view},       {"revision", Revision()}};
+  const std::string* tree = &open->snapshot->Text();
+  std::string_view defaults;
+  if (compact) {
+    if (!open->compact) open->compact = RshviewCompactTree(*tree).value_or(std::string());
+    // A tree the compact writer cannot read (none the host writes) goes out whole.
+    if (!open->compact->empty()) {
+      tree = &*open->compact;
+      defaults = RshviewCompactDefaults();
+    }
   }
   const std::string headText = RshviewJsonText(head);
   const std::string_view headOpen(headText.data(), headText.size() - 1);  // without its brace
+  static constexpr std::string_view kDefaultsKey = ",\"defaults\":";
   static constexpr std::string_view kEditorKey = ",\"editor\":";
-  const std::string& tree = open->snapshot->Text();
   // Made at its final size in one go: the tree is megabytes for a large node.
   std::string text;
-  text.reserve(headOpen.size() + kEditorKey.size() + tree.size() + 1);
-  text.append(headOpen).append(kEditorKey).append(tree).push_back('}');
+  text.reserve(headOpen.size() + kDefaultsKey.size() + defaults.size() + kEditorKey.size() +
+               tree->size() + 1);
+  text.append(headOpen);
+  if (!defaults.empty()) text.append(kDefaultsKey).append(defaults);
+  text.append(kEditorKey).append(*tree).push_back('}');
   return RshviewReply{200, std::move(text), kRshviewJsonType};
 }
 
@@ -235,26 +321,39 @@ template <class Change>
 RshviewReply RshviewServeSession::Changed(OpenEditor& open, const std::string& client,
                                           Change change) {
   KEPVidWidget* editor = open.editor.Editor();
-  if (!open.snapshot || open.snapshotStamp != stamp_)
-    open.snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  Snapshot(open);
   writes_ = Json::array();
+  connections_ = Json::array();
+  created_ = Json::array();
   client_ = client;
+  acting_ = &open;
   const std::optional<RshviewReply> refused = change();
+  acting_ = nullptr;
+  // A node made without a connection change (a dialog that created it and connected nothing).
+  for (Json& made : log_.NewNodes()) created_.push_back(std::move(made));
   client_.clear();
   ++stamp_;
-  if (refused) {
-    writes_ = Json::array();
-    return *refused;
-  }
   auto after = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(editor));
+  // A refusal still answers what was done before it: the writes went out on the stream already,
+  // and the tab that asked ignores its own there. Its error and detail come first.
+  std::string text = "{";
+  if (refused && refused->body.size() > 2 && refused->body.back() == '}')
+    text.append(refused->body, 1, refused->body.size() - 2).push_back(',');
   // Written as text: the changed subtrees go out as the tree's own text.
-  std::string text = "{\"writes\":" + RshviewJsonText(writes_) + ",\"changed\":" +
-                     RshviewChangedWidgetsJson(RshviewChangedWidgets(*open.snapshot, *after)) +
-                     ",\"revision\":" + std::to_string(Revision()) + "}";
+  text += "\"writes\":" + RshviewJsonText(writes_) +
+          ",\"connections\":" + RshviewJsonText(connections_) +
+          ",\"created\":" + RshviewJsonText(created_) + ",\"changed\":" +
+          RshviewChangedWidgetsJson(RshviewChangedWidgets(*open.snapshot, *after)) +
+          ",\"revision\":" + std::to_string(Revision());
   writes_ = Json::array();
+  connections_ = Json::array();
+  created_ = Json::array();
   open.snapshot = std::move(after);
   open.snapshotStamp = stamp_;
-  return RshviewReply{200, std::move(text), kRshviewJsonType};
+  open.compact.reset();
+  open.view = RshviewEditorView(*open.snapshot, RshviewJsonText(RshviewUnitsJson()));
+  text += ",\"view\":\"" + open.view + "\"}";
+  return RshviewReply{refused ? refused->status : 200, std::move(text), kRshviewJsonType};
 }
 
 RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEditorEvent& event,
@@ -268,7 +367,8 @@ RshviewReply RshviewServeSession::Event(const std::string& id, const RshviewEdit
                                "unknown action '" + event.action +
                                    "' (set, type, press, toggle, select, expand, collapse, color, "
                                    "choose, open, close, drag, ok, cancel)");
-  OpenEditor* open = OpenEditorOf(node, event.editor == "classic", event.restricted, reply);
+  OpenEditor* open =
+      OpenEditorOf(node, event.editor == "classic", event.restricted, client, event.view, reply);
   if (!open) return reply;
   return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
     std::string error;
@@ -283,54 +383,73 @@ RshviewReply RshviewServeSession::Reset(const std::string& id, const RshviewPara
   RshviewReply reply;
   KEPHostShaderNode* node = FindNode(id, reply);
   if (!node) return reply;
-  const auto& parameters = node->Parameters();
-  const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& p) {
-    KEPString name;
-    p->GetName(name);
-    return name == reset.parameter;
-  });
-  if (found == parameters.end()) {
-    std::string names;
-    for (const auto& p : parameters) {
+  KEPHostParameter* parameter = nullptr;
+  // A stale view is refused before anything is resolved.
+  OpenEditor* open =
+      OpenEditorOf(node, reset.editor == "classic", reset.restricted, client, reset.view, reply);
+  if (!open) return reply;
+  if (!reset.path.empty()) {
+    // The label is resolved in the editor as it stands: the shader its classic frame shows, the
+    // sub-shader whose immersive editor holds the row.
+    parameter = RshviewParameterOfLabel(open->editor.Editor(), *node, *context_.document,
+                                        open->classic, reset.path, reply);
+    if (!parameter) return reply;
+  } else {
+    const auto& parameters = node->Parameters();
+    const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& p) {
       KEPString name;
       p->GetName(name);
-      names += (names.empty() ? "" : ", ") + name;
+      return name == reset.parameter;
+    });
+    if (found == parameters.end()) {
+      std::string names;
+      for (const auto& p : parameters) {
+        KEPString name;
+        p->GetName(name);
+        names += (names.empty() ? "" : ", ") + name;
+      }
+      return RshviewReply::Error(404, "unknown parameter",
+                                 "node '" + id + "' (type " + node->TypeName() +
+                                     ") has no parameter '" + reset.parameter +
+                                     "' (parameters: " + names + ")");
     }
-    return RshviewReply::Error(404, "unknown parameter",
-                               "node '" + id + "' (type " + node->TypeName() +
-                                   ") has no parameter '" + reset.parameter +
-                                   "' (parameters: " + names + ")");
+    parameter = found->Get();
   }
-  KEPHostParameter& parameter = **found;
+  const KEPHostShaderNode* owner = parameter->Father() ? parameter->Father() : node;
+  KEPString name;
+  parameter->GetName(name);
   const KEPHostParameterDefinition* definition =
-      RshviewFindDefinition(*context_.document->Library(), node->TypeName(), reset.parameter);
-  const std::string where = "parameter '" + reset.parameter + "' of node '" + id + "'";
+      RshviewFindDefinition(*context_.document->Library(), owner->TypeName(), name);
+  const std::string where = "parameter '" + name + "' of node '" + owner->Id() + "'";
   if (!definition)
     return RshviewReply::Error(
         422, "no default",
-        where + ": the library declares no such parameter for type " + node->TypeName());
+        where + ": the library declares no such parameter for type " + owner->TypeName());
   if (definition->defaultValue.type == KEPRmaType::Void)
     return RshviewReply::Error(422, "no default",
                                where + " only takes a connection: it has no value to reset");
-  if (definition->defaultValue.type != parameter.Value().type)
+  if (definition->defaultValue.type != parameter->Value().type)
     return RshviewReply::Error(422, "no default",
-                               where + " holds a " + KEPRmaTypeName(parameter.Value().type) +
+                               where + " holds a " + KEPRmaTypeName(parameter->Value().type) +
                                    " but the library declares a " +
                                    KEPRmaTypeName(definition->defaultValue.type));
-  OpenEditor* open = OpenEditorOf(node, reset.editor == "classic", reset.restricted, reply);
-  if (!open) return reply;
-  return Changed(*open, client, [&]() -> std::optional<RshviewReply> {
+  RshviewReply answer = Changed(*open, client, [&]() -> std::optional<RshviewReply> {
     // A parameter that holds its default already is not written: no write, no new revision.
-    if (KEPHostValueJson::Write(parameter.Value(), "") ==
+    if (KEPHostValueJson::Write(parameter->Value(), "") ==
         KEPHostValueJson::Write(definition->defaultValue, ""))
       return std::nullopt;
     // The setter writes under the render lock, and the observers (the editors, the event
     // stream) hear of it once the lock is released.
-    if (FAILED(RshviewWriteValue(parameter, definition->defaultValue)))
+    if (FAILED(RshviewWriteValue(*parameter, definition->defaultValue)))
       return RshviewReply::Error(500, "internal error",
                                  where + ": the default could not be written");
     return std::nullopt;
   });
+  // The answer names the parameter taken, which a label's path does not tell the client.
+  if (answer.body.starts_with('{'))
+    answer.body.insert(
+        1, "\"reset\":" + RshviewJsonText({{"node", owner->Id()}, {"parameter", name}}) + ",");
+  return answer;
 }
 
 RshviewReply RshviewServeSession::Material(const std::string& id) {
@@ -424,18 +543,32 @@ RshviewReply RshviewServeSession::SetUnits(const nlohmann::json& body, const std
     if (message.starts_with("--units: ")) message.erase(0, 9);
     return RshviewReply::Error(400, "bad request", message);
   }
-  if (persist && !RshviewStoreUnits(message))
+  if (persist && !RshviewStoreUnits(message)) {
+    // The units are process-wide and were changed to be stored: they go back to what the open
+    // editors show, so that a failed request changes nothing.
+    std::string previous, ignored;
+    for (const auto& [magnitude, value] : current.items())
+      previous +=
+          (previous.empty() ? "" : ",") + magnitude + "=" + value["unit"].get<std::string>();
+    if (!previous.empty()) RshviewApplyUnits(previous, ignored);
     return RshviewReply::Error(500, "internal error", message);
+  }
   const Json now = RshviewUnitsJson();
   // Nothing changed (an empty body, or the units already shown): no rebuild and no event.
   if (now == current) return RshviewReply::Json(now);
   // The editors show values in the display units they were built with: build them afresh.
   ++stamp_;
-  for (auto& [key, open] : editors_) {
-    KEPHostShaderNode* node = context_.document->FindNode(open->node);
-    std::string error;
-    if (!node || !open->editor.Build(node, open->restricted, error, open->classic))
-      context_.err << "rshview serve: " << error << "\n";
+  // One that fails is dropped: the next request builds it again or answers why it cannot.
+  for (auto it = editors_.begin(); it != editors_.end();) {
+    OpenEditor& open = *it->second;
+    KEPHostShaderNode* node = context_.document->FindNode(open.node);
+    std::string error = "node '" + open.node + "' is no longer in the document";
+    if (node && open.editor.Build(node, open.restricted, error, open.classic)) {
+      ++it;
+      continue;
+    }
+    context_.err << "rshview serve: " << error << "\n";
+    it = editors_.erase(it);
   }
   Json announced = Json::object();
   for (const auto& [magnitude, value] : now.items()) announced[magnitude] = value["unit"];

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 
+#include "KEPRshModelEvents.h"
 #include "RshviewCommand.h"
 #include "RshviewEditor.h"
 #include "RshviewEditorDiff.h"
@@ -26,14 +27,21 @@ struct RshviewEditorEvent {
   std::string action;
   std::string path;
   std::string argument;
+  /// The `view` of the editor answer the event was made on; when given, an editor built again
+  /// since refuses the event (its paths may mean other widgets now).
+  std::string view;
 };
 
-/// A reset of one parameter to its default, as POST /api/nodes/{id}/reset gives it; `editor` and
-/// `restricted` name the editor whose changed widgets the answer lists.
+/// A reset of one parameter to its default, as POST /api/nodes/{id}/reset gives it: the
+/// parameter of the label at `path` in that editor (the editor resolves it), or the node's
+/// parameter named `parameter`; `editor` and `restricted` name the editor whose changed widgets
+/// the answer lists.
 struct RshviewParameterReset {
   std::string editor = "immersive";
   bool restricted = false;
   std::string parameter;
+  std::string path;
+  std::string view;  ///< as RshviewEditorEvent::view
 };
 
 class RshviewServeSession {
@@ -45,8 +53,17 @@ class RshviewServeSession {
   RshviewServeSession(const RshviewServeSession&) = delete;
   RshviewServeSession& operator=(const RshviewServeSession&) = delete;
 
+  /// At most this many editors are kept open; the one used longest ago is closed for a new one.
+  static constexpr std::size_t kMaxOpenEditors = 24;
+
   RshviewReply Document();
-  RshviewReply Editor(const std::string& node, const std::string& kind, bool restricted);
+  /// The editor of `node` that `client` works in. Each client (a browser tab) has editors of its
+  /// own, so that walking the classic editor into a sub-shader or opening a popup in one tab does
+  /// not change what the widget paths of another tab's next event mean; values written anywhere
+  /// show in every editor. The answer's `view` (RshviewEditorView) tells what its paths mean.
+  /// `compact`: the tree in its compact form (RshviewCompactTree), with the defaults it leaves out.
+  RshviewReply Editor(const std::string& node, const std::string& kind, bool restricted,
+                      const std::string& client, bool compact = false);
   RshviewReply Event(const std::string& node, const RshviewEditorEvent& event,
                      const std::string& client);
   /// Writes the default the library declares for the parameter (nothing when it holds it already).
@@ -73,6 +90,7 @@ class RshviewServeSession {
  private:
   struct OpenEditor {
     std::string node;
+    std::uint64_t lastUse = 0;
     bool classic = false;
     bool restricted = false;
     RshviewEditor editor;
@@ -81,17 +99,27 @@ class RshviewServeSession {
     /// and the answer to the next request of the editor.
     std::unique_ptr<RshviewWidgetText> snapshot;
     std::uint64_t snapshotStamp = 0;
+    /// The snapshot's compact form, made on the first request that asks for it.
+    std::optional<std::string> compact;
+    /// The snapshot's view: an event made on a tree of another view is refused.
+    std::string view;
+    /// Another editor changed a connection: built again before the next use.
+    bool rebuild = false;
   };
+  /// Writes the tree of `open` again when something changed it since (its snapshot and view).
+  void Snapshot(OpenEditor& open);
   /// The node `id`, or null with `reply` set to the 404 answer.
   KEPHostShaderNode* FindNode(const std::string& id, RshviewReply& reply) const;
-  /// The editor kept for (node, kind), built on first use; null with `reply` set on failure.
+  /// The editor kept for (client, node, kind), built on first use; null with `reply` set on
+  /// failure, or when `view` is given and is not the editor's view now (409).
   OpenEditor* OpenEditorOf(KEPHostShaderNode* node, bool classic, bool restricted,
-                           RshviewReply& reply);
-  /// Runs `change` as `client`: its error answer when it returns one, else the writes it made and
-  /// the widgets of `open` it changed.
+                           const std::string& client, const std::string& view, RshviewReply& reply);
+  /// Runs `change` as `client` and answers the writes, connection changes and created nodes it
+  /// made and the widgets of `open` it changed; when `change` returns an error answer, that
+  /// answer's status and error with the same lists (what was done before the refusal is done).
   template <class Change>
   RshviewReply Changed(OpenEditor& open, const std::string& client, Change change);
-  void NoteWrite(KEPIRshParameter* parameter);
+  void NoteWrite(KEPIRshParameter* parameter, KEPRshParameterChangeKind kind);
   static nlohmann::ordered_json Origin(const std::string& client);
 
   RshviewContext& context_;
@@ -103,7 +131,11 @@ class RshviewServeSession {
   std::string instance_;
   /// Grows with every event, every parameter write and every rebuild of the editors.
   std::uint64_t stamp_ = 0;
+  std::uint64_t uses_ = 0;              ///< requests that used an editor
+  const OpenEditor* acting_ = nullptr;  ///< the editor whose event or reset is running
   bool dirty_ = false;
-  std::string client_;             ///< the client whose request is running
-  nlohmann::ordered_json writes_;  ///< the writes of the event that is running
+  std::string client_;                  ///< the client whose request is running
+  nlohmann::ordered_json writes_;       ///< the value writes of the event that is running
+  nlohmann::ordered_json connections_;  ///< its connection changes
+  nlohmann::ordered_json created_;      ///< the nodes it created
 };

@@ -3,11 +3,13 @@
 // nothing typed while the server is away is lost.
 
 export class ApiError extends Error {
-  constructor(status, error, detail) {
+  /** `answer`: the whole error answer (a refused event also lists what it did before). */
+  constructor(status, error, detail, answer = null) {
     super(typeof detail === 'string' && detail ? `${error}: ${detail}` : error);
     this.status = status;
     this.error = error;
     this.detail = detail;
+    this.answer = answer;
   }
 }
 
@@ -54,7 +56,7 @@ export class Api {
     const type = response.headers.get('Content-Type') || '';
     const data = type.includes('json') ? await response.json().catch(() => null) : null;
     if (!response.ok) {
-      if (data && data.error) throw new ApiError(response.status, data.error, data.detail);
+      if (data && data.error) throw new ApiError(response.status, data.error, data.detail, data);
       throw new ApiError(response.status, `HTTP ${response.status}`, response.statusText);
     }
     this.setOnline(true);
@@ -81,8 +83,12 @@ export class Api {
   }
 
   document() { return this.request('GET', '/api/document'); }
+  /**
+   * A node's editor. Its tree comes compact (half the text to read); the view fills in each
+   * widget from `defaults` as it draws it (compact.js).
+   */
   editor(node, kind) {
-    return this.request('GET', `/api/nodes/${encodeNode(node)}/editor?editor=${kind}`);
+    return this.request('GET', `/api/nodes/${encodeNode(node)}/editor?editor=${kind}&compact=1`);
   }
   material(node) { return this.request('GET', `/api/nodes/${encodeNode(node)}/material`); }
   units() { return this.request('GET', '/api/units'); }

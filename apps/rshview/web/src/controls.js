@@ -55,6 +55,24 @@ export function leadingNumber(text) {
   return m ? Number(m[1]) : NaN;
 }
 
+/**
+ * Reads a number typed in a field whose unit is `suffix`: the number alone or followed by that
+ * unit (spaces allowed around it); NaN for anything else ("12 cm" in a field in mm is refused
+ * rather than taken as 12 mm).
+ */
+export function typedNumber(text, suffix = '') {
+  const m = /^\s*([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)\s*(.*?)\s*$/.exec(String(text));
+  if (!m) return NaN;
+  const unit = String(suffix).trim();
+  return m[2] === '' || (unit !== '' && m[2] === unit) ? Number(m[1]) : NaN;
+}
+
+/** The unit a number's text shows after it ("0.50 mm" → "mm"; "" when none). */
+export function trailingUnit(text) {
+  const m = /^\s*[-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?\s*(.*?)\s*$/.exec(String(text ?? ''));
+  return m ? m[1] : '';
+}
+
 const clamp = (v, lo, hi) => Math.min(Math.max(v, lo), hi);
 
 // ---------------------------------------------------------------------------------------------
@@ -178,23 +196,68 @@ function makeField(onCommit, { numeric = false, width } = {}) {
   return input;
 }
 
+/** How long after the last arrow press the field waits for the answers before it shows them. */
+const STEP_SETTLE_MS = 800;
+
 /**
- * The text field of a number: a typed number is sent to the widget at the path of `widget()`,
- * anything else refused with a message; the arrow keys call `stepBy` with ±1 (±10 with Shift).
+ * The text field of a number: a typed number (alone or followed by the field's own unit,
+ * `suffix()`) is sent to the widget at the path of `widget()`, anything else refused with a
+ * message; the arrow keys call `stepBy(k, from)` with k = ±1 (±10 with Shift), which sends the
+ * value stepped from `from` (the widget's own value when undefined) and returns the text it sent.
+ *
+ * A step starts from what the field shows: the text being typed, else the value of the last step
+ * still on its way (quick presses add up instead of each stepping from the widget's last known
+ * value), else the widget's value. The field shows each step's value at once and keeps it while
+ * the answers catch up.
  */
-function makeNumberField(ctx, widget, stepBy) {
+function makeNumberField(ctx, widget, stepBy, suffix = () => '') {
   const input = makeField((text) => {
-    const v = leadingNumber(text);
-    if (Number.isNaN(v)) ctx.error(`${widget().path}: '${text}' is not a number`), input.setShown(input._shown);
-    else ctx.send('set', widget().path, String(v));
+    const unit = suffix().trim();
+    const v = typedNumber(text, unit);
+    if (!Number.isNaN(v)) {
+      ctx.send('set', widget().path, String(v));
+      return;
+    }
+    ctx.error(`${widget().path}: '${text.trim()}' is not a number${unit ? ` in ${unit}` : ''}`);
+    input.setShown(input._shown);
   }, { numeric: true });
   input.setAttribute('role', 'spinbutton');
-  input.addEventListener('keydown', (e) => {
-    if (e.key === 'ArrowUp' || e.key === 'ArrowDown') {
-      e.preventDefault();
-      stepBy((e.key === 'ArrowUp' ? 1 : -1) * (e.shiftKey ? 10 : 1));
+  input._pending = undefined;
+  const show = input.setShown;
+  const settle = () => {
+    clearTimeout(input._settleTimer);
+    input._pending = undefined;
+    if (input._answered !== undefined) show(input._answered);
+    input._answered = undefined;
+  };
+  input.setShown = (text) => {
+    if (input._pending !== undefined && leadingNumber(text) !== input._pending) {
+      input._answered = text; // shown when the steps settle
+      return;
     }
+    input._answered = undefined;
+    if (input._pending !== undefined) {
+      clearTimeout(input._settleTimer);
+      input._pending = undefined;
+    }
+    show(text);
+  };
+  input.addEventListener('keydown', (e) => {
+    if (e.key !== 'ArrowUp' && e.key !== 'ArrowDown') return;
+    e.preventDefault();
+    const typed = input._typing ? typedNumber(input.value, suffix()) : NaN;
+    const from = Number.isFinite(typed) ? typed : input._pending;
+    input._typing = false;
+    const sent = stepBy((e.key === 'ArrowUp' ? 1 : -1) * (e.shiftKey ? 10 : 1), from);
+    const value = leadingNumber(sent);
+    if (!Number.isFinite(value)) return;
+    input._pending = value;
+    // What was sent is what the field shows: leaving it sends nothing more.
+    input._shown = input.value = String(sent);
+    clearTimeout(input._settleTimer);
+    input._settleTimer = setTimeout(settle, STEP_SETTLE_MS);
   });
+  input.addEventListener('blur', () => { if (input._pending !== undefined) settle(); });
   return input;
 }
 
@@ -316,12 +379,15 @@ const editor = {
 
 const spinBox = {
   create(w, ctx) {
-    const send = (v) => ctx.send('set', el._w.path, String(v));
-    const stepBy = (k) => {
-      const s = el._w.state;
-      send(Number(formatNumber((s.value ?? 0) + k * (s.singleStep || 1), s.decimals ?? 0)));
+    const send = (v) => {
+      ctx.send('set', el._w.path, String(v));
+      return String(v);
     };
-    const input = makeNumberField(ctx, () => el._w, stepBy);
+    const stepBy = (k, from = el._w.state?.value ?? 0) => {
+      const s = el._w.state;
+      return send(Number(formatNumber(from + k * (s.singleStep || 1), s.decimals ?? 0)));
+    };
+    const input = makeNumberField(ctx, () => el._w, stepBy, () => el._w.state?.suffix || '');
     scrubbable(input, {
       get: () => el._w.state?.value ?? 0,
       integer: () => el._w.class === 'KEPVidCtlSpinBox',
@@ -599,10 +665,13 @@ function shownFactor(s) {
 
 const spinner = {
   create(w, ctx) {
-    const send = (v) => ctx.send('set', el._w.path, String(v));
+    const send = (v) => {
+      ctx.send('set', el._w.path, String(v));
+      return String(v);
+    };
     const shown = () => leadingNumber(el._w.state?.text) || 0;
     const step = () => (el._w.state?.step || 1) * shownFactor(el._w.state || {});
-    const input = makeNumberField(ctx, () => el._w, (k) => send(shown() + k * step()));
+    const input = makeNumberField(ctx, () => el._w, (k, from = shown()) => send(Number(formatNumber(from + k * step()))), () => trailingUnit(el._w.state?.text));
     scrubbable(input, { get: shown, step, preview: (v) => { input.value = formatNumber(v, 3); }, commit: (v) => send(Number(formatNumber(v, 6))) });
     const el = h('div', { class: 'spinbox classic' }, input);
     el._input = input;

@@ -6,8 +6,8 @@ import { NodeList } from './nodes.js';
 import { Preview, loadTexture, sphereMaterial } from './preview.js';
 import { leadingNumber } from './controls.js';
 import { EditorView, showsSomething } from './view.js';
-import { describeWrite } from './values.js';
-import { parameterOfLabel } from './reset.js';
+import { describeConnection, describeWrite } from './values.js';
+import { isParameterLabel, resetBody, resetTarget } from './reset.js';
 
 const $ = (id) => document.getElementById(id);
 
@@ -17,8 +17,12 @@ const app = {
   kind: localStorage.getItem('rshview.editor') === 'classic' ? 'classic' : 'immersive',
   revision: 0,
   instance: null, // the server's run, from the document and the stream's hello
+  restartToTell: false, // a restart seen on the stream, told once the new document is read
   editorRequest: 0,
   materialRequest: 0,
+  // What the shown editor's widget paths mean (the answers' `view`), sent with each event: an
+  // editor that shows other things there now refuses it instead of playing it on other widgets.
+  editorView: null,
 };
 window.rshview = app; // for the browser tests and for a person at the console
 
@@ -58,6 +62,7 @@ app.api = api;
 const view = new EditorView($('editor'), {
   send: (action, path, argument = '') => sendEvent(action, path, argument),
   error: (text) => showError(text),
+  status: (text) => setStatus(text),
 });
 app.view = view;
 
@@ -73,11 +78,12 @@ async function sendEvent(action, path, argument) {
   const node = app.node;
   const kind = app.kind;
   if (!node) return;
-  const event = { editor: kind, action, path, argument: String(argument ?? '') };
+  const event = withView({ editor: kind, action, path, argument: String(argument ?? '') });
   try {
     const answer = await api.send(node, event);
     clearError();
     if (node !== app.node || kind !== app.kind) return;
+    noteView(answer);
     view.patch(answer.changed);
     noteRevision(answer.revision);
     const writes = answer.writes || [];
@@ -89,14 +95,18 @@ async function sendEvent(action, path, argument) {
       view.update(own, own._w);
       if (refused) showError(`${nodeLabel(node)}: '${argument}' was not taken${own._w.tooltip ? ` (${own._w.tooltip})` : ''}`);
     }
-    if (writes.length > 0) {
-      setStatus(writes.map(describeWrite).join('; '));
-      setSaved(false);
-      refreshMaterial();
-    }
+    noteDone(answer);
   } catch (e) {
-    if (e instanceof ApiError) {
+    if (isStale(e)) {
+      staleEditor(node, kind);
+    } else if (e instanceof ApiError) {
       showError(e);
+      // What the event did before it was refused (writes, widgets) shows like any answer's.
+      if (e.answer && node === app.node && kind === app.kind) {
+        noteView(e.answer);
+        view.patch(e.answer.changed || []);
+        noteDone(e.answer);
+      }
       // The widget shows its last state again: what was refused is not left on screen.
       const el = view.element(path);
       if (el && node === app.node) view.update(el, el._w);
@@ -106,42 +116,73 @@ async function sendEvent(action, path, argument) {
   }
 }
 
+/** `body` with the shown editor's view, when the page has one. */
+function withView(body) {
+  return app.editorView ? { ...body, view: app.editorView } : body;
+}
+
+/** The view of the editor after this tab's event (a popup opened, a walk into a sub-shader). */
+function noteView(answer) {
+  if (typeof answer?.view === 'string') app.editorView = answer.view;
+}
+
+function isStale(e) {
+  return e instanceof ApiError && e.status === 409 && e.error === 'stale editor';
+}
+
+/**
+ * The server built the editor again since the page drew it: the refused change was made on
+ * widgets that may mean others now. The editor is drawn afresh and the person told to repeat it.
+ */
+function staleEditor(node, kind) {
+  if (node !== app.node || kind !== app.kind) return;
+  loadEditor({ keepScroll: true }).then(() => {
+    if (node === app.node && kind === app.kind) {
+      showError('The editor had changed on the server: it is shown again; repeat your change');
+    }
+  });
+}
+
+/**
+ * What an answer of this tab's event or reset did besides the widgets it lists: the status line,
+ * the saved mark and the preview; a connection change or a node made reads the document (node
+ * list, sub-shaders) again. True when it changed anything.
+ */
+function noteDone(answer, suffix = '') {
+  noteRevision(answer.revision);
+  const connections = answer.connections || [];
+  const created = answer.created || [];
+  const texts = [
+    ...created.map((n) => `new node ${n.id}`),
+    ...connections.map(describeConnection),
+    ...(answer.writes || []).map(describeWrite),
+  ];
+  if (connections.length > 0 || created.length > 0) loadDocument().catch(showError);
+  if (texts.length === 0) return false;
+  setStatus(`${texts.join('; ')}${suffix}`);
+  setSaved(false);
+  refreshMaterial();
+  return true;
+}
+
 /** Sets the parameter of a label back to its default (Ctrl-click or double-click on the label). */
 async function resetLabel(labelEl) {
   const path = labelEl?._w?.path;
   const node = app.node;
   const kind = app.kind;
-  if (!path || !node) return;
-  const target = parameterOfLabel({
-    path,
-    kind,
-    nodeId: node,
-    doc: app.doc,
-    labelText: (p) => view.element(p)?.textContent ?? null,
-  });
-  if (!target) {
-    showError(`'${labelEl.textContent}' names no single parameter to reset`);
-    return;
-  }
+  if (!path || !node || !isParameterLabel(path)) return;
   try {
-    const answer = await api.reset(target.node, { editor: kind, parameter: target.parameter });
+    // The server finds the parameter from the label in the editor as it stands, and refuses a
+    // row the editor hides or locks.
+    const answer = await api.reset(node, withView(resetBody(kind, path)));
     clearError();
     if (node !== app.node || kind !== app.kind) return;
-    noteRevision(answer.revision);
-    // The answer lists the widgets of the parameter's own node's editor: those of a sub-shader
-    // shown inside this node's editor are fetched again.
-    if (target.node === node) view.patch(answer.changed);
-    else if ((answer.writes || []).length > 0) loadEditor();
-    const writes = answer.writes || [];
-    if (writes.length > 0) {
-      setStatus(`${writes.map(describeWrite).join('; ')} (default)`);
-      setSaved(false);
-      refreshMaterial();
-    } else {
-      setStatus(`${target.node}.${target.parameter} is at its default already`);
-    }
+    noteView(answer);
+    view.patch(answer.changed);
+    if (!noteDone(answer, ' (default)')) setStatus(`${resetTarget(answer, labelEl.textContent)} is at its default already`);
   } catch (e) {
-    showError(e);
+    if (isStale(e)) staleEditor(node, kind);
+    else showError(e);
   }
 }
 
@@ -157,6 +198,41 @@ function typedDiffers(w, action, argument) {
 }
 
 const RESTARTED = 'The server restarted: the document was read again';
+const RECOVERY_CLOSED = 'rshview.recoveryClosed';
+
+/** What the status says of a restart, once the new run's document is read. */
+function restartedText(doc) {
+  return doc?.recovery ? `${RESTARTED}; changes not saved when the server stopped are in ${doc.recovery.path}` : RESTARTED;
+}
+
+/** A path as a shell reads it, quoted when it holds more than safe characters. */
+function shellWord(path) {
+  return /^[\w/.,:@%=+-]+$/.test(path) ? path : `'${path.replace(/'/g, "'\\''")}'`;
+}
+
+/**
+ * Shows the banner of the document's recovery file (changes a stop of the server wrote beside
+ * the document instead of into it) until the person closes it; hides it when there is none.
+ */
+function showRecovery(doc) {
+  const banner = $('recovery');
+  const recovery = doc.recovery;
+  const key = recovery ? `${recovery.path}@${recovery.modified}` : '';
+  if (!recovery || localStorage.getItem(RECOVERY_CLOSED) === key) {
+    banner.hidden = true;
+    return;
+  }
+  const when = new Date(recovery.modified);
+  const file = shellWord(recovery.path);
+  $('recovery-text').replaceChildren(
+    `Changes not saved into the document when the server stopped${Number.isNaN(when.getTime()) ? '' : ` (${when.toLocaleString()})`} are in `,
+    h('code', {}, recovery.path),
+    '. To look at them beside this server: ', h('code', {}, `rshview serve --port 0 --doc ${file}`),
+    '; to keep them, stop this server first (it would write over them), then move that file over the document: ', h('code', {}, `mv ${file} ${shellWord(doc.path)}`), '.',
+  );
+  banner.dataset.key = key;
+  banner.hidden = false;
+}
 
 /** Notes the server's run; true when it changed (the server restarted: revisions start again). */
 function noteInstance(instance) {
@@ -180,8 +256,13 @@ async function loadDocument() {
   const doc = await api.document();
   app.doc = doc;
   // Whichever answer shows the new run first (this one, after the page retried while the server
-  // was away, or the event stream's hello) tells the person.
-  if (noteInstance(doc.instance)) setStatus(RESTARTED);
+  // was away, or the event stream's hello) tells the person; once the new run's document is
+  // read, the status also says where the changes not saved at its stop are.
+  if (noteInstance(doc.instance) || app.restartToTell) {
+    app.restartToTell = false;
+    setStatus(restartedText(doc));
+  }
+  showRecovery(doc);
   noteRevision(doc.revision);
   $('doc-path').textContent = doc.path || '';
   $('doc-path').title = doc.path || '';
@@ -225,6 +306,7 @@ async function loadEditor({ keepScroll = true } = {}) {
   try {
     const answer = await api.editor(id, kind);
     if (ticket !== app.editorRequest) return;
+    app.editorView = answer.view ?? null;
     const pane = $('editor');
     const top = pane.scrollTop;
     const focused = document.activeElement?.closest?.('[data-path]')?.dataset.path;
@@ -233,9 +315,9 @@ async function loadEditor({ keepScroll = true } = {}) {
     const shown = document.body.dataset.editorNode === id && document.body.dataset.editorKind === kind;
     if (keepScroll && shown) {
       pane.querySelector(':scope > .editor-empty')?.remove();
-      view.refresh(answer.editor);
+      view.refresh(answer.editor, answer.defaults);
     } else {
-      view.load(answer.editor);
+      view.load(answer.editor, answer.defaults);
     }
     showIfEmpty(pane, kind, id, answer.editor);
     if (keepScroll) pane.scrollTop = top;
@@ -252,7 +334,7 @@ async function loadEditor({ keepScroll = true } = {}) {
 
 /** A note in place of an editor that has nothing a person could see or use. */
 function showIfEmpty(pane, kind, id, tree) {
-  if (showsSomething(tree)) return;
+  if (showsSomething(tree, view.expand)) return;
   pane.append(h('p', { class: 'editor-empty' }, `The ${kind} editor of ${nodeLabel(id)} shows no parameters.`));
 }
 
@@ -308,15 +390,23 @@ async function refreshAll() {
   }
 }
 
-/** The subtree of a node: a write to any of them changes what its editor and preview show. */
+/**
+ * Whether `nodeId` is the node shown or reached from it through connections: a write to any of
+ * them changes what its editor and preview show. A shared sub-shader is reached from every node
+ * connected to it, not only from the one listed as its parent.
+ */
 function concerns(nodeId) {
   if (!app.node || !app.doc) return false;
-  let id = nodeId;
-  for (let guard = 0; id && guard < 64; guard++) {
-    if (id === app.node) return true;
-    id = app.doc.nodes.find((x) => x.id === id)?.parent;
+  const byId = new Map(app.doc.nodes.map((n) => [n.id, n]));
+  const reached = new Set();
+  const stack = [app.node];
+  while (stack.length > 0) {
+    const id = stack.pop();
+    if (reached.has(id)) continue;
+    reached.add(id);
+    for (const s of byId.get(id)?.subShaders || []) stack.push(s.node);
   }
-  return false;
+  return reached.has(nodeId);
 }
 
 let refetchTimer = null;
@@ -335,6 +425,7 @@ function subscribe() {
     // 0. Else writes may have been missed while the stream was away: catch up.
     if (noteInstance(data.instance)) {
       setStatus(RESTARTED);
+      app.restartToTell = true;
       refreshAll();
     } else if (typeof data.revision === 'number' && data.revision > app.revision) {
       refreshAll();
@@ -348,6 +439,16 @@ function subscribe() {
     if (data.origin === api.clientId) return;
     setStatus(`${describeWrite(data)} (another window)`);
     if (concerns(data.node)) refetchSoon();
+  });
+  stream.addEventListener('connection', (e) => {
+    const data = JSON.parse(e.data);
+    noteRevision(data.revision);
+    setSaved(false);
+    if (data.origin === api.clientId) return;
+    setStatus(`${describeConnection(data)} (another window)`);
+    // The node list and the sub-shader tree changed: read again, then refetch what shows it.
+    const shown = concerns(data.node);
+    loadDocument().then(() => { if (shown || concerns(data.node)) refetchSoon(); }).catch(showError);
   });
   stream.addEventListener('units', (e) => {
     const data = JSON.parse(e.data);
@@ -401,6 +502,8 @@ function wire() {
     if (!el) return;
     e.preventDefault();
     window.getSelection()?.removeAllRanges(); // a double-click selects the label's word
+    // With Ctrl the first click reset it already: once is enough.
+    if (e.ctrlKey || e.metaKey) return;
     resetLabel(el);
   });
   $('editor').addEventListener('click', (e) => {
@@ -411,6 +514,10 @@ function wire() {
   });
   $('save').addEventListener('click', save);
   $('banner-retry').addEventListener('click', () => api.retry());
+  $('recovery-close').addEventListener('click', () => {
+    localStorage.setItem(RECOVERY_CLOSED, $('recovery').dataset.key);
+    $('recovery').hidden = true;
+  });
   $('node-filter').addEventListener('input', (e) => nodeList.filter(e.target.value));
   $('param-filter').addEventListener('input', (e) => view.filter(e.target.value));
   $('unit-length').addEventListener('change', (e) => changeUnit('length', e.target.value));

@@ -1,10 +1,14 @@
 // The preview: a sphere lit with the viewer material's answers, drawn with the shading model of
 // `rshview preview` (docs/rshview.md, "preview"): orthographic sphere of radius 0.45 N on grey
-// 128, light (-0.5, 0.6, 0.8), ambient 0.15, Lambert diffuse, Blinn-Phong specular with exponent
-// 2 + 126 glossiness, nearest texel with position/size/angle/flip/wrapping, mixed with the
-// background at 0.5 transparency. WebGL draws it; without WebGL the same model runs on the CPU.
+// 128, light (-0.5, 0.6, 0.8), ambient 0.15, Lambert diffuse, the luminosity's share of the base
+// colour at full strength, Blinn-Phong specular with exponent 2 + 126 glossiness, nearest texel
+// with position/size/angle/flip/wrapping, mixed with the background at 0.5 transparency. WebGL
+// draws it; without WebGL the same model runs on the CPU.
 
 const BACKGROUND = 128 / 255;
+
+/** A number clamped to 0..1; anything that is not a finite number is 0. */
+const unit = (value) => (Number.isFinite(value) ? Math.min(Math.max(value, 0), 1) : 0);
 
 /** The sphere's inputs from a GET /api/nodes/{id}/material answer. */
 export function sphereMaterial(answer) {
@@ -18,6 +22,8 @@ export function sphereMaterial(answer) {
     specularColor: three(l.specular?.color, [0, 0, 0]),
     glossiness: Number(l.specular?.glossiness ?? 0),
     transparency: Number(l.transparencyCoef ?? 0),
+    // A luminosity the material does not answer (null value, failed result) counts as 0.
+    luminosity: unit(Number(l.luminosity?.value ?? 0)),
     textured: Boolean(t && t.image && t.image.width > 0 && t.image.height > 0),
     repeat: [t?.wrapping?.[0] !== 0, t?.wrapping?.[1] !== 0],
     flip: [Boolean(t?.flip?.[0]), Boolean(t?.flip?.[1])],
@@ -35,7 +41,7 @@ const FRAGMENT = `
 precision highp float;
 uniform float side;
 uniform vec3 diffuseColor, specularColor;
-uniform float diffuse, specular, glossiness, transparency;
+uniform float diffuse, specular, glossiness, transparency, luminosity;
 uniform bool textured;
 uniform sampler2D image;
 uniform vec2 imageSize, position, size;
@@ -76,7 +82,8 @@ void main() {
   vec3 N = vec3(x, y, z);
   float lambert = max(0.0, dot(N, L));
   float highlight = pow(max(0.0, dot(N, H)), 2.0 + 126.0 * clamp(glossiness, 0.0, 1.0));
-  vec3 shaded = base * (0.15 + diffuse * lambert) + specularColor * specular * highlight;
+  float glow = clamp(luminosity, 0.0, 1.0);
+  vec3 shaded = base * (glow + (1.0 - glow) * (0.15 + diffuse * lambert)) + specularColor * specular * highlight;
   vec3 result = mix(shaded, bg, 0.5 * clamp(transparency, 0.0, 1.0));
   gl_FragColor = vec4(clamp(result, 0.0, 1.0), 1.0);
 }`;
@@ -99,6 +106,8 @@ export function renderSphere(m, side, texture) {
   const H = [L[0] / hl, L[1] / hl, (L[2] + 1) / hl];
   const exponent = 2 + 126 * Math.min(Math.max(m.glossiness, 0), 1);
   const see = 0.5 * Math.min(Math.max(m.transparency, 0), 1);
+  // The luminosity's share of the base colour shows at full strength, the rest is lit.
+  const glow = unit(m.luminosity);
   const radius = 0.45 * side;
   const centre = 0.5 * side;
   const textured = m.textured && texture && texture.width > 0;
@@ -131,7 +140,7 @@ export function renderSphere(m, side, texture) {
         }
         const lambert = Math.max(0, x * L[0] + y * L[1] + z * L[2]);
         const highlight = Math.max(0, x * H[0] + y * H[1] + z * H[2]) ** exponent;
-        const d = 0.15 + m.diffuse * lambert;
+        const d = glow + (1 - glow) * (0.15 + m.diffuse * lambert);
         const sp = m.specular * highlight;
         out = base.map((c, i) => {
           const shaded = c * d + m.specularColor[i] * sp;
@@ -217,6 +226,7 @@ export class Preview {
     gl.uniform1f(u('specular'), m.specular);
     gl.uniform1f(u('glossiness'), m.glossiness);
     gl.uniform1f(u('transparency'), m.transparency);
+    gl.uniform1f(u('luminosity'), unit(m.luminosity));
     const textured = Boolean(m.textured && texture);
     gl.uniform1i(u('textured'), textured ? 1 : 0);
     if (textured) {

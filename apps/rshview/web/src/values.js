@@ -12,6 +12,11 @@ export function formatValue(value) {
   return String(value);
 }
 
+/** "node.parameter: connected old → new" for one connection change ("none" for no node). */
+export function describeConnection(change) {
+  return `${change.node}.${change.parameter}: connected ${change.old ?? 'none'} → ${change.new ?? 'none'}`;
+}
+
 /** "node.parameter: old → new" for one write. */
 export function describeWrite(write) {
   return `${write.node}.${write.parameter}: ${formatValue(write.old)} → ${formatValue(write.new)}`;

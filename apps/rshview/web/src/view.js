@@ -3,6 +3,7 @@
 // A patch updates the elements in place while a subtree keeps its shape, and rebuilds it only
 // when its children changed; focus is given back to the widget that had it.
 
+import { makeExpander } from './compact.js';
 import { isContainer, layoutGrid, rendererFor } from './controls.js';
 
 /** CSS self-alignment for a cell's attached sides: both sides stretch, one side holds to it. */
@@ -51,12 +52,17 @@ function applyCommon(el, w) {
   }
 }
 
-/** Whether a widget tree shows a person anything but empty layouts (read from the tree). */
-export function showsSomething(w) {
-  if (!w || w.visible === false) return false;
+/**
+ * Whether a widget tree shows a person anything but empty layouts (read from the tree);
+ * `expand` fills in a widget of a compact tree (compact.js).
+ */
+export function showsSomething(w, expand = (x) => x) {
+  if (!w) return false;
+  expand(w);
+  if (w.visible === false) return false;
   const children = w.children || [];
   if (children.length === 0) return !isContainer(w);
-  return children.some(showsSomething);
+  return children.some((c) => showsSomething(c, expand));
 }
 
 /**
@@ -148,12 +154,26 @@ function installTooltips(root) {
   root.addEventListener('keydown', (e) => { if (e.key === 'Escape' && !tip.hidden) hide(); });
 }
 
-/** The nearest element that scrolls `el` (null: the window). */
+/**
+ * The nearest element that scrolls `el` (null: the window). The body and the root element are
+ * not looked at: an overflow set on them scrolls the window.
+ */
 function scrollerOf(el) {
-  for (let e = el; e; e = e.parentElement) {
+  for (let e = el; e && e !== document.body && e !== document.documentElement; e = e.parentElement) {
     if (/(auto|scroll)/.test(getComputedStyle(e).overflowY)) return e;
   }
   return null;
+}
+
+/** The height a parameter row takes before any was measured (style.css's --row). */
+const ROW_PX = 22;
+
+/**
+ * Rows of a group: those of the grids it holds (a widget that is no grid takes one); `expand`
+ * fills in a child of a compact tree, whose row count may be left out as a default.
+ */
+export function groupRows(w, expand = (x) => x) {
+  return (w.children || []).reduce((n, c) => n + Math.max(Number(expand(c).state?.rows) || 1, 1), 0);
 }
 
 /**
@@ -173,7 +193,15 @@ export class EditorView {
     this.byPath = new Map();
     this.tree = null;
     this.filterText = '';
+    this.expand = makeExpander(null);
+    this.rowHeight = ROW_PX;
     installTooltips(root);
+    // A resize may move the scrolling (a narrow window scrolls the page itself).
+    let resizing = 0;
+    window.addEventListener('resize', () => {
+      cancelAnimationFrame(resizing);
+      resizing = requestAnimationFrame(() => this.checkScroller());
+    });
     // Keyboard navigation into a group not drawn yet (its header takes the focus) draws it, so
     // that the next Tab goes into its rows.
     root.addEventListener('focusin', (e) => {
@@ -182,45 +210,89 @@ export class EditorView {
     });
   }
 
-  /** The element that scrolls the editor (null: the window), looked up once. */
+  /** The element that scrolls the editor (null: the window), as last looked up. */
   scroller() {
     if (this.scrollerEl === undefined) this.scrollerEl = scrollerOf(this.root);
     return this.scrollerEl;
   }
 
-  /** Draws a whole tree, replacing what was shown. */
-  load(tree) {
+  /**
+   * Looks the scroller up again, after a change that may have moved the scrolling elsewhere; the
+   * groups still put off are then watched against the new one (with the old one as the root,
+   * every group would come near at once, or none ever).
+   */
+  checkScroller() {
+    const found = scrollerOf(this.root);
+    if (found === this.scrollerEl) return;
+    this.scrollerEl = found;
+    if (!this.observer) return;
+    this.observer.disconnect();
+    this.observer = null;
+    if (this.deferred.size > 0) this.watchDeferred();
+  }
+
+  /**
+   * Draws a whole tree, replacing what was shown. A compact tree comes with the answer's
+   * `defaults`: each widget is filled in as it is drawn (the groups drawn later, then).
+   */
+  load(tree, defaults = null) {
+    this.expand = makeExpander(defaults);
     this.byPath.clear();
     this.observer?.disconnect();
+    this.observer = null;
     this.deferred = new Set();
-    const scroller = this.scroller();
-    this.budget = eagerWidgets(scroller ? scroller.clientHeight : window.innerHeight);
+    this.scrollerEl = scrollerOf(this.root);
+    const scroller = this.scrollerEl;
+    // With a filter typed, the rows it finds may be anywhere: the editor is drawn whole.
+    this.budget = this.filterText ? Infinity : eagerWidgets(scroller ? scroller.clientHeight : window.innerHeight);
     this.tree = tree;
     const el = this.build(tree);
     this.budget = Infinity; // what a patch rebuilds is drawn whole
     this.root.replaceChildren(el);
-    if (this.deferred.size > 0) this.watchDeferred();
+    if (this.deferred.size > 0) {
+      this.measureRows();
+      this.watchDeferred();
+    }
     this.applyFilter();
+  }
+
+  /**
+   * Sizes the placeholders of the groups put off after the height per row of the groups drawn,
+   * so that the scrollbar is about right and a group drawn later changes the height little.
+   */
+  measureRows() {
+    let height = 0;
+    let rows = 0;
+    for (const group of this.root.querySelectorAll('.expander.open')) {
+      const host = group._childHost;
+      // A group holding other groups or waiting to be drawn says nothing about its rows.
+      if (!host || this.deferred.has(group) || host.querySelector('.expander')) continue;
+      height += host.getBoundingClientRect().height;
+      rows += groupRows(group._w, this.expand);
+    }
+    if (rows > 0 && height > 0) this.rowHeight = height / rows;
+    for (const group of this.deferred) group._childHost.style.minHeight = this.placeholderHeight(group._w);
+  }
+
+  placeholderHeight(w) {
+    return `${Math.round(groupRows(w, this.expand) * this.rowHeight)}px`;
   }
 
   /**
    * Brings the editor shown to a new tree of the same editor in place: widgets that kept their
    * shape keep their elements, so the focus, the scroll and a text being typed stay.
    */
-  refresh(tree) {
+  refresh(tree, defaults = null) {
     const top = this.root.firstElementChild;
     if (!this.tree || !top?._w) {
-      this.load(tree);
+      this.load(tree, defaults);
       return;
     }
+    this.expand = makeExpander(defaults);
+    this.checkScroller();
     this.update(top, tree);
     this.tree = tree;
     this.applyFilter();
-  }
-
-  /** Count of widgets in a subtree. */
-  static size(w) {
-    return 1 + (w.children || []).reduce((n, c) => n + EditorView.size(c), 0);
   }
 
   /** Fills the deferred groups as they come near the editor's visible part. */
@@ -231,8 +303,8 @@ export class EditorView {
     for (const el of this.deferred) this.observer.observe(el);
   }
 
-  /** Builds the children of a group whose drawing was put off. */
-  fill(el) {
+  /** Builds the children of a group whose drawing was put off (filtered unless told not to). */
+  fill(el, filter = true) {
     if (!this.deferred?.has(el)) return;
     this.deferred.delete(el);
     this.observer?.unobserve(el);
@@ -242,15 +314,18 @@ export class EditorView {
     const children = el._w.children || [];
     for (const child of children) host.append(this.build(child));
     if (host.classList.contains('grid')) layoutGrid(host, children);
-    this.applyFilter();
+    if (filter) this.applyFilter();
   }
 
   /** Builds every group still put off (a filter or a focus needs the whole editor). */
   fillAll() {
-    for (const el of [...(this.deferred || [])]) if (el.isConnected) this.fill(el);
+    const pending = [...(this.deferred || [])];
+    for (const el of pending) if (el.isConnected) this.fill(el, false);
+    if (pending.length > 0) this.applyFilter();
   }
 
   build(w) {
+    this.expand(w);
     const renderer = rendererFor(w);
     const el = renderer.create(w, this.ctx);
     el._w = w;
@@ -269,10 +344,12 @@ export class EditorView {
     const children = w.children || [];
     if (el.classList.contains('expander') && this.budget <= 0 && children.length > 0) {
       // A large editor draws its first screens at once and the rest of its groups as they
-      // scroll near: a placeholder of about their height stands for them meanwhile.
+      // scroll near: a placeholder of about their height stands for them meanwhile. A group
+      // filled above the visible part leaves what is visible in place: the browser's scroll
+      // anchoring moves the scroll by the difference (style.css).
       this.deferred.add(el);
       host.classList.add('deferred');
-      host.style.minHeight = `${Math.min(EditorView.size(w) * 4, 4000)}px`;
+      host.style.minHeight = this.placeholderHeight(w);
       return el;
     }
     for (const child of children) host.append(this.build(child));
@@ -285,18 +362,21 @@ export class EditorView {
 
   /** Brings an element and its subtree to a widget's new state, rebuilding what changed shape. */
   update(el, w) {
+    this.expand(w);
     if (!sameShape(el._w, w)) {
       this.forget(el);
       const fresh = this.build(w);
       el.replaceWith(fresh);
       return fresh;
     }
+    const wasOpen = el.classList.contains('open');
     el._w = w;
     applyCommon(el, w);
     el._renderer.update?.(el, w, this.ctx);
     if (this.deferred?.has(el)) {
-      // Built from el._w when it comes near, or now when it was just opened.
-      if (el.classList.contains('open')) this.fill(el);
+      // Built from el._w when it comes near, or now when this very update opened it: a refresh
+      // that finds it open as before leaves it to scroll near.
+      if (!wasOpen && el.classList.contains('open')) this.fill(el);
       return el;
     }
     const host = el._childHost || el;
@@ -335,6 +415,7 @@ export class EditorView {
   /** Keeps this.tree in step with patches, so a later whole-tree view (filter) sees them. */
   replaceInTree(widget) {
     const walk = (w) => {
+      this.expand(w); // a compact tree's paths are filled in as it is walked
       const children = w.children || [];
       for (let i = 0; i < children.length; i++) {
         if (children[i].path === widget.path) {
@@ -353,11 +434,22 @@ export class EditorView {
     return this.byPath.get(path) || null;
   }
 
+  /**
+   * Gives the focus to the widget at a path, drawing the group put off that holds it (only that
+   * one). A path the editor no longer has is noted on the status line; nothing else is drawn.
+   */
   focusPath(path) {
     if (path === undefined || path === null) return;
-    if (!this.byPath.has(path)) this.fillAll();
+    while (!this.byPath.has(path)) {
+      const holder = [...(this.deferred || [])].find((g) => g.isConnected && path.startsWith(`${g.dataset.path}/`));
+      if (!holder) break;
+      this.fill(holder);
+    }
     const el = this.byPath.get(path);
-    if (!el) return;
+    if (!el) {
+      this.ctx.status?.(`${path} is no longer in the editor`);
+      return;
+    }
     const target = el.matches('input, select, button, [tabindex]') ? el : el.querySelector('input, select, button, [tabindex]');
     target?.focus();
   }

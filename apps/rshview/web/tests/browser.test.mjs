@@ -8,8 +8,8 @@ import { mkdirSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import {
-  artifacts, canvasPixels, decodePng, differingPixels, launchBrowser, openPage, readDoc, sampleCopy,
-  startServer, withScreenshot,
+  artifacts, canvasPixels, decodePng, differingPixels, launchBrowser, openPage, pixelsNear, readDoc,
+  sampleCopy, startServer, withScreenshot,
 } from './harness.mjs';
 
 let browser;
@@ -136,6 +136,33 @@ test('moving a slider writes the value and redraws the preview as rshview previe
   });
 });
 
+test('a material that lights itself shows its texture at full strength, as rshview preview draws it', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    // The floor answers luminosity 1 and diffuse weight 0 with the checker image: its two texels
+    // (230, 230, 220) and (40, 40, 48) show as they are, where the lit model drew near black.
+    const answer = await material(server, 'floor');
+    assert.equal(answer.lighting.luminosity.value, 1);
+    assert.equal(answer.lighting.diffuse.coefficient, 0);
+    assert.equal(await page.evaluate(() => window.rshview.preview.mode), 'webgl');
+    await page.waitForSelector('body[data-preview-drawn]');
+    const drawn = Number(await page.getAttribute('body', 'data-preview-drawn'));
+    await page.click('.node[data-node="floor"]');
+    await page.waitForFunction((n) => Number(document.body.dataset.previewDrawn) > n, drawn);
+    const light = [230, 230, 220], dark = [40, 40, 48];
+    let pixels = await canvasPixels(page);
+    for (let i = 0; i < 50 && pixelsNear(pixels, light, 2) < 20000; i++) {
+      await page.waitForTimeout(100); // a draw of the node shown before may have been counted
+      pixels = await canvasPixels(page);
+    }
+    const sphere = 256 * 256 - pixelsNear(pixels, [128, 128, 128], 0);
+    const [lit, shadowed] = [pixelsNear(pixels, light, 2), pixelsNear(pixels, dark, 2)];
+    assert.ok(lit > sphere / 2 && shadowed > 1000, `light texels ${lit}, dark ${shadowed} of ${sphere}`);
+    assert.ok(lit + shadowed > sphere * 0.99, `${sphere - lit - shadowed} pixels are neither texel`);
+    const png = decodePng(Buffer.from(await (await fetch(`${server.url}api/nodes/floor/preview.png?size=256`)).arrayBuffer()));
+    assert.ok(differingPixels(pixels, png.data, 3) < 256 * 256 * 0.01, 'canvas and preview.png differ');
+  });
+});
+
 test('a double-click or Ctrl-click on a label sets its parameter back to the default', async (t) => {
   await scenario(t, async ({ page }) => {
     const gloss = 'default_generic_brdf_diffuse_glossiness';
@@ -170,6 +197,127 @@ test('a double-click or Ctrl-click on a label sets its parameter back to the def
   });
 });
 
+test('a reset from a label takes the parameter shown beside it, once, and never a locked one', async (t) => {
+  await scenario(t, async ({ page }) => {
+    const resets = [];
+    page.on('request', (r) => { if (r.url().endsWith('/reset')) resets.push(r.postDataJSON()); });
+    // Ctrl+double-click: the Ctrl-click resets, the double-click that completes it does not again.
+    await expandGroup(page, 'Base coat');
+    const gloss = 'default_generic_brdf_diffuse_glossiness';
+    const editorPath = await rowWidget(page, gloss, '[data-cls="KEPVidCtlEditor"]');
+    await page.fill(at(editorPath), '0.55');
+    await page.press(at(editorPath), 'Enter');
+    await settled(page);
+    resets.length = 0;
+    await page.locator('.param-label', { hasText: gloss }).first().dblclick({ modifiers: ['Control'] });
+    await settled(page);
+    await page.waitForFunction((p) => document.querySelector(p).value === '0.2', at(editorPath));
+    assert.equal(resets.length, 1, JSON.stringify(resets));
+    assert.match(await page.textContent('#status'), /0\.55 → 0\.2 \(default\)$/);
+
+    // The classic editor's "edit" shows the floor's tiles in the same frame, under the labels of
+    // the floor's rows: the third label is now the tiles' gamma.
+    await page.click('.node[data-node="floor"]');
+    await page.click('.switch [data-kind="classic"]');
+    await page.waitForSelector('body[data-editor-kind="classic"][data-editor-node="floor"]');
+    try {
+      await page.evaluate(() => window.rshview.view.ctx.send('press', 'connectionMenu14/editItem'));
+      await page.waitForFunction(() => [...document.querySelectorAll('.param-label')].some((l) => l.textContent === 'gamma'));
+      await page.locator('.param-label', { hasText: /^gamma$/ }).first().click({ modifiers: ['Control'] });
+      await settled(page);
+      await page.waitForFunction(() => /gamma/.test(document.getElementById('status').textContent));
+      assert.match(await page.textContent('#status'), /^floor\.tiles\.gamma: (1\.8 → 2\.2 \(default\)|.* at its default already)$/);
+    } finally {
+      await page.evaluate(() => window.rshview.view.ctx.send('press', 'parentButton'));
+      await settled(page);
+      await page.click('.switch [data-kind="immersive"]');
+    }
+
+    // The restricted layout locks the type's widget: its label does not reset it.
+    await page.click('.node[data-node="red_paint"]');
+    await page.waitForSelector('body[data-editor-kind="immersive"][data-editor-node="red_paint"]');
+    const answer = await page.evaluate(async () => {
+      const r = await fetch('/api/nodes/red_paint/reset', {
+        method: 'POST',
+        headers: { 'Content-Type': 'application/json' },
+        body: JSON.stringify({ restricted: true, path: 'ParameterGroup3/ParameterGroup3Layout/ParameterLabel11' }),
+      });
+      return { status: r.status, body: await r.json() };
+    });
+    assert.equal(answer.status, 422);
+    assert.equal(answer.body.error, 'locked parameter');
+  });
+});
+
+test('typed text in a number field is where the arrow keys step from, and quick presses add up', async (t) => {
+  await scenario(t, async ({ page }) => {
+    await expandGroup(page, 'Mapping');
+    const input = `${at(await rowWidget(page, 'scale_v', '.spinbox'))} input`;
+    const before = await page.inputValue(input);
+    try {
+      await page.fill(input, '150');
+      await page.press(input, 'ArrowUp');
+      await settled(page);
+      assert.match(await page.textContent('#status'), /scale_v: [\d.]+ → 151$/);
+      assert.equal(Number(await page.inputValue(input)), 151);
+      for (let i = 0; i < 5; i++) await page.keyboard.press('ArrowUp');
+      await settled(page);
+      await page.waitForFunction((sel) => Number(document.querySelector(sel).value) === 156, input);
+      assert.match(await page.textContent('#status'), /scale_v: 155 → 156$/);
+      // Leaving the field sends nothing more.
+      const status = await page.textContent('#status');
+      await page.click('#node-title');
+      await settled(page);
+      assert.equal(await page.textContent('#status'), status);
+    } finally {
+      await page.fill(input, before);
+      await page.press(input, 'Enter');
+      await settled(page);
+    }
+  });
+});
+
+test('a connection made in one tab shows in the other tab\'s node list and editors', async (t) => {
+  const own = await startServer();
+  const pages = [];
+  try {
+    const page = await openPage(browser, own.url, { hash: '#floor' });
+    const other = await openPage(browser, own.url, { hash: '#red_paint' });
+    pages.push(page, other);
+    await withScreenshot(t, page, async () => {
+      await Promise.all([page, other].map((p) => p.waitForFunction(() => document.body.dataset.stream === 'open')));
+      // A write to the tiles, held by the floor but also connected to the paint's flakes, is
+      // fetched again by a tab showing the paint.
+      const fetches = [];
+      other.on('request', (r) => { if (/\/api\/nodes\/red_paint\/editor/.test(r.url())) fetches.push(r.url()); });
+      await settled(other);
+      const written = await page.evaluate(async () => {
+        const r = await fetch('/api/nodes/floor.tiles/reset', {
+          method: 'POST',
+          headers: { 'Content-Type': 'application/json', 'X-Rshview-Client': 'someone-else' },
+          body: JSON.stringify({ parameter: 'gamma' }),
+        });
+        return (await r.json()).writes.length;
+      });
+      assert.equal(written, 1);
+      await other.waitForFunction(() => /floor\.tiles\.gamma: .* \(another window\)/.test(document.getElementById('status').textContent));
+      for (const end = Date.now() + 3000; fetches.length === 0 && Date.now() < end;) await new Promise((r) => setTimeout(r, 50));
+      assert.equal(fetches.length, 1, 'the paint tab fetched its editor again');
+
+      await expandGroup(page, 'Reflection');
+      await page.click('[data-name="ParameterConnection6"]');
+      await settled(page);
+      await page.waitForSelector('.node[data-node="kep_phen_texture.1"]', { timeout: 5000 });
+      assert.match(await page.textContent('#status'), /floor\.refl_color: connected none → kep_phen_texture\.1/);
+      await other.waitForSelector('.node[data-node="kep_phen_texture.1"]', { timeout: 5000 });
+      assert.match(await other.textContent('#status'), /floor\.refl_color: connected none → kep_phen_texture\.1 \(another window\)/);
+    });
+  } finally {
+    for (const p of pages) await p.context().close();
+    await own.stop();
+  }
+});
+
 test('a value typed out of range is refused and the field shows the value again', async (t) => {
   await scenario(t, async ({ page, server }) => {
     await expandGroup(page, 'Base coat');
@@ -195,7 +343,7 @@ test('a value typed out of range is refused and the field shows the value again'
   });
 });
 
-test('a spin box steps with the arrow keys and refuses text that is not a number', async (t) => {
+test('a spin box steps with the arrow keys and refuses text that is not a number in its unit', async (t) => {
   await scenario(t, async ({ page }) => {
     await expandGroup(page, 'Mapping');
     const input = `${at(await rowWidget(page, 'scale_v', '.spinbox'))} input`;
@@ -212,12 +360,19 @@ test('a spin box steps with the arrow keys and refuses text that is not a number
       assert.ok(Math.abs((up - before) * 10 - (up - (await value()))) < 1e-6, 'Shift steps ten times as far');
       const shown = await page.inputValue(input);
       const status = await page.textContent('#status');
-      await page.fill(input, 'abc');
+      // Text that is not a number alone or in the field's own unit (mm) is refused, not cut short.
+      for (const typed of ['abc', '12 cm', '12 mm and more']) {
+        await page.fill(input, typed);
+        await page.press(input, 'Enter');
+        await settled(page);
+        assert.match(await page.textContent('#error'), new RegExp(`'${typed}' is not a number in mm`));
+        assert.equal(await page.inputValue(input), shown);
+        assert.equal(await page.textContent('#status'), status, 'nothing was written');
+      }
+      await page.fill(input, ' 12 mm ');
       await page.press(input, 'Enter');
       await settled(page);
-      assert.match(await page.textContent('#error'), /'abc' is not a number/);
-      assert.equal(await page.inputValue(input), shown);
-      assert.equal(await page.textContent('#status'), status, 'nothing was written');
+      assert.match(await page.textContent('#status'), /scale_v: [\d.]+ → 12$/);
     } finally {
       // The tests share one server: the value goes back to what it was.
       await page.fill(input, String(before));
@@ -283,9 +438,47 @@ test('two tabs stay in step: a write in one shows in the other', async (t) => {
   });
 });
 
+test('each tab walks the classic editor on its own, and a change made on an editor built since is refused', async (t) => {
+  await scenario(t, async ({ page, server }) => {
+    const other = await openPage(browser, server.url, { hash: '#floor' });
+    const classicFloor = async (p) => {
+      await p.click('.node[data-node="floor"]');
+      await p.click('.switch [data-kind="classic"]');
+      await p.waitForSelector('body[data-editor-kind="classic"][data-editor-node="floor"]');
+    };
+    try {
+      await classicFloor(page);
+      await classicFloor(other);
+      // This tab shows the floor's tiles in its frame; the other still shows the floor.
+      await page.evaluate(() => window.rshview.view.ctx.send('press', 'connectionMenu14/editItem'));
+      await page.waitForFunction(() => [...document.querySelectorAll('.param-label')].some((l) => l.textContent === 'gamma'));
+      await other.locator('.param-label[data-name="parameterLabel3"]').click({ modifiers: ['Control'] });
+      await settled(other);
+      await other.waitForFunction(() => /^floor\./.test(document.getElementById('status').textContent));
+      assert.doesNotMatch(await other.textContent('#status'), /tiles/);
+
+      // An editor that shows other things than the page drew (here: a view the page never had)
+      // refuses the change; the page draws it afresh and says so.
+      const writes = await other.evaluate(() => window.rshview.revision);
+      await other.evaluate(() => { window.rshview.editorView = 'earlier.1'; });
+      await other.locator('.param-label[data-name="parameterLabel3"]').click({ modifiers: ['Control'] });
+      await other.waitForFunction(() => /had changed on the server/.test(document.getElementById('error').textContent));
+      await settled(other);
+      assert.notEqual(await other.evaluate(() => window.rshview.editorView), 'earlier.1');
+      assert.equal(await other.evaluate(() => window.rshview.revision), writes);
+    } finally {
+      await page.evaluate(() => window.rshview.view.ctx.send('press', 'parentButton'));
+      await settled(page);
+      await page.click('.switch [data-kind="immersive"]');
+      await other.click('.switch [data-kind="immersive"]');
+      await other.context().close();
+    }
+  });
+});
+
 test('a write in another tab keeps the text being typed in a field of this tab', async (t) => {
   await scenario(t, async ({ page, server }) => {
-    // The group's state is the server's: the second tab opens with it expanded.
+    // The group's collapse state is kept in the preferences: the second tab opens with it expanded.
     await expandGroup(page, 'Base coat');
     await page.waitForFunction(() => document.body.dataset.stream === 'open');
     const other = await openPage(browser, server.url);
@@ -407,7 +600,7 @@ test('when the server goes away the page says so, keeps what was typed and sends
   }
 });
 
-test('after the server restarts, the tab reads the document of the new run', async (t) => {
+test('after the server restarts, the tab reads the document of the new run and shows where the unsaved changes went', async (t) => {
   const copy = sampleCopy();
   let server = await startServer(copy);
   const page = await openPage(browser, server.url);
@@ -431,8 +624,35 @@ test('after the server restarts, the tab reads the document of the new run', asy
       server = await startServer({ ...copy, port });
       await page.waitForFunction(([p, v]) => document.querySelector(p)?.value === v, [at(path), original], { timeout: 20000 });
       // The editor may be read again (a retry) before the event stream's hello names the new run.
-      await page.waitForFunction(() => /The server restarted/.test(document.querySelector('#status').textContent), null, { timeout: 20000 });
+      // The stop kept the two writes beside the document, and the page says where.
+      const recovery = copy.doc.replace(/showroom\.rshdoc\.json$/, 'showroom.unsaved.rshdoc.json');
+      const kept = readDoc(recovery).materials.find((m) => m.id === 'red_paint').values.default_generic_brdf_diffuse_weight;
+      assert.ok(Math.abs(kept - 0.32) < 1e-6, String(kept));
+      await page.waitForFunction((file) => document.querySelector('#status').textContent.includes(`The server restarted: the document was read again; changes not saved when the server stopped are in ${file}`), recovery, { timeout: 20000 });
       assert.notEqual(await page.evaluate(() => window.rshview.instance), instance);
+      await page.waitForSelector('#recovery:not([hidden])');
+      const text = await page.textContent('#recovery-text');
+      assert.ok(text.includes(`are in ${recovery}.`), text);
+      assert.ok(text.includes(`rshview serve --port 0 --doc ${recovery}`), text);
+      assert.ok(text.includes("stop this server first"), text);
+      assert.ok(text.includes(`mv ${recovery} ${copy.doc}`), text);
+      // It does not look like the banner of a server that does not answer.
+      const colours = await page.evaluate(() => ['recovery', 'banner'].map((id) => {
+        const el = document.getElementById(id);
+        el.hidden = false;
+        const colour = getComputedStyle(el).backgroundColor;
+        el.hidden = id === 'banner';
+        return colour;
+      }));
+      assert.notEqual(colours[0], colours[1]);
+      mkdirSync(artifacts, { recursive: true });
+      await page.screenshot({ path: join(artifacts, 'rshview-recovery.png') });
+      // Closed, it stays closed for that file, after a reload too.
+      await page.click('#recovery-close');
+      assert.equal(await page.isHidden('#recovery'), true);
+      await page.reload();
+      await page.waitForSelector('body[data-ready="true"]');
+      assert.equal(await page.isHidden('#recovery'), true);
     });
   } finally {
     await page.context().close();

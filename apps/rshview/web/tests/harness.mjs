@@ -189,3 +189,12 @@ export function differingPixels(a, b, tolerance = 0) {
   }
   return count;
 }
+
+/** How many pixels lie within `tolerance` of the colour `rgb` in every channel. */
+export function pixelsNear(pixels, rgb, tolerance = 0) {
+  let count = 0;
+  for (let i = 0; i < pixels.length; i += 4) {
+    if (rgb.every((c, k) => Math.abs(pixels[i + k] - c) <= tolerance)) count++;
+  }
+  return count;
+}

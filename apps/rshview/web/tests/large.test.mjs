@@ -123,10 +123,105 @@ test('a write in another tab to a group not drawn yet shows once it is drawn', a
       await box.click();
       await other.waitForFunction(() => window.rshview.api.queue.length === 0 && window.rshview.api.pending === 0);
       await page.waitForFunction((n) => document.querySelector('#status').textContent.startsWith(`big.${n}:`), name, { timeout: 5000 });
+      await page.waitForFunction(() => window.rshview.api.queue.length === 0 && window.rshview.api.pending === 0);
+      // Bringing the editor up to date draws no group that waits to scroll near.
+      assert.ok(await page.locator('.expander-body.deferred').count() > 0, 'the refresh drew every group');
       await page.fill('#param-filter', name);
       assert.equal(await (await rowBox(page, name)).isChecked(), !checked);
     } finally {
       await other.context().close();
     }
+  });
+});
+
+test('a filter typed before the large node is chosen shows only its matches there', async (t) => {
+  const page = await openPage(browser, server.url, { hash: '#small' });
+  try {
+    await withScreenshot(t, page, async () => {
+      await page.fill('#param-filter', 'p397');
+      await page.click('.node[data-node="big"]');
+      await page.waitForFunction(() => [...document.querySelectorAll('.param-label')].some((l) => l.textContent === 'p397'));
+      const shown = await page.$$eval('.param-label', (all) => all.filter((l) => l.offsetParent).map((l) => l.textContent));
+      assert.deepEqual(shown, ['p397']);
+      // No group waits with an empty body between the matches.
+      assert.equal(await page.locator('.expander-body.deferred').count(), 0);
+    });
+    assert.deepEqual(page.consoleErrors, []);
+  } finally {
+    await page.context().close();
+  }
+});
+
+/** Waits for two frames, so that the intersection observer has had its say. */
+const frames = (page) => page.evaluate(() => new Promise((r) => requestAnimationFrame(() => requestAnimationFrame(r))));
+
+test('a placeholder is about the height its group takes once drawn, and filling one above keeps the view still', async (t) => {
+  await withPage(t, async (page) => {
+    const placeholders = await page.$$eval('.expander-body.deferred', (all) => all.map((b) => [b.closest('.expander').dataset.path, b.getBoundingClientRect().height]));
+    assert.ok(placeholders.length > 0);
+    // Halfway down: the groups far above stay put off; one of them is drawn while a row shows.
+    const moved = await page.evaluate(async () => {
+      const pane = document.querySelector('.editor-pane');
+      const frame = () => new Promise((r) => requestAnimationFrame(() => requestAnimationFrame(r)));
+      pane.scrollTop = pane.scrollHeight / 2;
+      const top = pane.getBoundingClientRect().top;
+      const shown = (b) => b.getBoundingClientRect().bottom > top && b.getBoundingClientRect().top < top + pane.clientHeight;
+      for (let i = 0; i < 50 && [...document.querySelectorAll('.expander-body.deferred')].some(shown); i++) await frame();
+      const above = [...document.querySelectorAll('.expander-body.deferred')].filter((b) => b.getBoundingClientRect().bottom < top);
+      const row = [...document.querySelectorAll('.param-label')].find((l) => l.getBoundingClientRect().top > top + 60);
+      if (above.length === 0 || !row) return null;
+      const before = row.getBoundingClientRect().top;
+      window.rshview.view.fill(above[above.length - 1].closest('.expander'));
+      await frame();
+      return row.getBoundingClientRect().top - before;
+    });
+    assert.notEqual(moved, null, 'no group put off above the rows shown');
+    assert.ok(Math.abs(moved) < 1, `the rows shown moved by ${moved} px`);
+    await page.evaluate(() => window.rshview.view.fillAll());
+    const drawn = new Map(await page.$$eval('.expander', (all) => all.map((g) => [g.dataset.path, g.querySelector('.expander-body').getBoundingClientRect().height])));
+    for (const [path, height] of placeholders) {
+      const ratio = drawn.get(path) / height;
+      assert.ok(ratio > 0.9 && ratio < 1.1, `${path}: ${height} px put off, ${drawn.get(path)} px drawn`);
+    }
+  });
+});
+
+test('a narrow window scrolls the page, and the groups are then drawn as the page scrolls', async (t) => {
+  await withPage(t, async (page) => {
+    const waiting = await page.locator('.expander-body.deferred').count();
+    await page.setViewportSize({ width: 760, height: 860 });
+    await frames(page);
+    assert.equal(await page.evaluate(() => document.scrollingElement.scrollHeight > window.innerHeight), true, 'the page does not scroll');
+    assert.ok(await page.locator('.expander-body.deferred').count() >= waiting - 1, 'narrowing the window drew the groups waiting');
+    // Scrolling the page, not the pane, fills what comes near, and no placeholder is left in view.
+    await page.evaluate(() => window.scrollTo(0, document.scrollingElement.scrollHeight / 2));
+    await page.waitForFunction(() => ![...document.querySelectorAll('.expander-body.deferred')].some((b) => {
+      const r = b.getBoundingClientRect();
+      return r.top < window.innerHeight && r.bottom > 0;
+    }), null, { timeout: 5000 });
+    assert.ok(await page.locator('.expander-body.deferred').count() > 0, 'every group was drawn');
+  });
+});
+
+test('focusing a widget draws only the group put off that holds it; a path gone draws nothing', async (t) => {
+  await withPage(t, async (page) => {
+    // Counted at once after each call: the focus scrolls, and the groups it brings near follow.
+    const focusing = (p) => page.evaluate((path) => {
+      const count = () => document.querySelectorAll('.expander-body.deferred').length;
+      const before = count();
+      window.rshview.view.focusPath(path);
+      return { drawn: before - count(), focused: !!document.activeElement.closest(`[data-path="${path}"]`) };
+    }, p);
+    const path = await page.evaluate(() => {
+      // The value widget of a row of a group put off, its path filled in as drawing would.
+      const { expand } = window.rshview.view;
+      const grid = expand(document.querySelector('.expander:has(> .expander-body.deferred)')._w.children[0]);
+      return grid.children.find((c) => /Scalar|Integral/.test(c.class)).path;
+    });
+    assert.deepEqual(await focusing(path), { drawn: 1, focused: true });
+    // After a refresh the widget may be gone: nothing is drawn in search of it.
+    const gone = path.replace(/ParameterWidget\d+/, 'ParameterWidget9999');
+    assert.deepEqual(await focusing(gone), { drawn: 0, focused: false });
+    assert.equal(await page.textContent('#status'), `${gone} is no longer in the editor`);
   });
 });

@@ -8,7 +8,7 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { describe, test } from 'node:test';
 import { fromHex, hsvToRgb, rgbToHsv, toHex } from '../src/color.js';
-import { formatNumber, iconName, leadingNumber } from '../src/controls.js';
+import { formatNumber, iconName, leadingNumber, trailingUnit, typedNumber } from '../src/controls.js';
 import { nodeForest } from '../src/nodes.js';
 import { renderSphere, sphereMaterial } from '../src/preview.js';
 import { scrubStep } from '../src/scrub.js';
@@ -20,6 +20,16 @@ describe('number texts', () => {
   test('leadingNumber reads the number before a unit and nothing else', () => {
     const cases = [['2.50 cm', 2.5], ['-1e3mm', -1000], ['  .5', 0.5], ['+7', 7], ['0.7854 deg', 0.7854], ['cm 2', NaN], ['', NaN], ['-', NaN], ['1.', 1]];
     for (const [text, want] of cases) assert.deepEqual(leadingNumber(text), want, text);
+  });
+  test('typedNumber takes a number alone or in the field\'s own unit, and nothing else', () => {
+    const cases = [
+      ['12', 'mm', 12], [' 12 mm ', 'mm', 12], ['-1e3mm', 'mm', -1000], ['.5', ' mm', 0.5], ['3', '', 3],
+      ['12 cm', 'mm', NaN], ['12 mm x', 'mm', NaN], ['12 MM', 'mm', NaN], ['12 mm', '', NaN],
+      ['1e', 'mm', NaN], ['mm', 'mm', NaN], ['', 'mm', NaN], ['12°', '°', 12],
+    ];
+    for (const [text, unit, want] of cases) assert.deepEqual(typedNumber(text, unit), want, `${text} in ${unit}`);
+    const units = [['0.50 mm', 'mm'], ['8', ''], ['45.00°', '°'], [undefined, ''], ['n/a', '']];
+    for (const [text, want] of units) assert.equal(trailingUnit(text), want, text);
   });
   test('formatNumber keeps the decimals asked for and shows no text for NaN or infinity', () => {
     const cases = [[0.1 + 0.2, undefined, '0.3'], [2, 2, '2.00'], [-0.004, 2, '-0.00'], [NaN, 2, ''], [Infinity, undefined, ''], [1e-7, undefined, '0'], [3.14159, 0, '3']];
@@ -86,6 +96,26 @@ test('a write reads node.parameter: old → new, with short numbers and texture 
     [{ node: 'n', parameter: 'b', old: false, new: true }, 'n.b: false → true'],
   ];
   for (const [write, want] of cases) assert.equal(describeWrite(write), want);
+});
+
+test('the sphere takes the luminosity answered, clamped to 0..1; a failed answer is 0', () => {
+  const cases = [
+    [{ value: 1, result: 'S_OK' }, 1], [{ value: 0, result: 'S_OK' }, 0], [{ value: 0.25, result: 'S_OK' }, 0.25],
+    [{ value: null, result: 'E_FAIL' }, 0], [undefined, 0], [{ value: 4, result: 'S_OK' }, 1],
+    [{ value: -2, result: 'S_OK' }, 0], [{ value: 'bright', result: 'S_OK' }, 0],
+  ];
+  for (const [luminosity, want] of cases) {
+    assert.equal(sphereMaterial({ lighting: { luminosity } }).luminosity, want, JSON.stringify(luminosity));
+  }
+  // Luminous, the base colour shows at full strength on the lit and on the far side alike; not
+  // luminous, the far side is darker.
+  const m = { ...sphereMaterial({ lighting: { diffuse: { coefficient: 0.8, color: [0.2, 0.6, 1] } } }), luminosity: 1 };
+  const at = (pixels, x, y) => [...pixels.subarray((y * 32 + x) * 4, (y * 32 + x) * 4 + 3)];
+  const luminous = renderSphere(m, 32, null);
+  assert.deepEqual(at(luminous, 10, 10), [51, 153, 255]);
+  assert.deepEqual(at(luminous, 22, 22), [51, 153, 255]);
+  const lit = renderSphere({ ...m, luminosity: 0 }, 32, null);
+  assert.ok(at(lit, 22, 22)[2] < 150, `far side ${at(lit, 22, 22)}`);
 });
 
 describe('the software sphere draws what rshview preview draws', () => {
