@@ -4,7 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <string>
 #include <vector>
+
+#include <unistd.h>
 
 #include "KEPAtomicFile.h"
 #include "KEPHostConfiguration.h"
@@ -157,7 +160,8 @@ TEST_F(Configuration, ParentCycleEndsTheWalk) {
 }
 
 TEST(AtomicFile, ReplacesWholeFileAndReportsBadDirectory) {
-  const auto dir = std::filesystem::temp_directory_path() / "keprsh-atomic-test";
+  const auto dir =
+      std::filesystem::temp_directory_path() / ("keprsh-atomic-test-" + std::to_string(::getpid()));
   std::filesystem::create_directories(dir);
   const std::string path = (dir / "out.txt").string();
   std::string error;

@@ -6,6 +6,9 @@
 #include <fstream>
 #include <future>
 #include <mutex>
+#include <string>
+
+#include <unistd.h>
 
 #include "ImmWidgetTestSupport.h"
 #include "KEPHostContext.h"
@@ -351,7 +354,9 @@ class IntegerBuilderTest : public IntegerWidgetTest {
     widget = reinterpret_cast<KEPVidWidget*>(&widget);  // a non-null sentinel
     return KEPQueryVar<KEPIRshParameterImmLayout>(parameter)->BuildWidget(parent, "Row1", widget);
   }
-  std::string record_ = ::testing::TempDir() + "integer-builder-record.json";
+  // One file per test process: the tests of this fixture run side by side under ctest.
+  std::string record_ =
+      ::testing::TempDir() + "integer-builder-record-" + std::to_string(::getpid()) + ".json";
 };
 
 TEST_F(IntegerBuilderTest, BuiltInLevelBuildsTheIntrospectableControl) {
