@@ -77,7 +77,7 @@ bool RshviewAskSphereMaterial(KEPIRshShader* node, RshviewSphereMaterial& m) {
     m.flip[1] = flipV != 0;
     material->GetTexturePosition(m.position[0], m.position[1]);
     material->GetTextureSize(m.size[0], m.size[1]);
-    m.angleDegrees = material->GetTextureAngle();
+    m.angleRadians = material->GetTextureAngle();
   }
   return true;
 }

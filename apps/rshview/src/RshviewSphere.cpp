@@ -24,17 +24,20 @@ float Wrap(float t, bool repeat) {
   return std::clamp(t, 0.0f, std::nextafter(1.0f, 0.0f));
 }
 
-/// The texel under sphere coordinates (u, v), nearest-neighbour.
+/// The texel under sphere coordinates (u, v), nearest-neighbour. The image turns about the point
+/// facing the viewer (u, v = 0.5), measured in arc so that u (once round) and v (pole to pole)
+/// turn alike: a quarter turn makes a left | right split a top | bottom one.
 Rgb Texel(const RshviewSphereMaterial& m, float u, float v) {
-  const float angle = m.angleDegrees * std::numbers::pi_v<float> / 180.0f;
+  const float c = std::cos(m.angleRadians), n = std::sin(m.angleRadians);
+  const float du = 2.0f * (u - 0.5f), dv = v - 0.5f;
+  const float tu = 0.5f + 0.5f * (du * c - dv * n);
+  const float tv = 0.5f + (du * n + dv * c);
   const float su = m.size[0] > 0.0f ? m.size[0] : 1.0f;
   const float sv = m.size[1] > 0.0f ? m.size[1] : 1.0f;
-  float s = (u - m.position[0]) / su;
-  float t = (v - m.position[1]) / sv;
-  const float rs = s * std::cos(angle) - t * std::sin(angle);
-  const float rt = s * std::sin(angle) + t * std::cos(angle);
-  s = Wrap(m.flip[0] ? -rs : rs, m.repeat[0]);
-  t = Wrap(m.flip[1] ? -rt : rt, m.repeat[1]);
+  const float rs = (tu - m.position[0]) / su;
+  const float rt = (tv - m.position[1]) / sv;
+  const float s = Wrap(m.flip[0] ? -rs : rs, m.repeat[0]);
+  const float t = Wrap(m.flip[1] ? -rt : rt, m.repeat[1]);
   const int x =
       std::min(static_cast<int>(s * static_cast<float>(m.textureWidth)), m.textureWidth - 1);
   const int y =

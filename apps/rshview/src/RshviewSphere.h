@@ -23,7 +23,8 @@ struct RshviewSphereMaterial {
   bool flip[2] = {false, false};
   float position[2] = {0.0f, 0.0f};
   float size[2] = {1.0f, 1.0f};  ///< one image per this much of the sphere's u and v
-  float angleDegrees = 0.0f;
+  /// Turn of the image in radians (as the viewer answers it), about the point facing the viewer.
+  float angleRadians = 0.0f;
 };
 
 /// The background's grey level (0..255).

@@ -157,6 +157,29 @@ TEST(RshviewPreview, LuminosityShowsTheBaseColourAtFullStrength) {
   EXPECT_GT(At(RshviewRenderSphere(shiny, 32), 32, 11, 11).r, 200);
 }
 
+TEST(RshviewPreview, TextureAngleIsInRadiansAndTurnsAboutTheFacingPoint) {
+  // A red | blue image, one per sphere: red left of the facing point, blue right of it. A quarter
+  // turn (in radians, as the viewer answers the angle) makes the split run across; a half turn
+  // swaps the sides. Pixels well inside the sphere, away from the split.
+  RshviewSphereMaterial m;
+  m.luminosity = 1.0f;
+  m.texture = {255, 0, 0, 255, 0, 0, 255, 255};
+  m.textureWidth = 2;
+  m.textureHeight = 1;
+  const auto side = [&](float angle, int x, int y) {
+    m.angleRadians = angle;
+    const Pixel p = At(RshviewRenderSphere(m, 64), 64, x, y);
+    return p.r > 200 && p.b < 50 ? 'r' : p.b > 200 && p.r < 50 ? 'b' : '?';
+  };
+  constexpr float kQuarter = 1.5707964f;
+  const std::string left_right = {side(0.0f, 20, 32), side(0.0f, 44, 32)};
+  const std::string top_bottom = {side(kQuarter, 32, 20), side(kQuarter, 32, 44)};
+  const std::string swapped = {side(2.0f * kQuarter, 20, 32), side(2.0f * kQuarter, 44, 32)};
+  EXPECT_EQ(left_right, "rb");
+  EXPECT_EQ(top_bottom, "br");  // a positive turn is anticlockwise as seen: red comes below
+  EXPECT_EQ(swapped, "br");
+}
+
 TEST(RshviewPreview, TexturedLuminousSampleMaterialsShowTheirChecker) {
   // The floor and the plaster wall answer luminosity 1, diffuse weight 0 and the checker image:
   // the sphere shows both of the checker's texels as they are, not near black.

@@ -18,7 +18,7 @@ struct UnitCode {
 };
 
 constexpr UnitCode kUnits[] = {
-    {KEPDlgUnitDegree, u"deg", u"deg", "deg"}, {KEPDlgUnitMetre, u"m", u"m", "m"},
+    {KEPDlgUnitDegree, u"rad", u"deg", "deg"}, {KEPDlgUnitMetre, u"m", u"m", "m"},
     {KEPDlgUnitMillimetre, u"m", u"mm", "mm"}, {KEPDlgUnitCentimetre, u"m", u"cm", "cm"},
     {KEPDlgUnitKilometre, u"m", u"km", "km"},  {KEPDlgUnitKelvin, nullptr, nullptr, "K"},
 };

@@ -133,7 +133,7 @@ TEST_F(DlgControls, UnitCodesShowTheValueInTheirUnit) {
       {KEPDlgUnitCentimetre, 0.025, "%.2f", "2.50 cm"},
       {KEPDlgUnitMetre, 0.025, "%.3f", "0.025 m"},
       {KEPDlgUnitKilometre, 1500.0, "%.1f", "1.5 km"},
-      {KEPDlgUnitDegree, 45.0, "%.1f", "45.0 deg"},
+      {KEPDlgUnitDegree, 0.7853981633974483, "%.1f", "45.0 deg"},  // held in radians
       {KEPDlgUnitKelvin, 6500.0, "%.0f", "6500 K"},
       {KEPDlgUnitNone, 0.025, "%.3f", "0.025"},
       {99, 0.025, "%.3f", "0.025"},  // an unknown code shows the value as it is

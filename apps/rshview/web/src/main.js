@@ -364,10 +364,11 @@ function showFacts(m, answer) {
     ['Specular', h('span', {}, h('span', { class: 'swatch', style: `background:${hex(m.specularColor)}` }), ` ${m.specular.toFixed(2)}`)],
     ['Glossiness', m.glossiness.toFixed(2)],
     ['Transparency', m.transparency.toFixed(2)],
+    ['Luminosity', m.luminosity.toFixed(2)],
     ['Texture', m.textured ? String(answer.texture.image.path).split(/[\\/]/).pop() : '—'],
   ];
   if (m.textured) {
-    facts.push(['Placement', `at ${m.position.map((x) => +x.toFixed(3)).join(', ')} size ${m.size.map((x) => +x.toFixed(3)).join(' × ')} ${+m.angle.toFixed(2)}°`]);
+    facts.push(['Placement', `at ${m.position.map((x) => +x.toFixed(3)).join(', ')} size ${m.size.map((x) => +x.toFixed(3)).join(' × ')} turned ${+((m.angle * 180) / Math.PI).toFixed(1)}°`]);
     facts.push(['Wrap · flip', `${m.repeat.map((r) => (r ? 'repeat' : 'clamp')).join('/')} · ${m.flip.map((f) => (f ? 'yes' : 'no')).join('/')}`]);
   }
   $('material-facts').replaceChildren(...facts.flatMap(([k, v]) => [h('dt', {}, k), h('dd', {}, v)]));

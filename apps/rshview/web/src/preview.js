@@ -65,15 +65,16 @@ void main() {
   if (textured) {
     float u = 0.5 + atan(x, z) / (2.0 * PI);
     float v = 0.5 - asin(clamp(y, -1.0, 1.0)) / PI;
-    float a = angle * PI / 180.0;
+    float c = cos(angle), n = sin(angle);
+    float du = 2.0 * (u - 0.5), dv = v - 0.5;
+    float tu = 0.5 + 0.5 * (du * c - dv * n);
+    float tv = 0.5 + (du * n + dv * c);
     float su = size.x > 0.0 ? size.x : 1.0;
     float sv = size.y > 0.0 ? size.y : 1.0;
-    float s = (u - position.x) / su;
-    float t = (v - position.y) / sv;
-    float rs = s * cos(a) - t * sin(a);
-    float rt = s * sin(a) + t * cos(a);
-    s = wrap(flip.x ? -rs : rs, repeat.x);
-    t = wrap(flip.y ? -rt : rt, repeat.y);
+    float rs = (tu - position.x) / su;
+    float rt = (tv - position.y) / sv;
+    float s = wrap(flip.x ? -rs : rs, repeat.x);
+    float t = wrap(flip.y ? -rt : rt, repeat.y);
     vec2 texel = min(floor(vec2(s, t) * imageSize), imageSize - 1.0);
     base *= texture2D(image, (texel + 0.5) / imageSize).rgb;
   }
@@ -112,7 +113,8 @@ export function renderSphere(m, side, texture) {
   const centre = 0.5 * side;
   const textured = m.textured && texture && texture.width > 0;
   const wrap = (t, r) => (r ? t - Math.floor(t) : Math.min(Math.max(t, 0), 0.99999994));
-  const a = (m.angle * Math.PI) / 180;
+  const c = Math.cos(m.angle);
+  const n = Math.sin(m.angle);
   for (let row = 0; row < side; row++) {
     for (let col = 0; col < side; col++) {
       const x = f((col + 0.5 - centre) / radius);
@@ -125,12 +127,15 @@ export function renderSphere(m, side, texture) {
         if (textured) {
           const u = 0.5 + Math.atan2(x, z) / (2 * Math.PI);
           const v = 0.5 - Math.asin(Math.min(Math.max(y, -1), 1)) / Math.PI;
+          // The image turns about the point facing the viewer, in arc (u once round, v pole to pole).
+          const du = 2 * (u - 0.5);
+          const dv = v - 0.5;
+          const tu = 0.5 + 0.5 * (du * c - dv * n);
+          const tv = 0.5 + (du * n + dv * c);
           const su = m.size[0] > 0 ? m.size[0] : 1;
           const sv = m.size[1] > 0 ? m.size[1] : 1;
-          const s0 = (u - m.position[0]) / su;
-          const t0 = (v - m.position[1]) / sv;
-          const rs = s0 * Math.cos(a) - t0 * Math.sin(a);
-          const rt = s0 * Math.sin(a) + t0 * Math.cos(a);
+          const rs = (tu - m.position[0]) / su;
+          const rt = (tv - m.position[1]) / sv;
           const s = wrap(m.flip[0] ? -rs : rs, m.repeat[0]);
           const t = wrap(m.flip[1] ? -rt : rt, m.repeat[1]);
           const tx = Math.min(Math.floor(s * texture.width), texture.width - 1);
