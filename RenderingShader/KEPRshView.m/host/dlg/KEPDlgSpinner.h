@@ -11,7 +11,8 @@
 // setters are silent by default), and every value a person sets.
 //
 // A unit code (KEPDlgUnit...) chooses how the value shows: with a length code the value is in
-// metres and shows in the code's unit ("2.5 cm" for 0.025), degrees and kelvins show as they are.
+// metres and shows in the code's unit ("2.5 cm" for 0.025), with the degree code it is in radians
+// and shows in degrees ("45.0 deg" for 0.7854), kelvins show as they are.
 // A person types in the unit shown.
 #pragma once
 

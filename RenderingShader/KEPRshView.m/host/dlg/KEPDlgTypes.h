@@ -50,7 +50,8 @@ inline constexpr int KEPDlgTabAcross = KEPDlgTabStart | KEPDlgTabEnd;  ///< the 
 inline constexpr int KEPDlgLineReplace = 0x40;
 
 /// Unit codes of spinners, scalar sliders and wheels (SetUnit). A value with a length code is
-/// held in metres and shown in the code's unit; degrees and kelvins are held and shown as such.
+/// held in metres and shown in the code's unit, one with the degree code held in radians and
+/// shown in degrees; kelvins are held and shown as such.
 inline constexpr int KEPDlgUnitNone = 0;
 inline constexpr int KEPDlgUnitDegree = 12;
 inline constexpr int KEPDlgUnitMetre = 43;

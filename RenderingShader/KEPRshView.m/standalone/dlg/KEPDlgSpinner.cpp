@@ -101,6 +101,7 @@ void KEPDlgSpinner::DescribeState(KEPVidStateWriter& writer) const {
   writer.Double("value", value_);
   writer.Text("text", GetValueText());
   writer.Int("unit", unit_);
+  writer.Double("shownPerHeld", KEPDlgToShown(unit_, 1.0));
   writer.Text("format", format_);
   writer.Int("precision", precision_);
   writer.Int("visibleTextWidth", textWidth_);

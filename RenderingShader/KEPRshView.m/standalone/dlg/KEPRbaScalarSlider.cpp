@@ -48,6 +48,7 @@ double KEPRbaScalarSlider::FromShown(double shown) const {
 void KEPRbaScalarSlider::DescribeState(KEPVidStateWriter& writer) const {
   KEPRbaSlider::DescribeState(writer);
   writer.Int("unit", unit_);
+  writer.Double("shownPerHeld", KEPDlgToShown(unit_, 1.0));
   writer.Text("format", format_);
   writer.Int("visibleTextWidth", textWidth_);
   const double track[] = {minorTicks_, majorTicks_, dragFactor_, static_cast<double>(positions_)};

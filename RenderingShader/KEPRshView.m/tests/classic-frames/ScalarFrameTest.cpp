@@ -99,7 +99,7 @@ TEST_F(ScalarFrameTest, UnitTableScalesLengthsIntoTheControlAndGivesItsCode) {
   } const rows[] = {
       {"spinner", "cm", 25.0f, 0.025, 46}, {"spinner", "MM", 10.0f, 0.01, 45},
       {"wheel", "m", 2000.0f, 2.0, 43},    {"slider", "Km", 0.5f, 0.0005, 47},
-      {"spinner", "deg", 90.0f, 90.0, 12}, {"spinner", "k", 6500.0f, 6500.0, 95},
+      {"spinner", "deg", 1.5f, 1.5, 12},   {"spinner", "k", 6500.0f, 6500.0, 95},
       {"wheel", "K", 6500.0f, 6500.0, 95}, {"slider", "K", 0.5f, 0.5, 0},
       {"slider", "k", 0.5f, 0.5, 0},       {"spinner", "in", 5.0f, 5.0, 0},
       {"blackbody", "K", 0.5f, 0.5, 95},   {"blackbody", "mm", 0.5f, 0.5, 0},

@@ -152,6 +152,12 @@ TEST_F(DlgControls, UnitCodesShowTheValueInTheirUnit) {
   spinner->SetUnit(KEPDlgUnitCentimetre);
   ASSERT_EQ(Inject(spinner, KEPVidAction::Set, "2.5"), S_OK);
   EXPECT_DOUBLE_EQ(spinner->GetValue(), 0.025);
+  // Typed degrees are held as radians.
+  auto* angle = new KEPDlgSpinner(root.Get(), "deg", kDouble);
+  angle->SetMinMaxStep(-1e6, 1e6, 1.0);
+  angle->SetUnit(KEPDlgUnitDegree);
+  ASSERT_EQ(Inject(angle, KEPVidAction::Set, "90"), S_OK);
+  EXPECT_NEAR(angle->GetValue(), 1.5707963267948966, 1e-12);
   // The chosen display unit of the length magnitude does not change what a code shows.
   KEPICkeMagnitude* length = KEPParmDictionary::FindMagnitude(KEPParmDictionary::LengthType);
   ASSERT_NE(length, nullptr);

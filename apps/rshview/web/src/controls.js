@@ -657,10 +657,9 @@ const imageSelector = {
 // ---------------------------------------------------------------------------------------------
 // The classic toolkit's widgets.
 
-/** A number in the unit shown: a classic value is held in model units and shown in another. */
+/** A classic value is held in one unit (metres, radians) and shown in another: shown per held. */
 function shownFactor(s) {
-  const shown = leadingNumber(s.text);
-  return Number.isFinite(shown) && s.value && shown !== 0 ? shown / s.value : 1;
+  return Number.isFinite(s.shownPerHeld) && s.shownPerHeld !== 0 ? s.shownPerHeld : 1;
 }
 
 const spinner = {

@@ -249,6 +249,29 @@ test('a reset from a label takes the parameter shown beside it, once, and never 
   });
 });
 
+test('a classic angle wheel steps in radians held and shows degrees, from a value of 0 too', async (t) => {
+  await scenario(t, async ({ page }) => {
+    await page.click('.node[data-node="red_paint.decal"]');
+    await page.click('.switch [data-kind="classic"]');
+    await page.waitForSelector('body[data-editor-kind="classic"][data-editor-node="red_paint.decal"]');
+    const wheel = await rowWidget(page, '_uv_angle', '[role="slider"]');
+    assert.match(await page.textContent(`${at(wheel)} .slider-text`), /^0\.0000 deg$/);
+    try {
+      // One step of the wheel is one held unit: a radian, shown as 57.3 degrees.
+      await page.focus(`${at(wheel)} [role="slider"]`);
+      await page.press(`${at(wheel)} [role="slider"]`, 'ArrowRight');
+      await page.waitForFunction(() => /_uv_angle/.test(document.getElementById('status').textContent));
+      await settled(page);
+      assert.match(await page.textContent('#status'), /red_paint\.decal\._uv_angle: 0 → 1$/);
+      assert.match(await page.textContent(`${at(wheel)} .slider-text`), /^57\.295\d deg$/);
+    } finally {
+      await page.evaluate((path) => window.rshview.view.ctx.send('set', path, '0'), wheel.replace(/\/?$/, ''));
+      await settled(page);
+      await page.click('.switch [data-kind="immersive"]');
+    }
+  });
+});
+
 test('typed text in a number field is where the arrow keys step from, and quick presses add up', async (t) => {
   await scenario(t, async ({ page }) => {
     await expandGroup(page, 'Mapping');
