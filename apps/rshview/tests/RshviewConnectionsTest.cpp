@@ -181,6 +181,10 @@ TEST(RshviewConnections, RefusedDialogEventsNameWhatIsThere) {
        ":2: connectionDialog/shaderSelector: KEPDlgSelectorList \"shaderSelector\": no line reads "
        "\"Plaster (new)\" (lines: \"Image texture (new)\", \"Bump (new)\", \"Plaster bumps (Bumpy "
        "plaster wall:bump)\")"},
+      // Lines are listed whole, however long: they are what the script must write.
+      {true, "press parameterButton1\nselect connectionDialog/shaderSelector x\n",
+       "\"Checker decal (Red metallic paint:default_slot_diffuse_texture)\", \"Floor tiles (Red "
+       "metallic paint:flake_color, Polished floor:diffuse_texture)\""},
       {true, "ok\n", ":1: 'ok' without a path needs an open dialog, and none is open"},
       {false, "press ParameterConnection4\ncancel\nok connectionDialog\n",
        ":3: connectionDialog: KEPRshConnectionDialog \"connectionDialog\": cannot be reached"},

@@ -56,15 +56,19 @@ void KEPDlgLineList::DescribeState(KEPVidStateWriter& writer) const {
 
 namespace {
 // The refusal of a line text that is not there, with the lines that are, so that a script's
-// author sees what to write instead.
+// author sees what to write instead: each line whole, as it must be written (the first ones of a
+// long list).
 std::string NoSuchLine(const std::vector<KEPUnicodeString>& lines, std::string_view argument) {
+  constexpr std::size_t kListed = 40;
   std::string what = "no line reads " + KEPVidQuote(argument);
   if (lines.empty()) return what + " (it has no lines)";
   what += " (lines:";
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    what += i ? ", " : " ";
-    what += KEPVidQuote(lines[i].ToUTF8());
+  for (std::size_t i = 0; i < lines.size() && i < kListed; ++i) {
+    what += i ? ", \"" : " \"";
+    what += lines[i].ToUTF8();
+    what += '"';
   }
+  if (lines.size() > kListed) what += " and " + std::to_string(lines.size() - kListed) + " more";
   return what + ")";
 }
 }  // namespace

@@ -3,12 +3,11 @@
 #include <chrono>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
 #include "KEPShaderDocumentWriter.h"
+#include "RshviewReadFile.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -112,10 +111,8 @@ bool RshviewWriteRecovery(KEPHostShaderDocument& document, const std::string& do
 }
 
 bool RshviewDocumentAsSaved(KEPHostShaderDocument& document, const std::string& doc) {
-  std::ifstream in(doc, std::ios::binary);
-  if (!in) return false;
-  const std::string saved{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  return !in.bad() && saved == KEPShaderDocumentWriter::Format(document, doc);
+  std::string saved;
+  return RshviewReadFile(doc, saved) && saved == KEPShaderDocumentWriter::Format(document, doc);
 }
 
 std::string RshviewShellWord(const std::string& path) {

@@ -7,8 +7,6 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <sstream>
 #include <string_view>
@@ -24,6 +22,7 @@
 #include "RshviewEditorDiff.h"
 #include "RshviewEditorView.h"
 #include "RshviewLabelParameter.h"
+#include "RshviewReadFile.h"
 #include "RshviewRecovery.h"
 #include "RshviewUnits.h"
 #include "RshviewViewer.h"
@@ -36,13 +35,6 @@ std::string Absolute(const std::string& path) {
   std::error_code ec;
   const fs::path absolute = fs::absolute(path, ec);
   return ec ? path : absolute.lexically_normal().string();
-}
-
-bool ReadWholeFile(const std::string& path, std::string& content) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return false;
-  content.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  return !in.bad();
 }
 
 std::string Lower(std::string text) {
@@ -152,7 +144,14 @@ void RshviewServeSession::Snapshot(OpenEditor& open) {
   open.snapshot = std::make_unique<RshviewWidgetText>(KEPVidToJsonText(open.editor.Editor()));
   open.snapshotStamp = stamp_;
   open.compact.reset();
-  open.view = RshviewEditorView(*open.snapshot, RshviewJsonText(RshviewUnitsJson()));
+  open.view.clear();
+}
+
+const std::string& RshviewServeSession::ViewOf(OpenEditor& open) {
+  Snapshot(open);
+  if (open.view.empty())
+    open.view = RshviewEditorView(*open.snapshot, RshviewJsonText(RshviewUnitsJson()));
+  return open.view;
 }
 
 RshviewServeSession::OpenEditor* RshviewServeSession::OpenEditorOf(KEPHostShaderNode* node,
@@ -191,8 +190,7 @@ RshviewServeSession::OpenEditor* RshviewServeSession::OpenEditorOf(KEPHostShader
     open.snapshot.reset();
   }
   if (!view.empty()) {
-    Snapshot(open);
-    if (open.view != view) {
+    if (ViewOf(open) != view) {
       // The event's path was read from a tree whose widgets stood for other things.
       reply = RshviewReply::Error(
           409, "stale editor",
@@ -292,7 +290,7 @@ RshviewReply RshviewServeSession::Editor(const std::string& id, const std::strin
   Snapshot(*open);
   // The tree is written as text directly, as `rshview dump --format json` writes it.
   const Json head{{"node", node->Id()},       {"type", node->TypeName()}, {"editorKind", kind},
-                  {"restricted", restricted}, {"view", open->view},       {"revision", Revision()}};
+                  {"restricted", restricted}, {"view", ViewOf(*open)},    {"revision", Revision()}};
   const std::string* tree = &open->snapshot->Text();
   std::string_view defaults;
   if (compact) {
@@ -474,7 +472,7 @@ RshviewReply RshviewServeSession::Texture(const std::string& id) {
                                "the material of node '" + id + "' answers no texture image");
   const std::string path = image["path"].get<std::string>();
   std::string content;
-  if (!ReadWholeFile(path, content))
+  if (!RshviewReadFile(path, content))
     return RshviewReply::Error(404, "no texture", "cannot read " + path);
   // Served as image/png: a file of another kind is not served at all.
   static constexpr std::string_view kPngSignature{"\x89PNG\r\n\x1a\n", 8};
@@ -505,7 +503,7 @@ RshviewReply RshviewServeSession::Preview(const std::string& id, int size) {
   const std::string file = (fs::path(folder) / "preview.png").string();
   std::string error, content;
   const bool written = RshviewWriteSpherePreview(material, size, file, error);
-  const bool read = written && ReadWholeFile(file, content);
+  const bool read = written && RshviewReadFile(file, content);
   fs::remove_all(folder, ec);
   if (!written) return RshviewReply::Error(500, "internal error", error);
   if (!read) return RshviewReply::Error(500, "internal error", "cannot read " + file);

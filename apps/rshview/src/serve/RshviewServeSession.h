@@ -101,13 +101,17 @@ class RshviewServeSession {
     std::uint64_t snapshotStamp = 0;
     /// The snapshot's compact form, made on the first request that asks for it.
     std::optional<std::string> compact;
-    /// The snapshot's view: an event made on a tree of another view is refused.
+    /// The snapshot's view (empty until asked for: see ViewOf): an event made on a tree of
+    /// another view is refused.
     std::string view;
     /// Another editor changed a connection: built again before the next use.
     bool rebuild = false;
   };
-  /// Writes the tree of `open` again when something changed it since (its snapshot and view).
+  /// Writes the tree of `open` again when something changed it since (its snapshot; the view is
+  /// made again when next asked for).
   void Snapshot(OpenEditor& open);
+  /// The view of the editor's tree as it is now.
+  const std::string& ViewOf(OpenEditor& open);
   /// The node `id`, or null with `reply` set to the 404 answer.
   KEPHostShaderNode* FindNode(const std::string& id, RshviewReply& reply) const;
   /// The editor kept for (client, node, kind), built on first use; null with `reply` set on

@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <utility>
+
+#include "RshviewReadFile.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -58,9 +58,8 @@ RshviewReply RshviewStaticFiles::Get(const std::string& path) const {
   if (ec) return NotFound(path);
   const fs::path file = fs::canonical(root / relative, ec);
   if (ec || !Inside(root, file) || !fs::is_regular_file(file, ec)) return NotFound(path);
-  std::ifstream in(file, std::ios::binary);
-  std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return NotFound(path);
+  std::string content;
+  if (!RshviewReadFile(file.string(), content)) return NotFound(path);
   return RshviewReply{200, std::move(content), ContentType(file.filename().string())};
 }
 
